@@ -1,0 +1,23 @@
+# Every dependency is a Debian package; a missing one is named with its fix.
+
+function(orv_require package debian)
+  find_package(${package} QUIET ${ARGN})
+  if(NOT ${package}_FOUND)
+    message(FATAL_ERROR "${package} was not found: install ${debian} (scripts/setup.sh does)")
+  endif()
+endfunction()
+
+orv_require(Qt5 qtbase5-dev 5.15 COMPONENTS Core Gui)
+
+if(ORV_PLATFORM STREQUAL "bundled")
+  orv_require(PkgConfig pkg-config)
+  pkg_check_modules(EPOXY QUIET IMPORTED_TARGET epoxy)
+  if(NOT EPOXY_FOUND)
+    message(FATAL_ERROR "libepoxy was not found: install libepoxy-dev (scripts/setup.sh does)")
+  endif()
+endif()
+
+if(ORV_BUILD_TESTS)
+  orv_require(GTest "libgtest-dev and libgmock-dev")
+  include(GoogleTest)
+endif()
