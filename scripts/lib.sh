@@ -1,0 +1,48 @@
+# shellcheck shell=bash
+# What the scripts of this directory share. Sourced, never run.
+
+repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+script_name=$(basename "$0")
+
+# say TEXT...: one line of progress. On stderr, so that stdout carries results only.
+say() { printf '== %s\n' "$*" >&2; }
+
+# die TEXT...: the reason, on one line, and out.
+die() {
+  printf '%s: %s\n' "$script_name" "$*" >&2
+  exit 1
+}
+
+# wrong_usage TEXT...: like die, with the exit status of a wrong call.
+wrong_usage() {
+  printf "%s: %s (try '%s --help')\n" "$script_name" "$*" "$script_name" >&2
+  exit 2
+}
+
+# print_usage: the comment block at the head of the running script is its manual.
+print_usage() {
+  awk 'NR == 1 { next } /^#/ { sub(/^# ?/, ""); print; next } { exit }' "$0"
+}
+
+# job_count: how many compilers or tests run at once.
+job_count() { nproc 2>/dev/null || echo 2; }
+
+# configure PRESET BUILD_DIR [CMAKE_ARGUMENT...]: the scripts keep build directories of
+# their own, so that what they set never shows up in the one a developer works in.
+configure() {
+  local preset=$1 build_dir=$2
+  shift 2
+  local launcher=()
+  if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  fi
+  # Presets are looked up in the current directory, hence the subshell.
+  (cd "$repository" && cmake --preset "$preset" -B "$build_dir" "${launcher[@]}" "$@" >&2)
+}
+
+# build BUILD_DIR [CMAKE_ARGUMENT...]
+build() {
+  local build_dir=$1
+  shift
+  cmake --build "$build_dir" --parallel "$(job_count)" "$@" >&2
+}

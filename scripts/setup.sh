@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that this project needs, those that are missing only.
+#
+#     scripts/setup.sh [build] [test]
+#
+#   build    what compiling the libraries and the `orv` command line takes, and an
+#            OpenGL driver that runs without a graphics card or a display
+#   test     what the tests take beyond that
+#
+# Without a name: both. Runs as root or through sudo; needs neither when nothing is
+# missing.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+build_packages=(
+  # The tools. The compiler brings the runtimes of its sanitizers along.
+  cmake ninja-build g++ pkg-config
+  # Qt 5 Core and Gui. PNG is built into Gui; its package holds the JPEG plugin.
+  qtbase5-dev
+  # The loader of OpenGL functions.
+  libepoxy-dev
+  # EGL and Mesa's software driver: OpenGL with no card and no display.
+  libegl1 libegl-mesa0 libgl1-mesa-dri
+)
+test_packages=(libgtest-dev libgmock-dev)
+
+is_installed() {
+  [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+# as_root COMMAND...: through sudo where we are not root already.
+as_root() {
+  if [[ $(id -u) -eq 0 ]]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
+# quietly COMMAND...: its output only when it fails.
+quietly() {
+  local log status=0
+  log=$(mktemp)
+  "$@" >"$log" 2>&1 || status=$?
+  if ((status != 0)); then
+    cat "$log" >&2
+  fi
+  rm -f "$log"
+  return "$status"
+}
+
+install_packages() {
+  command -v apt-get >/dev/null ||
+    die "this system has no apt-get; install what the Debian packages '$*' hold by other means"
+  [[ $(id -u) -eq 0 ]] || command -v sudo >/dev/null ||
+    die "neither root nor sudo; ask someone who may: apt-get install $*"
+
+  say "installing $*"
+  # A repository that does not answer need not be one of those the packages come from.
+  quietly as_root apt-get -q update || say "apt-get update failed; trying with the lists at hand"
+  quietly as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get -q -y --no-install-recommends install "$@" || die "could not install $*"
+}
+
+wanted=()
+for group in "${@:-all}"; do
+  case $group in
+    -h | --help)
+      print_usage
+      exit 0
+      ;;
+    build) wanted+=("${build_packages[@]}") ;;
+    test) wanted+=("${test_packages[@]}") ;;
+    all) wanted+=("${build_packages[@]}" "${test_packages[@]}") ;;
+    *) wrong_usage "no such group of packages: '$group'" ;;
+  esac
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+  is_installed "$package" || missing+=("$package")
+done
+if ((${#missing[@]} > 0)); then
+  install_packages "${missing[@]}"
+fi

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Builds everything, with warnings as errors, and runs every test: first the release
+# build, then one under the address and undefined-behaviour sanitizers.
+#
+#     scripts/test.sh
+#
+# Installs the packages that are missing first. Stops at the first build or test run that
+# fails, with a non-zero exit status; the last lines are always the summary of the last
+# test run. Builds in build/test-release and build/test-asan.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+case ${1-} in
+  "") ;;
+  -h | --help)
+    print_usage
+    exit 0
+    ;;
+  *) wrong_usage "unexpected argument '$1'" ;;
+esac
+
+# A test that hangs is cut off long before it can hold up the whole run.
+test_timeout_s=300
+
+# build_and_test PRESET
+build_and_test() {
+  local build_dir=$repository/build/test-$1
+  say "$1: building in $build_dir"
+  configure "$1" "$build_dir" -DORV_WERROR=ON -DORV_BUILD_TESTS=ON
+  build "$build_dir"
+  say "$1: testing"
+  ctest --test-dir "$build_dir" --output-on-failure --no-tests=error \
+    --parallel "$(job_count)" --timeout "$test_timeout_s"
+}
+
+bash "$repository/scripts/setup.sh" build test
+
+# The samples are generated, and committed. Python is no requirement, hence the condition.
+if command -v python3 >/dev/null; then
+  say "samples: comparing with what their generator writes"
+  python3 "$repository/samples/make_samples.py" --check >&2
+fi
+
+# The sanitizers' own settings also hold while building: listing the cases of a test
+# program runs it. A leak in the OpenGL driver is not ours to mend.
+export ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
+export UBSAN_OPTIONS=print_stacktrace=1
+export LSAN_OPTIONS=print_suppressions=0:suppressions="'$repository/tests/support/lsan.supp'"
+
+build_and_test release
+build_and_test asan
