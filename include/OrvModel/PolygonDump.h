@@ -1,0 +1,29 @@
+/// \file
+/// Polygons and their triangulations as small OBJ files, to look at a failed
+/// triangulation in a viewer.
+#pragma once
+
+#include <OrvModel/OrvModelExport.h>
+
+#include <QtCore/QVector>
+
+class QString;
+class QVector2D;
+
+namespace Halvard::Orv {
+
+/// Writes the ring of `count` points as "v x y" lines (two coordinates, six
+/// significant digits) and one "f" line over all of them.
+///
+/// The "f" line has two blanks after its keyword. A file that cannot be opened
+/// logs the warning "Couldn't write obj file %s"; later write errors are ignored.
+/// An existing file is overwritten.
+ORVMODEL_EXPORT void DumpAsOBJPolygon(QString const &fileName, int count, QVector2D const *points);
+
+/// Writes the points as above and one "f" line per triangle.
+/// \param triangles 0-based positions, three a triangle, as Triangulate2D()
+///        gives them; an incomplete last triangle is left out.
+ORVMODEL_EXPORT void DumpAsOBJTriangles(QString const &fileName, int count, QVector2D const *points,
+                                        QVector<int> const &triangles);
+
+} // namespace Halvard::Orv
