@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// Marks what libOrvCore exports; everything else is hidden. CMake defines OrvCore_EXPORTS while
+/// the library itself is compiled.
+#ifdef OrvCore_EXPORTS
+#define ORVCORE_EXPORT Q_DECL_EXPORT
+#else
+#define ORVCORE_EXPORT Q_DECL_IMPORT
+#endif

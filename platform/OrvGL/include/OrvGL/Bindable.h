@@ -1,0 +1,40 @@
+#pragma once
+
+#include <OrvGL/OrvGLExport.h>
+
+namespace Halvard::Orv {
+
+/// Something that can be bound to a binding point of the current OpenGL context.
+///
+/// Every operation needs the object's context (or one that shares with it) to be current and logs a
+/// warning and does nothing otherwise. AutoBinder binds for the length of a scope.
+class ORVGL_EXPORT Bindable
+{
+public:
+    /// What a binding point held.
+    struct Binding
+    {
+        unsigned int
+            unit; ///< The texture unit, as glActiveTexture takes it; 0 where there is none.
+        unsigned int name; ///< The OpenGL name bound there; 0 for none.
+    };
+
+    Bindable() = default;
+    Bindable(const Bindable &) = delete;
+    Bindable &operator=(const Bindable &) = delete;
+    virtual ~Bindable();
+
+    /// Binds the object to its target.
+    virtual void bind() = 0;
+
+    /// Leaves nothing bound to the object's target.
+    virtual void release() = 0;
+
+    /// What is bound now at the point where bind() would bind; {0, 0} with no context current.
+    virtual Binding binding() const = 0;
+
+    /// Puts back what binding() answered. A name that was deleted meanwhile leaves nothing bound.
+    virtual void restore(const Binding &previous) = 0;
+};
+
+} // namespace Halvard::Orv

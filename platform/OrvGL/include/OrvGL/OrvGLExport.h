@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+/// Marks what libOrvGL exports; everything else is hidden. CMake defines OrvGL_EXPORTS while the
+/// library itself is compiled.
+#ifdef OrvGL_EXPORTS
+#define ORVGL_EXPORT Q_DECL_EXPORT
+#else
+#define ORVGL_EXPORT Q_DECL_IMPORT
+#endif
