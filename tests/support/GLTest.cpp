@@ -1,54 +1,74 @@
 #include "GLTest.h"
 
-#include <OrvGL/HeadlessContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
+#include <OrvGL/HeadlessContext.h>
+
 #include <QtCore/QString>
+
+#include <memory>
 
 namespace OrvTest {
 
 namespace {
 
-/// What the program's only context is, or why there is none.
-struct SharedContext
+/// Owns the context. It goes before static objects do: a driver that unloads
+/// itself at the end of the process would go first.
+class GLEnvironment : public ::testing::Environment
 {
-    QString error;
-    QSharedPointer<Halvard::Orv::HeadlessContext> context =
-        Halvard::Orv::HeadlessContext::create(&error);
+public:
+    void TearDown() override { _context.reset(); }
+
+    /// The context, made when first asked for; null with the reason in error().
+    Halvard::Orv::HeadlessContext *context()
+    {
+        if (!_context && _error.isEmpty())
+            _context = Halvard::Orv::HeadlessContext::create(&_error);
+        return _context.get();
+    }
+    const QString &error() const { return _error; }
+
+private:
+    std::unique_ptr<Halvard::Orv::HeadlessContext> _context;
+    QString _error;
 };
 
-/// Lives until the process ends: GL objects that the library caches do, too.
-SharedContext &sharedContext()
+GLEnvironment &environment()
 {
-    static SharedContext shared;
-    return shared;
+    // GoogleTest owns it from here on.
+    static auto *const registered =
+        static_cast<GLEnvironment *>(::testing::AddGlobalTestEnvironment(new GLEnvironment));
+    return *registered;
 }
+
+/// Environments have to be known before the tests start.
+[[maybe_unused]] const GLEnvironment &registeredAtStart = environment();
 
 } // namespace
 
 void GLTest::SetUp()
 {
-    const SharedContext &shared = sharedContext();
-    ASSERT_TRUE(shared.context) << "no OpenGL context: " << shared.error.toStdString();
-    ASSERT_TRUE(shared.context->makeCurrent());
+    auto *context = environment().context();
+    ASSERT_TRUE(context) << "no OpenGL context: " << environment().error().toStdString();
+    ASSERT_TRUE(context->makeCurrent());
 }
 
 void GLTest::TearDown()
 {
-    if (sharedContext().context)
+    if (environment().context())
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR)) << "the test left an OpenGL error behind";
 }
 
 NoCurrentContext::NoCurrentContext()
 {
-    if (sharedContext().context)
-        sharedContext().context->doneCurrent();
+    if (auto *context = environment().context())
+        context->doneCurrent();
 }
 
 NoCurrentContext::~NoCurrentContext()
 {
-    if (sharedContext().context)
-        sharedContext().context->makeCurrent();
+    if (auto *context = environment().context())
+        context->makeCurrent();
 }
 
 } // namespace OrvTest
