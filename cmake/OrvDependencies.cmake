@@ -1,11 +1,12 @@
 # Every dependency is a Debian package; a missing one is named with its fix.
 
-function(orv_require package debian)
-  find_package(${package} QUIET ${ARGN})
+# A macro, not a function: package modules leave variables behind that later calls need.
+macro(orv_require package debian)
+  find_package(${package} ${ARGN} QUIET)
   if(NOT ${package}_FOUND)
     message(FATAL_ERROR "${package} was not found: install ${debian} (scripts/setup.sh does)")
   endif()
-endfunction()
+endmacro()
 
 orv_require(Qt5 qtbase5-dev 5.15 COMPONENTS Core Gui)
 

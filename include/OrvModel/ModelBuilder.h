@@ -18,6 +18,7 @@ namespace Halvard::Orv {
 class BufferObject;
 class GPUModel;
 class OpenGLDeviceContext;
+struct RowColumn;
 
 /// Collects vertex attributes, faces and material groups the way an OBJ file
 /// gives them, and turns them into what a GPU draws.
@@ -197,6 +198,22 @@ private:
     };
 
     StreamPointer allocate(unsigned type, unsigned long count) const;
+    bool cornersFitStreams(unsigned cornerCount) const;
+    void dropGPUStreams();
+    bool replaceGPUValues(const QVector<RowColumn> &columns, const QVector<int> &newToOld,
+                          const StreamPointer &sharedIndices);
+    bool isPositionAttribute(const QString &name) const;
+    bool hasGPUStreams() const;
+    bool prepareForUpload(const QString &positionAttribute);
+    bool computeNormals(const VertexAttribute &positions);
+    QVector<unsigned int> faceOffsets() const;
+    bool commandsFitIndices() const;
+    QSharedPointer<BufferObject> uploadIndices(OpenGLDeviceContext &context, int vertexCount,
+                                               unsigned usage, unsigned &indexType) const;
+    QHash<QString, QSharedPointer<BufferObject>> uploadValues(OpenGLDeviceContext &context,
+                                                              unsigned usage) const;
+    void addBundle(GPUModel *model, DrawBuffers *bundle, quint64 key,
+                   const InstanceData &instanceData, const QString &materialIdMember) const;
 
     QSharedPointer<ModelDataStreamAllocator> _allocator;
     QHash<QString, MaterialGroup> _materialGroups;

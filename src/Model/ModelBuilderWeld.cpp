@@ -1,0 +1,157 @@
+// Welding of GPU vertices whose bytes are identical.
+#include <OrvModel/ModelBuilder.h>
+
+#include "AssertionReport.h"
+#include "LoadReport.h"
+#include "RowWelding.h"
+
+#include <OrvGL/OpenGLFunctions.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace Halvard::Orv {
+
+namespace {
+
+using StreamPointer = QSharedPointer<ModelDataStream>;
+
+// Lines under which the two checks are known in logs.
+constexpr int VertexCountCheckLine = 807;
+constexpr int IndexTypeCheckLine = 851;
+
+/// Bytes of one GPU vertex in one attribute.
+size_t elementBytes(const StreamPointer &values, int components)
+{
+    return ModelDataStream::typeSize(values->type()) * static_cast<size_t>(std::max(components, 0));
+}
+
+/// The values of all attributes as columns of one table. A stream with fewer
+/// vertices than the others is lengthened with zeros in a copy.
+class VertexTable
+{
+public:
+    void addColumn(const StreamPointer &values, size_t rowBytes, int rowCount)
+    {
+        const size_t needed = rowBytes * static_cast<size_t>(rowCount);
+        const size_t available = values->byteCount();
+        const char *bytes = static_cast<const char *>(values->data(0));
+        if (available < needed) {
+            QByteArray padded(static_cast<int>(needed), '\0');
+            if (available > 0)
+                std::memcpy(padded.data(), bytes, available);
+            _padded.append(padded);
+            bytes = _padded.last().constData();
+        }
+        _columns.append({bytes, rowBytes});
+    }
+
+    const QVector<RowColumn> &columns() const { return _columns; }
+
+private:
+    QVector<RowColumn> _columns;
+    QVector<QByteArray> _padded;
+};
+
+/// Renumbers the indices in place. They are 32-bit numbers whatever the stream
+/// calls itself.
+void remap(const StreamPointer &indices, const QVector<int> &oldToNew)
+{
+    auto *entries = static_cast<unsigned *>(indices->data(0));
+    const unsigned long count = std::min(indices->size(), indices->byteCount() / sizeof(unsigned));
+    const auto known = static_cast<unsigned>(oldToNew.size());
+    for (unsigned long i = 0; i < count; ++i) {
+        if (entries[i] < known)
+            entries[i] = static_cast<unsigned>(oldToNew.at(static_cast<int>(entries[i])));
+    }
+}
+
+/// Copies the rows that stay into the compacted stream.
+void compact(const RowColumn &column, const QVector<int> &newToOld, const StreamPointer &target)
+{
+    char *destination = static_cast<char *>(target->data(0));
+    for (const int old : newToOld) {
+        std::memcpy(destination, column.bytes + static_cast<size_t>(old) * column.rowBytes,
+                    column.rowBytes);
+        destination += column.rowBytes;
+    }
+}
+
+} // namespace
+
+void ModelBuilder::optimizeGPUStreams()
+{
+    StreamPointer sharedIndices;
+    int vertexCount = 0;
+    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes)) {
+        if (!attribute.gpuValues || !attribute.gpuIndices)
+            return;
+        sharedIndices = attribute.gpuIndices;
+        const int components = std::max(attribute.components, 1);
+        vertexCount =
+            static_cast<int>(attribute.gpuValues->size() / static_cast<unsigned long>(components));
+    }
+    if (!sharedIndices)
+        return;
+
+    VertexTable table;
+    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes))
+        table.addColumn(attribute.gpuValues,
+                        elementBytes(attribute.gpuValues, attribute.components), vertexCount);
+    QVector<int> oldToNew;
+    QVector<int> newToOld;
+    weldRows(table.columns(), vertexCount, oldToNew, newToOld);
+    const int newVertexCount = newToOld.size();
+
+    if (!(newVertexCount <= vertexCount))
+        reportFailedAssertion(VertexCountCheckLine, "newVertexCount <= vertexCount",
+                              QString::asprintf("%d <= %d", newVertexCount, vertexCount));
+    if (sharedIndices->type() != GL_UNSIGNED_INT)
+        reportFailedAssertion(IndexTypeCheckLine, "oldIndices->type() == GL_UNSIGNED_INT",
+                              QString::asprintf("Index not uint32 0x%X", sharedIndices->type()));
+    remap(sharedIndices, oldToNew);
+
+    if (!replaceGPUValues(table.columns(), newToOld, sharedIndices)) {
+        // The indices speak of vertices that nobody holds.
+        dropGPUStreams();
+        return;
+    }
+    const int kept =
+        vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
+    qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", static_cast<void *>(this), vertexCount,
+           newVertexCount, vertexCount - newVertexCount, kept,
+           static_cast<int>(ModelDataStream::typeSize(sharedIndices->type())));
+    if (LoadReport *report = currentLoadReport()) {
+        report->gpuVerticesBeforeWelding = vertexCount;
+        report->gpuVertices = newVertexCount;
+    }
+}
+
+/// Gives every attribute a stream of the vertices that stay. False when a stream
+/// cannot be had.
+bool ModelBuilder::replaceGPUValues(const QVector<RowColumn> &columns, const QVector<int> &newToOld,
+                                    const StreamPointer &sharedIndices)
+{
+    auto column = columns.cbegin();
+    for (VertexAttribute &attribute : _vertexAttributes) {
+        const unsigned long count = static_cast<unsigned long>(newToOld.size()) *
+                                    static_cast<unsigned long>(std::max(attribute.components, 0));
+        const StreamPointer welded = allocate(attribute.gpuValues->type(), count);
+        if (!welded || welded->size() < count)
+            return false;
+        compact(*column++, newToOld, welded);
+        attribute.gpuIndices = sharedIndices;
+        attribute.gpuValues = welded;
+    }
+    return true;
+}
+
+void ModelBuilder::dropGPUStreams()
+{
+    for (VertexAttribute &attribute : _vertexAttributes) {
+        attribute.gpuValues.clear();
+        attribute.gpuIndices.clear();
+    }
+}
+
+} // namespace Halvard::Orv
