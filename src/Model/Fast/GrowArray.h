@@ -1,0 +1,100 @@
+/// \file
+/// A plain array that grows cheaply.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace Halvard::Orv {
+
+/// Elements in one block of memory, grown with realloc.
+///
+/// Large blocks are moved by remapping their pages, not by copying, and room that
+/// was never written takes no memory: growing by doubling costs what is used, no
+/// more. New elements are uninitialised. Throws std::bad_alloc.
+template <typename T>
+class GrowArray
+{
+    static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
+
+public:
+    GrowArray() = default;
+    ~GrowArray() { std::free(_data); }
+    GrowArray(GrowArray &&other) noexcept { swap(other); }
+    GrowArray &operator=(GrowArray &&other) noexcept
+    {
+        GrowArray taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    GrowArray(const GrowArray &) = delete;
+    GrowArray &operator=(const GrowArray &) = delete;
+
+    T *data() { return _data; }
+    const T *data() const { return _data; }
+    size_t size() const { return _size; }
+    bool isEmpty() const { return _size == 0; }
+    T &operator[](size_t i) { return _data[i]; }
+    const T &operator[](size_t i) const { return _data[i]; }
+
+    /// Makes room for `count` more elements and returns where they go; commit()
+    /// makes those that were written part of the array.
+    T *reserveMore(size_t count)
+    {
+        if (_capacity - _size < count)
+            reallocate(_size + count > 2 * _capacity ? _size + count : 2 * _capacity);
+        return _data + _size;
+    }
+    void commit(size_t count) { _size += count; }
+
+    void append(T value)
+    {
+        *reserveMore(1) = value;
+        ++_size;
+    }
+
+    void resize(size_t count)
+    {
+        if (count > _capacity)
+            reallocate(count);
+        _size = count;
+    }
+
+    /// Gives back the room beyond the elements.
+    void shrink()
+    {
+        if (_size == 0)
+            *this = GrowArray();
+        else if (_size < _capacity)
+            reallocate(_size);
+    }
+
+private:
+    void swap(GrowArray &other) noexcept
+    {
+        std::swap(_data, other._data);
+        std::swap(_size, other._size);
+        std::swap(_capacity, other._capacity);
+    }
+
+    void reallocate(size_t capacity)
+    {
+        if (capacity > static_cast<size_t>(-1) / sizeof(T))
+            throw std::bad_alloc();
+        void *moved = std::realloc(_data, capacity * sizeof(T));
+        if (!moved)
+            throw std::bad_alloc();
+        _data = static_cast<T *>(moved);
+        _capacity = capacity;
+    }
+
+    T *_data = nullptr;
+    size_t _size = 0;
+    size_t _capacity = 0;
+};
+
+} // namespace Halvard::Orv
