@@ -7,8 +7,9 @@ namespace Halvard::Orv {
 
 /// Binds an object for as long as the binder lives and then restores what was bound before.
 ///
-/// The same context must be current at both ends; with none current both ends do nothing. A texture
-/// unit that the scope made active stays active.
+/// The same context must be current at both ends. Where the object cannot be bound (see
+/// Bindable::bind()) the binding stays as it is. A texture unit that the scope made active stays
+/// active.
 class ORVGL_EXPORT AutoBinder
 {
 public:

@@ -6,8 +6,9 @@ namespace Halvard::Orv {
 
 /// Something that can be bound to a binding point of the current OpenGL context.
 ///
-/// Every operation needs the object's context (or one that shares with it) to be current and logs a
-/// warning and does nothing otherwise. AutoBinder binds for the length of a scope.
+/// bind() and release() need the object's context, or one that shares with it, to be current; they
+/// log a warning and do nothing otherwise. binding() and restore() need any context and do nothing
+/// without one. AutoBinder binds for the length of a scope.
 class ORVGL_EXPORT Bindable
 {
 public:

@@ -59,16 +59,19 @@ public:
     bool uploadFailed() const { return _uploadFailed; }
 
     /// A copy of the contents, byteCount() bytes, waiting for the GPU where needed. Empty, with a
-    /// warning, beyond INT_MAX bytes or when the buffer's context is not current.
+    /// warning, beyond INT_MAX bytes, in OpenGL ES, and when the buffer's context is not current.
     QByteArray download() const;
 
     /// The OpenGL name; 0 when the buffer was made while its context was not current.
     unsigned int id() const { return _id; }
 
+    /// Whether there is an OpenGL buffer, and a context that knows it is current.
+    bool isUsable() const;
+
 private:
     friend class OpenGLDeviceContext;
     explicit BufferObject(const QSharedPointer<ShareGroup> &group);
-    bool isUsable(const char *operation) const;
+    bool checkUsable(const char *operation) const;
 
     QSharedPointer<ShareGroup> _group;
     unsigned int _id = 0;

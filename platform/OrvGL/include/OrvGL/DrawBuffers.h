@@ -107,6 +107,7 @@ private:
     QSharedPointer<VertexArrayObject> _vao;
     QSharedPointer<BufferObject> _indexBuffer;
     QSharedPointer<BufferObject> _commandBuffer; // null when out of date
+    qint64 _checkedIndexBytes = 0;               // the commands were checked against so many
     QVector<DrawElementsIndirectCommand> _commands;
     QString _lastRefusal;
     int _indexCount = 0;

@@ -59,7 +59,8 @@ public:
 
 private:
     struct Bundle;
-    const Bundle *at(int index) const;
+    Bundle *at(int index) const;
+    Bundle *toName(int bundle, int slot) const;
 
     std::vector<std::unique_ptr<Bundle>> _bundles;
 };

@@ -55,6 +55,7 @@ public:
 private:
     struct Private;
     explicit HeadlessContext(std::unique_ptr<Private> d);
+    static std::unique_ptr<Private> open(void *display, const Private *shareWith, QString *failure);
 
     std::unique_ptr<Private> _d;
 };

@@ -13,6 +13,7 @@ class BufferObject;
 class HeadlessContext;
 class ShareGroup;
 class VertexArrayObject;
+struct NativeContext;
 
 /// An OpenGL context that somebody made current: a window toolkit, an EGL or GLX program, or
 /// HeadlessContext. It is found, not made: this class never creates or destroys a context.
@@ -70,8 +71,12 @@ private:
     struct Private;
 
     OpenGLDeviceContext();
+    static QSharedPointer<OpenGLDeviceContext> find(const NativeContext &native);
+    static QSharedPointer<OpenGLDeviceContext> meet(const NativeContext &native);
+    static QSharedPointer<ShareGroup> groupOfCurrentContext(bool canMark);
     static void forget(void *eglContext);
     void destroyVertexArray(unsigned int name);
+    void deletePending();
 
     std::unique_ptr<Private> _d;
 };

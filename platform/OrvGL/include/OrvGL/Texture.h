@@ -45,6 +45,9 @@ public:
     /// Whether setReadOnly() was called.
     bool isReadOnly() const { return _readOnly; }
 
+    /// Whether there is an OpenGL texture, and a context that knows it is current.
+    bool isUsable() const;
+
     /// Binds to the active texture unit.
     void bind() override;
 
@@ -58,7 +61,7 @@ public:
     void restore(const Binding &previous) override;
 
 private:
-    bool isUsable(const char *operation) const;
+    bool checkUsable(const char *operation) const;
 
     QSharedPointer<ShareGroup> _group;
     unsigned int _id = 0;

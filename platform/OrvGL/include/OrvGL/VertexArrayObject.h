@@ -63,6 +63,7 @@ private:
     QVector<Attribute> _attributes;
     QSharedPointer<OpenGLDeviceContext> _context; // the one _id is of
     unsigned int _id = 0;
+    QVector<unsigned int> _enabledLocations;
 };
 
 } // namespace Halvard::Orv

@@ -1,0 +1,27 @@
+#pragma once
+
+namespace Halvard::Orv {
+
+/// The window system's name for an OpenGL context.
+struct NativeContext
+{
+    enum Api
+    {
+        EGL,
+        GLX
+    };
+
+    Api api = EGL;
+    void *handle = nullptr; ///< EGLContext or GLXContext; null when no context is current.
+
+    /// What is current on the calling thread. Loads no library: one that is not loaded has made no
+    /// context. (libepoxy's own inquiry ends the process where there is neither EGL nor GLX.)
+    static NativeContext current();
+};
+
+inline bool operator==(const NativeContext &a, const NativeContext &b)
+{
+    return a.api == b.api && a.handle == b.handle;
+}
+
+} // namespace Halvard::Orv

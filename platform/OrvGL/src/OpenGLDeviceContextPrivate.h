@@ -1,0 +1,23 @@
+#pragma once
+
+#include <OrvGL/OpenGLDeviceContext.h>
+
+#include "ContextMark.h"
+#include "DeletionQueue.h"
+#include "NativeContext.h"
+
+namespace Halvard::Orv {
+
+struct OpenGLDeviceContext::Private
+{
+    NativeContext native;
+    ContextMark mark; // null where the driver has no labels: then the handle alone must do
+    QSharedPointer<ShareGroup> group;
+    DeletionQueue vertexArrays;
+    QString description;
+    int version = 0;
+    bool hasMultiDrawIndirect = false;
+    bool hasDrawParameters = false;
+};
+
+} // namespace Halvard::Orv
