@@ -4,6 +4,8 @@ namespace OrvTest {
 
 using Halvard::Orv::InstanceData;
 using Halvard::Orv::ModelBuilder;
+using Halvard::Orv::ModelDataArray;
+using Halvard::Orv::ModelDataStream;
 
 QString vertexName()
 {
@@ -18,6 +20,20 @@ QString normalName()
 QString texCoordName()
 {
     return QStringLiteral("va_TexCoord");
+}
+
+QSharedPointer<ModelDataStream> floatStream(const std::vector<float> &values)
+{
+    const auto stream = QSharedPointer<ModelDataArray>::create(typeFloat, 0ul);
+    stream->append(values.size(), values.data());
+    return stream;
+}
+
+QSharedPointer<ModelDataStream> uintStream(const std::vector<unsigned> &values)
+{
+    const auto stream = QSharedPointer<ModelDataArray>::create(typeUnsignedInt, 0ul);
+    stream->append(values.size(), values.data());
+    return stream;
 }
 
 void addAttribute(ModelBuilder &builder, const QString &name, int components,

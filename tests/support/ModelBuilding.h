@@ -4,6 +4,7 @@
 
 #include <OrvModel/ModelBuilder.h>
 
+#include <QtCore/QSharedPointer>
 #include <QtCore/QString>
 
 #include <vector>
@@ -24,6 +25,10 @@ inline constexpr unsigned absentIndex = 0x7fffffff;
 QString vertexName();
 QString normalName();
 QString texCoordName();
+
+/// Streams of the library's own kind with these elements.
+QSharedPointer<Halvard::Orv::ModelDataStream> floatStream(const std::vector<float> &values);
+QSharedPointer<Halvard::Orv::ModelDataStream> uintStream(const std::vector<unsigned> &values);
 
 /// Makes a float attribute with these values, and one index per corner.
 void addAttribute(Halvard::Orv::ModelBuilder &builder, const QString &name, int components,
