@@ -1,0 +1,1 @@
+"""What the sample models are made with; see ../make_samples.py."""
