@@ -55,8 +55,9 @@ void GLTest::SetUp()
 
 void GLTest::TearDown()
 {
-    if (environment().context())
+    if (environment().context()) {
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR)) << "the test left an OpenGL error behind";
+    }
 }
 
 NoCurrentContext::NoCurrentContext()
