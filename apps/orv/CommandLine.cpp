@@ -1,0 +1,100 @@
+#include "CommandLine.h"
+
+#include "Messages.h"
+
+#include <cstdio>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+void print(std::FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
+
+} // namespace
+
+void printError(const QString &message)
+{
+    print(stderr, QStringLiteral("orv: %1\n").arg(message));
+}
+
+void printOut(const QString &text)
+{
+    print(stdout, text);
+}
+
+CommandLine::CommandLine(const QString &subcommand, const QString &synopsis,
+                         const QString &description)
+    : _subcommand(subcommand), _synopsis(synopsis)
+{
+    _parser.setApplicationDescription(description);
+    _parser.addPositionalArgument(QStringLiteral("MODEL"),
+                                  QStringLiteral("The Wavefront OBJ file."));
+    _parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
+                       QStringLiteral("Print this help and stop.")});
+    _parser.addOption({QStringLiteral("verbose"),
+                       QStringLiteral("Print the library's debug messages on stderr as well.")});
+}
+
+void CommandLine::addOption(const QCommandLineOption &option)
+{
+    _parser.addOption(option);
+}
+
+std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
+{
+    // The parser takes the first argument for the program's name.
+    const bool isParsed = _parser.parse(QStringList(_subcommand) + arguments);
+    if (_parser.isSet(QStringLiteral("help"))) {
+        printOut(help());
+        return Fine;
+    }
+    if (!isParsed)
+        return wrongUsage(_parser.errorText());
+    const QStringList files = _parser.positionalArguments();
+    if (files.isEmpty() || files.first().isEmpty())
+        return wrongUsage(QStringLiteral("No model file is given."));
+    if (files.size() > 1)
+        return wrongUsage(QStringLiteral("Unexpected argument '%1'.").arg(files[1]));
+    Messages::setVerbose(_parser.isSet(QStringLiteral("verbose")));
+    return {};
+}
+
+QString CommandLine::model() const
+{
+    return _parser.positionalArguments().constFirst();
+}
+
+bool CommandLine::isSet(const QString &option) const
+{
+    return _parser.isSet(option);
+}
+
+QString CommandLine::value(const QString &option) const
+{
+    return _parser.value(option);
+}
+
+ExitStatus CommandLine::wrongUsage(const QString &message) const
+{
+    printError(message);
+    print(stderr, usage() + QStringLiteral("Try 'orv %1 --help'.\n").arg(_subcommand));
+    return CannotRun;
+}
+
+QString CommandLine::usage() const
+{
+    return QStringLiteral("Usage: orv %1 %2\n").arg(_subcommand, _synopsis);
+}
+
+QString CommandLine::help() const
+{
+    // The parser's own usage line knows nothing of subcommands.
+    const QString text = _parser.helpText();
+    return usage() + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
+}
+
+} // namespace Halvard::Orv::Cli

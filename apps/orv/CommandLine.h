@@ -1,0 +1,53 @@
+/// \file
+/// The arguments of a subcommand: options and one model file.
+#pragma once
+
+#include "ExitStatus.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QString>
+
+#include <optional>
+
+namespace Halvard::Orv::Cli {
+
+/// Prints "orv: MESSAGE" on stderr.
+void printError(const QString &message);
+
+/// Prints `text`, as it is, on stdout.
+void printOut(const QString &text);
+
+/// Every subcommand has --help and --verbose beside its own options.
+class CommandLine
+{
+public:
+    /// \param subcommand as it is called.
+    /// \param synopsis what follows it, for example "MODEL [options]".
+    /// \param description a sentence or two.
+    CommandLine(const QString &subcommand, const QString &synopsis, const QString &description);
+
+    void addOption(const QCommandLineOption &option);
+
+    /// \param arguments those after the subcommand's name.
+    /// \return nothing when there is work to do, else how the process ends: help
+    ///         was asked for and printed, or the call was wrong and that was said.
+    std::optional<ExitStatus> parse(const QStringList &arguments);
+
+    QString model() const;
+    bool isSet(const QString &option) const;
+    /// The last one given counts.
+    QString value(const QString &option) const;
+
+    /// Says what is wrong with the call, and how it should look.
+    ExitStatus wrongUsage(const QString &message) const;
+
+private:
+    QString usage() const;
+    QString help() const;
+
+    QString _subcommand;
+    QString _synopsis;
+    QCommandLineParser _parser;
+};
+
+} // namespace Halvard::Orv::Cli

@@ -1,0 +1,16 @@
+/// \file
+/// What the process ends with.
+#pragma once
+
+namespace Halvard::Orv::Cli {
+
+enum ExitStatus
+{
+    Fine = 0,
+    /// The model file, or one that it names, cannot be used.
+    FileAtFault = 1,
+    /// A wrong call, an output that cannot be written, or no OpenGL.
+    CannotRun = 2,
+};
+
+} // namespace Halvard::Orv::Cli

@@ -1,0 +1,53 @@
+#include "Commands.h"
+
+#include "CommandLine.h"
+#include "LoadedModel.h"
+#include "ModelSummary.h"
+#include "OutputFile.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QIODevice>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+ExitStatus print(const ModelSummary &summary, bool asJSON)
+{
+    QString error;
+    if (const auto out = OutputFile::open(QString(), error)) {
+        if (asJSON)
+            writeSummaryJSON(out->device(), summary);
+        else
+            out->device().write(summaryText(summary).toLocal8Bit());
+        if (out->commit(error))
+            return Fine;
+    }
+    printError(error);
+    return CannotRun;
+}
+
+} // namespace
+
+ExitStatus infoCommand(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("info"), QStringLiteral("MODEL [options]"),
+                     QStringLiteral("Says what is in the model, what became of it on the GPU, and "
+                                    "where the time went."));
+    line.addOption({QStringLiteral("json"), QStringLiteral("Print JSON, for programs to read.")});
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    LoadReport report;
+    LoadedModel loaded;
+    if (const ExitStatus status = loaded.load(line.model(), &report); status != Fine)
+        return status;
+    ModelSummary summary = summarize(loaded.model());
+    summary.fileName = line.model();
+    summary.fileBytes = QFileInfo(line.model()).size();
+    summary.report = report;
+    summary.nanoseconds = loaded.nanoseconds();
+    return print(summary, line.isSet(QStringLiteral("json")));
+}
+
+} // namespace Halvard::Orv::Cli

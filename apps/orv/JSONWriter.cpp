@@ -1,0 +1,193 @@
+#include "JSONWriter.h"
+
+#include <QtCore/QIODevice>
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+constexpr int flushAt = 64 * 1024;
+
+QByteArray quoted(const QString &text)
+{
+    static constexpr char hex[] = "0123456789abcdef";
+    QByteArray result = "\"";
+    for (const char byte : text.toUtf8()) {
+        if (byte == '"' || byte == '\\') {
+            result += '\\';
+            result += byte;
+        } else if (static_cast<unsigned char>(byte) < 0x20) {
+            result += "\\u00";
+            result += hex[byte >> 4];
+            result += hex[byte & 15];
+        } else {
+            result += byte;
+        }
+    }
+    return result + '"';
+}
+
+} // namespace
+
+JSONWriter::JSONWriter(QIODevice &device) : _device(device)
+{
+    _pending.reserve(flushAt + 4096);
+}
+
+void JSONWriter::raw(const char *bytes, int size)
+{
+    _pending.append(bytes, size);
+    if (_pending.size() >= flushAt)
+        flush();
+}
+
+void JSONWriter::flush()
+{
+    if (!_isBroken && _device.write(_pending) != _pending.size())
+        _isBroken = true;
+    _pending.resize(0); // keeps the memory
+}
+
+void JSONWriter::newLine()
+{
+    static const QByteArray spaces(64, ' ');
+    raw("\n", 1);
+    raw(spaces.constData(), std::min(int(_levels.size()) * 2, spaces.size()));
+}
+
+/// The separator and the line break that come before a value or a key.
+void JSONWriter::startItem()
+{
+    if (_isAfterKey) {
+        _isAfterKey = false;
+        return;
+    }
+    if (_levels.empty())
+        return;
+    Level &level = _levels.back();
+    if (level.count > 0)
+        raw(",", 1);
+    if (level.perLine != oneLine && level.count % quint64(level.perLine) == 0)
+        newLine();
+    else if (level.count > 0)
+        raw(" ", 1);
+    ++level.count;
+}
+
+void JSONWriter::open(char bracket, int perLine)
+{
+    startItem();
+    raw(&bracket, 1);
+    _levels.push_back({perLine});
+}
+
+void JSONWriter::close(char bracket)
+{
+    const Level level = _levels.back();
+    _levels.pop_back();
+    if (level.count > 0 && level.perLine != oneLine)
+        newLine();
+    raw(&bracket, 1);
+}
+
+void JSONWriter::beginObject()
+{
+    open('{', 1);
+}
+
+void JSONWriter::endObject()
+{
+    close('}');
+}
+
+void JSONWriter::beginArray(int perLine)
+{
+    open('[', perLine);
+}
+
+void JSONWriter::endArray()
+{
+    close(']');
+}
+
+void JSONWriter::key(const QString &name)
+{
+    startItem();
+    const QByteArray text = quoted(name) + ": ";
+    raw(text.constData(), text.size());
+    _isAfterKey = true;
+}
+
+void JSONWriter::key(const char *ascii)
+{
+    key(QString(QLatin1String(ascii)));
+}
+
+void JSONWriter::value(const QString &text)
+{
+    startItem();
+    const QByteArray quotedText = quoted(text);
+    raw(quotedText.constData(), quotedText.size());
+}
+
+void JSONWriter::value(bool isTrue)
+{
+    startItem();
+    raw(isTrue ? "true" : "false", isTrue ? 4 : 5);
+}
+
+void JSONWriter::null()
+{
+    startItem();
+    raw("null", 4);
+}
+
+template <typename Number>
+void JSONWriter::number(Number value)
+{
+    startItem();
+    char text[40];
+    const auto result = std::to_chars(text, text + sizeof(text), value);
+    raw(text, int(result.ptr - text));
+}
+
+void JSONWriter::value(qint64 number)
+{
+    this->number(number);
+}
+
+void JSONWriter::value(quint64 number)
+{
+    this->number(number);
+}
+
+void JSONWriter::value(float number)
+{
+    if (std::isfinite(number))
+        this->number(number);
+    else
+        value(double(number));
+}
+
+void JSONWriter::value(double number)
+{
+    if (std::isfinite(number))
+        this->number(number);
+    else if (std::isnan(number))
+        value(QStringLiteral("nan"));
+    else
+        value(number > 0 ? QStringLiteral("inf") : QStringLiteral("-inf"));
+}
+
+bool JSONWriter::finish()
+{
+    raw("\n", 1);
+    flush();
+    return !_isBroken;
+}
+
+} // namespace Halvard::Orv::Cli

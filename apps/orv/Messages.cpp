@@ -1,0 +1,135 @@
+#include "Messages.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QLocale>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QMutex>
+#include <QtCore/QString>
+
+#include <atomic>
+#include <cstdio>
+#include <vector>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+/// So many different texts are held; what comes beyond is only counted.
+constexpr size_t heldAtMost = 1000;
+
+struct Held
+{
+    QString text;
+    qint64 count;
+};
+
+struct State
+{
+    QMutex mutex;
+    std::vector<Held> held;
+    QHash<QString, size_t> positions; // in `held`, by text
+    qint64 leftOut = 0;
+    std::atomic<bool> isVerbose = false;
+    QtMessageHandler previous = nullptr;
+};
+
+State &state()
+{
+    static State instance;
+    return instance;
+}
+
+void print(const QString &text)
+{
+    std::fprintf(stderr, "orv: %s\n", text.toLocal8Bit().constData());
+}
+
+/// The mutex is held.
+void hold(const QString &text)
+{
+    State &s = state();
+    const auto known = s.positions.constFind(text);
+    if (known != s.positions.constEnd()) {
+        ++s.held[*known].count;
+    } else if (s.held.size() < heldAtMost) {
+        s.positions.insert(text, s.held.size());
+        s.held.push_back({text, 1});
+    } else {
+        ++s.leftOut;
+    }
+}
+
+/// What the PNG reader has to say of colour profiles and the like changes nothing.
+bool isOfNoConsequence(const QString &text)
+{
+    return text.startsWith(QLatin1String("libpng warning:"));
+}
+
+void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtWarningMsg && isOfNoConsequence(text))
+        type = QtDebugMsg;
+    switch (type) {
+    case QtDebugMsg:
+    case QtInfoMsg:
+        if (state().isVerbose)
+            print(QStringLiteral("debug: ") + text);
+        return;
+    case QtFatalMsg: // Qt ends the process after this call
+        Messages::flush();
+        print(QStringLiteral("error: ") + text);
+        return;
+    case QtWarningMsg:
+    case QtCriticalMsg:
+        break;
+    }
+    const QMutexLocker lock(&state().mutex);
+    hold(QLatin1String(type == QtWarningMsg ? "warning: " : "error: ") + text);
+}
+
+} // namespace
+
+Messages::Messages()
+{
+    // A system-wide logging configuration may have turned some of them off.
+    QLoggingCategory::setFilterRules(QStringLiteral("default=true"));
+    state().previous = qInstallMessageHandler(handle);
+}
+
+Messages::~Messages()
+{
+    flush();
+    qInstallMessageHandler(state().previous);
+}
+
+void Messages::setVerbose(bool isVerbose)
+{
+    state().isVerbose = isVerbose;
+}
+
+bool Messages::isVerbose()
+{
+    return state().isVerbose;
+}
+
+void Messages::flush()
+{
+    State &s = state();
+    const QMutexLocker lock(&s.mutex);
+    const QLocale english(QLocale::English);
+    for (const Held &message : s.held) {
+        if (message.count == 1)
+            print(message.text);
+        else
+            print(
+                QStringLiteral("%1 (%2 times)").arg(message.text, english.toString(message.count)));
+    }
+    if (s.leftOut > 0)
+        print(QStringLiteral("warning: %1 further messages are left out.")
+                  .arg(english.toString(s.leftOut)));
+    s.held.clear();
+    s.positions.clear();
+    s.leftOut = 0;
+}
+
+} // namespace Halvard::Orv::Cli

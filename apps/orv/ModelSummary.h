@@ -1,0 +1,74 @@
+/// \file
+/// What `orv info` tells about a model.
+#pragma once
+
+#include <Model/LoadReport.h>
+#include <render/Bounds.h>
+
+#include <QtCore/QString>
+
+#include <utility>
+#include <vector>
+
+class QIODevice;
+
+namespace Halvard::Orv {
+class GPUModel;
+} // namespace Halvard::Orv
+
+namespace Halvard::Orv::Cli {
+
+struct ModelSummary
+{
+    struct Texture
+    {
+        QString member;
+        QString path;
+        bool exists = false;
+    };
+
+    /// One draw command's material.
+    struct Material
+    {
+        QString name;
+        quint64 triangles = 0;
+        std::vector<Texture> textures;
+    };
+
+    /// Of buffers that bundles share, each counts once.
+    struct GPUBytes
+    {
+        qint64 indices = 0;
+        std::vector<std::pair<QString, qint64>> attributes; // by name
+        qint64 commands = 0;
+
+        qint64 total() const;
+    };
+
+    QString fileName;
+    qint64 fileBytes = 0;
+    LoadReport report;
+    qint64 nanoseconds = 0; // of the whole load
+
+    quint64 bundles = 0;
+    quint64 commands = 0;
+    quint64 triangles = 0;
+    std::vector<Material> materials;
+    Render::Bounds bounds;
+    GPUBytes gpuBytes;
+
+    /// The part of the time that belongs to no stage.
+    qint64 otherNanoseconds() const;
+};
+
+/// Fills in what can be read back from the model. The caller adds what it knows of
+/// the file and of the load.
+ModelSummary summarize(const GPUModel &model);
+
+/// For people to read.
+QString summaryText(const ModelSummary &summary);
+
+/// For programs. \return whether all of it reached the device.
+bool writeSummaryJSON(QIODevice &device, const ModelSummary &summary);
+
+} // namespace Halvard::Orv::Cli

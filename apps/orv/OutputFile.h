@@ -1,0 +1,43 @@
+/// \file
+/// Where results go: a file that is there whole or not at all, or stdout.
+#pragma once
+
+#include <QtCore/QString>
+
+#include <memory>
+
+class QFileDevice;
+class QIODevice;
+
+namespace Halvard::Orv::Cli {
+
+class OutputFile
+{
+public:
+    /// Opens `path` for writing, or stdout when it is empty. A file appears, and an
+    /// older one is replaced, only by commit(). Devices and pipes are written to
+    /// directly: renaming a file over them would take them away.
+    /// \return null when it cannot be opened; `error` then receives a sentence.
+    static std::unique_ptr<OutputFile> open(const QString &path, QString &error);
+
+    /// Why open() would fail, as far as can be told without trying; empty when it
+    /// should not. Asked before long work, not instead of open().
+    static QString obstacle(const QString &path);
+
+    /// Leaves everything as it was, unless commit() came before.
+    ~OutputFile();
+
+    QIODevice &device();
+
+    /// \return false when not everything could be written; `error` then receives a
+    ///         sentence.
+    bool commit(QString &error);
+
+private:
+    OutputFile(const QString &path, std::unique_ptr<QFileDevice> device);
+
+    QString _path;
+    std::unique_ptr<QFileDevice> _device;
+};
+
+} // namespace Halvard::Orv::Cli

@@ -1,0 +1,193 @@
+#include "Commands.h"
+
+#include "CommandLine.h"
+#include "LoadedModel.h"
+#include "OutputFile.h"
+#include "Progress.h"
+
+#include <OrvGL/GPUModel.h>
+#include <render/Picture.h>
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
+#include <QtGui/QImage>
+#include <QtGui/QImageWriter>
+
+#include <cmath>
+#include <optional>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+constexpr int largestSide = 16384;
+/// Beyond, the buffers alone take gigabytes.
+constexpr qint64 largestArea = 100'000'000;
+
+struct RenderRequest
+{
+    QString output;
+    QByteArray format;
+    QSize size;
+    Render::ViewAngles angles;
+    Render::RenderOptions options;
+};
+
+/// "800x600".
+std::optional<QSize> parseSize(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return {};
+    const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
+    const bool isInRange = size.width() >= 1 && size.width() <= largestSide && size.height() >= 1 &&
+                           size.height() <= largestSide &&
+                           qint64(size.width()) * size.height() <= largestArea;
+    return isInRange ? std::optional(size) : std::nullopt;
+}
+
+std::optional<double> parseAngle(const QString &text, double limit)
+{
+    bool isNumber = false;
+    const double angle = text.toDouble(&isNumber);
+    // NaN fails the comparison as well.
+    return isNumber && std::abs(angle) <= limit ? std::optional(angle) : std::nullopt;
+}
+
+void addOptions(CommandLine &line)
+{
+    line.addOption({{QStringLiteral("o"), QStringLiteral("output")},
+                    QStringLiteral("The image file to write; its suffix says the format."),
+                    QStringLiteral("FILE")});
+    line.addOption({QStringLiteral("size"),
+                    QStringLiteral("Width and height in pixels, 800x600 when not given."),
+                    QStringLiteral("WxH"), QStringLiteral("800x600")});
+    line.addOption({QStringLiteral("azimuth"),
+                    QStringLiteral("The side from which to look, in degrees: 0 is +z, 90 is +x. "
+                                   "30 when not given."),
+                    QStringLiteral("D"), QStringLiteral("30")});
+    line.addOption({QStringLiteral("elevation"),
+                    QStringLiteral("The height from which to look, in degrees: -90 is from below, "
+                                   "90 from above. 20 when not given."),
+                    QStringLiteral("D"), QStringLiteral("20")});
+    line.addOption({QStringLiteral("background"),
+                    QStringLiteral("A plain background: #rrggbb, #aarrggbb, a name such as "
+                                   "'white', or 'transparent'."),
+                    QStringLiteral("COLOUR")});
+    line.addOption(
+        {QStringLiteral("wireframe"), QStringLiteral("Draw the edges of the triangles on top.")});
+    line.addOption(
+        {QStringLiteral("normals"), QStringLiteral("Draw the stored normals as colours.")});
+}
+
+/// \return what is wrong with the options; empty when nothing is.
+QString readOptions(const CommandLine &line, RenderRequest &request)
+{
+    request.output = line.value(QStringLiteral("output"));
+    if (request.output.isEmpty())
+        return QStringLiteral("No image file is given: use -o FILE.");
+
+    const QString sizeText = line.value(QStringLiteral("size"));
+    const auto size = parseSize(sizeText);
+    if (!size)
+        return QStringLiteral("Invalid size '%1': use WIDTHxHEIGHT, at most %2 each and %3 pixels "
+                              "in all.")
+            .arg(sizeText)
+            .arg(largestSide)
+            .arg(largestArea);
+    request.size = *size;
+
+    const QString azimuthText = line.value(QStringLiteral("azimuth"));
+    const auto azimuth = parseAngle(azimuthText, 1e6);
+    if (!azimuth)
+        return QStringLiteral("Invalid azimuth '%1': use a number of degrees.").arg(azimuthText);
+    request.angles.azimuth = *azimuth;
+
+    const QString elevationText = line.value(QStringLiteral("elevation"));
+    const auto elevation = parseAngle(elevationText, 90);
+    if (!elevation)
+        return QStringLiteral("Invalid elevation '%1': use a number from -90 to 90.")
+            .arg(elevationText);
+    request.angles.elevation = *elevation;
+
+    if (line.isSet(QStringLiteral("background"))) {
+        const QString name = line.value(QStringLiteral("background"));
+        const QColor colour(name);
+        if (!colour.isValid())
+            return QStringLiteral("Invalid colour '%1': use #rrggbb or a colour's name.").arg(name);
+        request.options.backgroundTop = request.options.backgroundBottom = colour;
+    }
+    request.options.wireframe = line.isSet(QStringLiteral("wireframe"));
+    request.options.normals = line.isSet(QStringLiteral("normals"));
+    return {};
+}
+
+/// \return a sentence when the picture could not be written there; empty when it can,
+///         as far as can be told beforehand.
+QString findFormat(RenderRequest &request)
+{
+    request.format = QFileInfo(request.output).suffix().toLower().toLatin1();
+    if (!QImageWriter::supportedImageFormats().contains(request.format))
+        return QStringLiteral("Cannot write '%1': its suffix is not that of an image format such "
+                              "as .png.")
+            .arg(request.output);
+    return OutputFile::obstacle(request.output);
+}
+
+ExitStatus write(const QImage &picture, const RenderRequest &request)
+{
+    QString error;
+    const auto file = OutputFile::open(request.output, error);
+    if (file) {
+        QImageWriter writer(&file->device(), request.format);
+        if (!writer.write(picture))
+            error =
+                QStringLiteral("Cannot write '%1': %2.").arg(request.output, writer.errorString());
+        else if (file->commit(error))
+            return Fine;
+    }
+    printError(error);
+    return CannotRun;
+}
+
+} // namespace
+
+ExitStatus renderCommand(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("render"), QStringLiteral("MODEL -o FILE [options]"),
+                     QStringLiteral("Draws the model into an image file: framed, lit, textured and "
+                                    "anti-aliased."));
+    addOptions(line);
+    if (const auto status = line.parse(arguments))
+        return *status;
+    RenderRequest request;
+    const QString wrong = readOptions(line, request);
+    if (!wrong.isEmpty())
+        return line.wrongUsage(wrong);
+    QString error = findFormat(request);
+    if (!error.isEmpty()) {
+        printError(error);
+        return CannotRun;
+    }
+
+    LoadedModel loaded;
+    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
+        return status;
+    if (loaded.model().bundleCount() == 0)
+        qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
+    QImage picture;
+    {
+        const Progress progress(QStringLiteral("drawing"));
+        picture = Render::renderPicture(loaded.model(), request.size, request.angles,
+                                        request.options, &error);
+    }
+    if (picture.isNull()) {
+        printError(error);
+        return CannotRun;
+    }
+    return write(picture, request);
+}
+
+} // namespace Halvard::Orv::Cli

@@ -1,0 +1,156 @@
+#include "ModelSummary.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QLocale>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+/// Lines of a label and a right-aligned value. All columns are as wide everywhere,
+/// so that the sections line up.
+class Table
+{
+public:
+    void heading(const QString &text) { _text += QLatin1Char('\n') + text + QLatin1Char('\n'); }
+
+    void row(int indent, const QString &label, const QString &value,
+             const QString &remark = QString())
+    {
+        const QString shifted = QString(2 * indent, QLatin1Char(' ')) + label;
+        _text += shifted.leftJustified(labelWidth) + value.rightJustified(valueWidth);
+        if (!remark.isEmpty())
+            _text += QLatin1String("  ") + remark;
+        _text += QLatin1Char('\n');
+    }
+
+    void row(int indent, const QString &label, qint64 value, const QString &remark = QString())
+    {
+        row(indent, label, grouped(value), remark);
+    }
+
+    void line(int indent, const QString &text)
+    {
+        _text += QString(2 * indent, QLatin1Char(' ')) + text + QLatin1Char('\n');
+    }
+
+    static QString grouped(qint64 value) { return QLocale(QLocale::English).toString(value); }
+
+    const QString &text() const { return _text; }
+
+private:
+    static constexpr int labelWidth = 26;
+    static constexpr int valueWidth = 14;
+
+    QString _text;
+};
+
+void addFaces(Table &table, const LoadReport &report)
+{
+    // A mesh has a few; what is beyond is told in one line.
+    constexpr int shownAtMost = 8;
+    table.row(1, QStringLiteral("faces"), qint64(report.faces));
+    int shown = 0;
+    quint64 rest = 0;
+    for (auto it = report.facesByCornerCount.begin(); it != report.facesByCornerCount.end(); ++it) {
+        if (shown++ < shownAtMost)
+            table.row(2,
+                      it.key() == 1 ? QStringLiteral("of 1 corner")
+                                    : QStringLiteral("of %1 corners").arg(it.key()),
+                      qint64(it.value()));
+        else
+            rest += it.value();
+    }
+    if (rest > 0)
+        table.row(2, QStringLiteral("of more corners"), qint64(rest),
+                  QStringLiteral("up to %1").arg(report.facesByCornerCount.lastKey()));
+    table.row(1, QStringLiteral("corners"), qint64(report.corners));
+}
+
+void addFile(Table &table, const ModelSummary &summary)
+{
+    const LoadReport &report = summary.report;
+    table.heading(QStringLiteral("In the file"));
+    table.row(1, QStringLiteral("bytes"), summary.fileBytes);
+    table.row(1, QStringLiteral("positions"), qint64(report.positions));
+    table.row(1, QStringLiteral("normals"), qint64(report.normals),
+              report.normals == 0 && summary.bundles > 0 ? QStringLiteral("generated") : QString());
+    table.row(1, QStringLiteral("texture coordinates"), qint64(report.texCoords));
+    addFaces(table, report);
+}
+
+void addGPU(Table &table, const ModelSummary &summary)
+{
+    const LoadReport &report = summary.report;
+    table.heading(QStringLiteral("On the GPU"));
+    table.row(1, QStringLiteral("vertices before welding"), report.gpuVerticesBeforeWelding);
+    table.row(1, QStringLiteral("vertices"), report.gpuVertices);
+    table.row(1, QStringLiteral("triangles"), qint64(summary.triangles));
+    table.row(1, QStringLiteral("bundles"), qint64(summary.bundles));
+    table.row(1, QStringLiteral("draw commands"), qint64(summary.commands));
+    table.row(1, QStringLiteral("bytes"), summary.gpuBytes.total());
+    table.row(2, QStringLiteral("indices"), summary.gpuBytes.indices);
+    for (const auto &attribute : summary.gpuBytes.attributes)
+        table.row(2, attribute.first, attribute.second);
+    table.row(2, QStringLiteral("draw commands"), summary.gpuBytes.commands);
+}
+
+void addMaterials(Table &table, const ModelSummary &summary)
+{
+    table.heading(QStringLiteral("Materials"));
+    if (summary.materials.empty())
+        table.line(1, QStringLiteral("none"));
+    for (const ModelSummary::Material &material : summary.materials) {
+        table.row(1, material.name, qint64(material.triangles),
+                  material.triangles == 1 ? QStringLiteral("triangle")
+                                          : QStringLiteral("triangles"));
+        for (const ModelSummary::Texture &texture : material.textures)
+            table.line(2, QStringLiteral("%1  %2%3")
+                              .arg(texture.member, texture.path,
+                                   texture.exists ? QString() : QStringLiteral("  (missing)")));
+    }
+}
+
+void addBounds(Table &table, const Render::Bounds &bounds)
+{
+    table.heading(QStringLiteral("Bounding box"));
+    if (bounds.isEmpty())
+        return table.line(1, QStringLiteral("empty"));
+    for (int axis = 0; axis < 3; ++axis)
+        table.row(1, QString(QLatin1Char("xyz"[axis])),
+                  QString::number(double(bounds.minimum()[axis])),
+                  QStringLiteral("to %1").arg(double(bounds.maximum()[axis])));
+}
+
+void addTimes(Table &table, const ModelSummary &summary)
+{
+    const auto row = [&table](int indent, const QString &label, qint64 nanoseconds) {
+        table.row(indent, label,
+                  QLocale(QLocale::English).toString(double(nanoseconds) * 1e-6, 'f', 2));
+    };
+    const LoadReport::Stages &stages = summary.report.stages;
+    table.heading(QStringLiteral("Milliseconds"));
+    row(1, QStringLiteral("total"), summary.nanoseconds);
+    row(2, QStringLiteral("reading"), stages.read);
+    row(2, QStringLiteral("welding"), stages.weld);
+    row(2, QStringLiteral("triangulating"), stages.triangulate);
+    row(2, QStringLiteral("normals"), stages.normals);
+    row(2, QStringLiteral("OpenGL"), stages.gl);
+    row(2, QStringLiteral("other"), summary.otherNanoseconds());
+}
+
+} // namespace
+
+QString summaryText(const ModelSummary &summary)
+{
+    Table table;
+    table.line(0, summary.fileName);
+    addFile(table, summary);
+    addGPU(table, summary);
+    addMaterials(table, summary);
+    addBounds(table, summary.bounds);
+    addTimes(table, summary);
+    return table.text();
+}
+
+} // namespace Halvard::Orv::Cli

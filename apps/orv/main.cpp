@@ -1,0 +1,88 @@
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Messages.h"
+
+#include <OrvModel/ModelVersions.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QHashFunctions>
+
+using namespace Halvard::Orv;
+
+namespace {
+
+struct Subcommand
+{
+    const char *name;
+    const char *summary;
+    Cli::ExitStatus (*run)(const QStringList &arguments);
+};
+
+constexpr Subcommand subcommands[] = {
+    {"render", "draw the model into an image file", Cli::renderCommand},
+    {"info", "say what is in the model", Cli::infoCommand},
+    {"dump", "print the model as it lies on the GPU, as JSON", Cli::dumpCommand},
+};
+
+QString usage()
+{
+    return QStringLiteral("Usage: orv SUBCOMMAND MODEL [options]\n");
+}
+
+QString help()
+{
+    QString text = usage();
+    text += QStringLiteral("Loads Wavefront OBJ models.\n\nSubcommands:\n");
+    for (const Subcommand &subcommand : subcommands)
+        text += QStringLiteral("  %1  %2\n")
+                    .arg(QLatin1String(subcommand.name), -8)
+                    .arg(QLatin1String(subcommand.summary));
+    text += QStringLiteral("\nOptions:\n"
+                           "  -h, --help     Print this help and stop.\n"
+                           "  -v, --version  Print the version and stop.\n"
+                           "\n"
+                           "'orv SUBCOMMAND --help' lists a subcommand's options.\n"
+                           "Exit status: 0 fine, 1 the file is at fault, 2 wrong usage or no "
+                           "OpenGL.\n");
+    return text;
+}
+
+Cli::ExitStatus wrongUsage(const QString &message)
+{
+    Cli::printError(message + QLatin1Char('\n') + usage() + QStringLiteral("Try 'orv --help'."));
+    return Cli::CannotRun;
+}
+
+Cli::ExitStatus run(const QStringList &arguments)
+{
+    if (arguments.size() < 2)
+        return wrongUsage(QStringLiteral("No subcommand is given."));
+    const QString &first = arguments[1];
+    if (first == QLatin1String("-h") || first == QLatin1String("--help")) {
+        Cli::printOut(help());
+        return Cli::Fine;
+    }
+    if (first == QLatin1String("-v") || first == QLatin1String("--version")) {
+        Cli::printOut(QStringLiteral("orv %1\n").arg(ModelVersions::getVersion()));
+        return Cli::Fine;
+    }
+    for (const Subcommand &subcommand : subcommands) {
+        if (first == QLatin1String(subcommand.name))
+            return subcommand.run(arguments.mid(2));
+    }
+    return wrongUsage(first.startsWith(QLatin1Char('-'))
+                          ? QStringLiteral("Unknown option '%1'.").arg(first)
+                          : QStringLiteral("Unknown subcommand '%1'.").arg(first));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // The order of material groups is that of a hash table: the same output for the
+    // same file takes the same seed.
+    qSetGlobalQHashSeed(0);
+    const QCoreApplication application(argc, argv);
+    const Cli::Messages messages;
+    return run(QCoreApplication::arguments());
+}

@@ -1,0 +1,44 @@
+/// \file
+/// From where a model is looked at.
+#pragma once
+
+#include <QtGui/QMatrix4x4>
+#include <QtGui/QVector3D>
+
+namespace Halvard::Orv::Render {
+
+struct ModelGeometry;
+
+/// The direction from which to look, in degrees, with +y up. Azimuth 0 looks from
+/// +z towards -z and grows towards +x; elevation 90 looks straight down.
+struct ViewAngles
+{
+    double azimuth = 30;
+    double elevation = 20;
+};
+
+/// A perspective camera.
+///
+/// Vertices go through a space of their own first, in which the model lies around
+/// the origin with a radius of 1: `(vertex - centre) * rootScale * rootScale`. So
+/// models of a millionth and of a million units, near the origin and far away,
+/// have the same distances and depths. (The scale is applied as two factors, since
+/// that of the largest and smallest models lies outside the floats.)
+struct Camera
+{
+    QVector3D centre;
+    float rootScale = 1;
+    QMatrix4x4 view;
+    QMatrix4x4 projection;
+};
+
+/// A camera that looks from `angles` and is as near as it can be with all of the
+/// model in the picture, but for a narrow margin. The nearest and farthest vertex
+/// lie just inside the clipping planes.
+///
+/// \param geometry as readGeometry() gives it. An empty one, and a single point,
+///        get some camera.
+/// \param aspect width of the picture divided by its height, above 0.
+Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, double aspect);
+
+} // namespace Halvard::Orv::Render

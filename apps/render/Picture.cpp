@@ -1,0 +1,33 @@
+#include "Picture.h"
+
+#include "OffscreenTarget.h"
+
+#include <QtCore/QSize>
+#include <QtCore/QString>
+#include <QtGui/QImage>
+
+namespace Halvard::Orv::Render {
+
+QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
+                     const RenderOptions &options, QString *error)
+{
+    constexpr int samples = 4;
+    const auto target = OffscreenTarget::create(size, samples, error);
+    const auto renderer = target ? Renderer::create(error) : nullptr;
+    if (!renderer)
+        return {};
+
+    renderer->setModel(&model);
+    const double aspect = double(size.width()) / double(size.height());
+    const Camera camera = frameModel(renderer->geometry(), angles, aspect);
+    target->bind();
+    renderer->draw(camera, options);
+    const QImage picture = target->read();
+    if (picture.isNull() && error)
+        *error = QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
+                     .arg(size.width())
+                     .arg(size.height());
+    return picture;
+}
+
+} // namespace Halvard::Orv::Render

@@ -1,0 +1,23 @@
+/// \file
+/// A picture of a model, in one call.
+#pragma once
+
+#include "Camera.h"
+#include "Renderer.h"
+
+class QImage;
+class QSize;
+
+namespace Halvard::Orv::Render {
+
+/// Draws the model off-screen, framed and anti-aliased.
+///
+/// \param size in pixels, both above 0.
+/// \param error receives a sentence when the result is null; may be null.
+/// \return null when the driver cannot draw it, or there is no memory for it.
+///
+/// Needs the model's OpenGL context current; leaves no framebuffer bound.
+QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
+                     const RenderOptions &options, QString *error = nullptr);
+
+} // namespace Halvard::Orv::Render

@@ -1,0 +1,258 @@
+#include "Shaders.h"
+
+namespace Halvard::Orv::Render {
+
+namespace {
+
+constexpr char versionLine[] = "#version 430 core\n";
+
+constexpr char drawNumber[] = R"(
+#extension GL_ARB_shader_draw_parameters : require
+#define DRAW_NUMBER uint(gl_DrawIDARB)
+)";
+
+constexpr char noDrawNumber[] = R"(
+#define DRAW_NUMBER 0u
+)";
+
+constexpr char modelVertex[] = R"(
+in vec3 va_Vertex;
+in vec3 va_Normal;
+in vec2 va_TexCoord;
+
+uniform vec3 uCentre;
+uniform float uRootScale;
+uniform mat4 uView;
+uniform mat4 uProjection;
+uniform uint uFirstRecord;
+
+out vec3 vPosition;
+out vec3 vNormal;
+out vec3 vModelNormal;
+out vec2 vTexCoord;
+out float vInvalid;
+flat out uint vRecord;
+
+const float largest = 3.4e38;
+
+// Unit length for every direction, also where its square is no float; zero where
+// there is no direction.
+vec3 unitOrZero(vec3 direction)
+{
+    float size = max(max(abs(direction.x), abs(direction.y)), abs(direction.z));
+    if (!(size > 0.0 && size <= largest) || any(isnan(direction)))
+        return vec3(0.0);
+    return normalize(direction / size);
+}
+
+void main()
+{
+    vRecord = uFirstRecord + DRAW_NUMBER;
+    vTexCoord = va_TexCoord;
+    vModelNormal = unitOrZero(va_Normal);
+    vNormal = mat3(uView) * vModelNormal;
+
+    // A triangle with a corner nowhere is not drawn: the fragment shaders drop
+    // whatever is not exactly 0 here.
+    bool isValid = all(lessThanEqual(abs(va_Vertex), vec3(largest)));
+    vInvalid = isValid ? 0.0 : 1.0;
+    if (!isValid) {
+        vPosition = vec3(0.0);
+        gl_Position = vec4(0.0, 0.0, 0.0, 1.0);
+        return;
+    }
+    precise vec3 once = (va_Vertex - uCentre) * uRootScale;
+    precise vec3 position = once * uRootScale;
+    vec4 seen = uView * vec4(position, 1.0);
+    vPosition = seen.xyz;
+    gl_Position = uProjection * seen;
+}
+)";
+
+constexpr char fragmentInputs[] = R"(
+in vec3 vPosition;
+in vec3 vNormal;
+in vec3 vModelNormal;
+in vec2 vTexCoord;
+in float vInvalid;
+flat in uint vRecord;
+
+out vec4 fColour;
+)";
+
+constexpr char surfaceFragment[] = R"(
+struct Material {
+    vec4 diffuse;  // and opacity
+    vec4 specular; // and shininess
+};
+
+layout(std430, binding = 0) readonly buffer Materials {
+    Material materials[];
+};
+
+layout(binding = 0) uniform sampler2D uDiffuseMap;
+layout(binding = 1) uniform sampler2D uSpecularMap;
+uniform mat4 uView;
+uniform bool uIsBlended;
+
+const float gamma = 2.2;
+
+// In view space, from the surface to the light.
+const vec3 keyLight = normalize(vec3(-0.35, 0.5, 0.8));
+const vec3 fillLight = normalize(vec3(0.8, -0.1, 0.6));
+// Together they light a surface to a little less than its own colour.
+const vec3 keyColour = vec3(0.80, 0.785, 0.76);
+const vec3 fillColour = vec3(0.13, 0.135, 0.14);
+const vec3 skyColour = vec3(0.24, 0.25, 0.27);
+const vec3 groundColour = vec3(0.06, 0.055, 0.055);
+
+// Of the face, towards the viewer, whichever way its corners run.
+vec3 faceNormal(vec3 toViewer)
+{
+    vec3 normal = cross(dFdx(vPosition), dFdy(vPosition));
+    float size = length(normal);
+    if (!(size > 0.0))
+        return toViewer;
+    normal /= size;
+    return dot(normal, toViewer) < 0.0 ? -normal : normal;
+}
+
+// A stored normal may point to either side; it is taken to the side of the face
+// that is seen.
+vec3 shadingNormal(vec3 toViewer)
+{
+    vec3 face = faceNormal(toViewer);
+    float size = length(vNormal);
+    if (!(size > 1e-3))
+        return face;
+    vec3 normal = vNormal / size;
+    return dot(normal, face) < 0.0 ? -normal : normal;
+}
+
+void main()
+{
+    // Derivatives, also those behind texture(), are undefined after a discard.
+    vec3 toViewer = normalize(-vPosition);
+    vec3 normal = shadingNormal(toViewer);
+    Material material = materials[vRecord];
+    vec4 diffuseTexel = texture(uDiffuseMap, vTexCoord);
+    vec3 specularTexel = texture(uSpecularMap, vTexCoord).rgb;
+    if (vInvalid != 0.0)
+        discard;
+
+    float opacity = material.diffuse.a;
+    if (uIsBlended)
+        opacity *= diffuseTexel.a;
+    else if (diffuseTexel.a < 0.5)
+        discard;
+
+    vec3 up = mat3(uView) * vec3(0.0, 1.0, 0.0);
+    float sky = 0.5 + 0.5 * dot(normal, up);
+    float key = max(dot(normal, keyLight), 0.0);
+    float fill = max(dot(normal, fillLight), 0.0);
+    vec3 light = mix(groundColour, skyColour, sky) + keyColour * key + fillColour * fill;
+    vec3 colour = pow(material.diffuse.rgb * diffuseTexel.rgb, vec3(gamma)) * light;
+
+    // A dull highlight is wide, and would wash out the surface if it were as bright
+    // as a sharp one.
+    float shininess = material.specular.a;
+    float brightness = min(1.0, 0.2 + shininess / 80.0) * smoothstep(0.0, 0.2, key);
+    float highlight = pow(max(dot(normal, normalize(keyLight + toViewer)), 0.0), shininess);
+    vec3 specular = pow(material.specular.rgb * specularTexel, vec3(gamma)) * highlight * brightness;
+
+    // Added like a second exposure, which approaches white and never passes it.
+    colour = min(colour, 1.0);
+    colour += specular * (1.0 - colour);
+    float shine = max(max(specular.r, specular.g), specular.b);
+    opacity += shine * (1.0 - opacity);
+    fColour = vec4(pow(colour, vec3(1.0 / gamma)) * opacity, opacity);
+}
+)";
+
+constexpr char normalsFragment[] = R"(
+void main()
+{
+    if (vInvalid != 0.0)
+        discard;
+    float size = length(vModelNormal);
+    vec3 normal = size > 1e-3 ? vModelNormal / size : vec3(0.0);
+    fColour = vec4(0.5 + 0.5 * normal, 1.0);
+}
+)";
+
+constexpr char lineFragment[] = R"(
+uniform vec4 uColour;
+
+void main()
+{
+    if (vInvalid != 0.0)
+        discard;
+    fColour = vec4(uColour.rgb * uColour.a, uColour.a);
+}
+)";
+
+constexpr char backgroundVertex[] = R"(
+out float vHeight;
+
+// One triangle that covers the picture.
+void main()
+{
+    vec2 corner = vec2(gl_VertexID & 1, gl_VertexID >> 1) * 4.0 - 1.0;
+    vHeight = 0.5 + 0.5 * corner.y;
+    gl_Position = vec4(corner, 0.0, 1.0);
+}
+)";
+
+constexpr char backgroundFragment[] = R"(
+in float vHeight;
+
+uniform vec4 uTop;
+uniform vec4 uBottom;
+
+out vec4 fColour;
+
+void main()
+{
+    vec4 colour = mix(uBottom, uTop, vHeight);
+    fColour = vec4(colour.rgb * colour.a, colour.a);
+}
+)";
+
+QByteArray fragmentShader(const char *body)
+{
+    return QByteArray(versionLine) + fragmentInputs + body;
+}
+
+} // namespace
+
+QByteArray modelVertexShader(bool knowsDrawNumber)
+{
+    return QByteArray(versionLine) + (knowsDrawNumber ? drawNumber : noDrawNumber) + modelVertex;
+}
+
+QByteArray surfaceFragmentShader()
+{
+    return fragmentShader(surfaceFragment);
+}
+
+QByteArray normalsFragmentShader()
+{
+    return fragmentShader(normalsFragment);
+}
+
+QByteArray lineFragmentShader()
+{
+    return fragmentShader(lineFragment);
+}
+
+QByteArray backgroundVertexShader()
+{
+    return QByteArray(versionLine) + backgroundVertex;
+}
+
+QByteArray backgroundFragmentShader()
+{
+    return QByteArray(versionLine) + backgroundFragment;
+}
+
+} // namespace Halvard::Orv::Render

@@ -1,0 +1,25 @@
+/// \file
+/// The GLSL sources of the renderer.
+#pragma once
+
+#include <QtCore/QByteArray>
+
+namespace Halvard::Orv::Render {
+
+/// Turns vertices into view space and picks the material record of the draw.
+/// \param knowsDrawNumber whether shaders can tell the draws of one call apart, see
+///        OpenGLDeviceContext::hasDrawParameters().
+QByteArray modelVertexShader(bool knowsDrawNumber);
+
+/// Lit and textured.
+QByteArray surfaceFragmentShader();
+/// The stored normal as a colour; grey where there is none.
+QByteArray normalsFragmentShader();
+/// One colour, for lines.
+QByteArray lineFragmentShader();
+
+/// A gradient over the whole picture, without vertex attributes.
+QByteArray backgroundVertexShader();
+QByteArray backgroundFragmentShader();
+
+} // namespace Halvard::Orv::Render
