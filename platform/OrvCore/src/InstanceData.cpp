@@ -91,8 +91,7 @@ void InstanceData::set(const QString &member, const void *value, unsigned long s
 
 void InstanceData::setTexture(const QString &member, const QString &path)
 {
-    const QString kept = path;
-    _record->cleared(member).texturePath = kept;
+    _record->cleared(member).texturePath = path;
 }
 
 void InstanceData::setTexture(const QString &member, Texture *texture)
