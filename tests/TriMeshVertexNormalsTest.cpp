@@ -193,8 +193,8 @@ TEST(TriMeshVertexNormals, AgreesWithThePlainRules)
         std::vector<unsigned> indices;
         for (int corner = dice.below(100) * 3; corner > 0; --corner)
             indices.push_back(static_cast<unsigned>(dice.below(vertexCount)));
-        EXPECT_THAT(normalsOf(positions, indices),
-                    areFloats(plainVertexNormals(positions, indices)))
+        EXPECT_THAT(withOneNaN(normalsOf(positions, indices)),
+                    areFloats(withOneNaN(plainVertexNormals(positions, indices))))
             << "mesh " << i;
     }
 }
