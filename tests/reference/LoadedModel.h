@@ -1,0 +1,13 @@
+/// \file
+/// What the library makes of a model file.
+#pragma once
+
+#include "UploadedModel.h"
+
+namespace OrvReference {
+
+/// Loads `fileName` with the library and reads everything back from the GPU. An OpenGL context has
+/// to be current; the model is deleted again.
+UploadedModel loadWithLibrary(const QString &fileName);
+
+} // namespace OrvReference
