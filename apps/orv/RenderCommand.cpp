@@ -136,13 +136,20 @@ QString findFormat(RenderRequest &request)
     return OutputFile::obstacle(request.output);
 }
 
+bool isOpaque(const Render::RenderOptions &options)
+{
+    return options.backgroundTop.alpha() == 255 && options.backgroundBottom.alpha() == 255;
+}
+
 ExitStatus write(const QImage &picture, const RenderRequest &request)
 {
     QString error;
     const auto file = OutputFile::open(request.output, error);
     if (file) {
         QImageWriter writer(&file->device(), request.format);
-        if (!writer.write(picture))
+        // Without an alpha channel that says nothing.
+        if (!writer.write(isOpaque(request.options) ? picture.convertToFormat(QImage::Format_RGB32)
+                                                    : picture))
             error =
                 QStringLiteral("Cannot write '%1': %2.").arg(request.output, writer.errorString());
         else if (file->commit(error))

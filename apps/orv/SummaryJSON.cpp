@@ -57,7 +57,7 @@ void writeGPU(JSONWriter &json, const ModelSummary &summary)
     json.key("gpu");
     json.beginObject();
     write(json, "verticesBeforeWelding", summary.report.gpuVerticesBeforeWelding);
-    write(json, "vertices", summary.report.gpuVertices);
+    write(json, "verticesAfterWelding", summary.report.gpuVertices);
     write(json, "triangles", summary.triangles);
     write(json, "bundles", summary.bundles);
     write(json, "commands", summary.commands);

@@ -84,7 +84,7 @@ void addGPU(Table &table, const ModelSummary &summary)
     const LoadReport &report = summary.report;
     table.heading(QStringLiteral("On the GPU"));
     table.row(1, QStringLiteral("vertices before welding"), report.gpuVerticesBeforeWelding);
-    table.row(1, QStringLiteral("vertices"), report.gpuVertices);
+    table.row(1, QStringLiteral("vertices after welding"), report.gpuVertices);
     table.row(1, QStringLiteral("triangles"), qint64(summary.triangles));
     table.row(1, QStringLiteral("bundles"), qint64(summary.bundles));
     table.row(1, QStringLiteral("draw commands"), qint64(summary.commands));

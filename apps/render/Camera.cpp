@@ -15,7 +15,7 @@ constexpr double fieldOfViewDegrees = 32;
 /// The part of the picture, on each side, that framing leaves free.
 constexpr double margin = 0.06;
 /// From the camera to the nearest vertex at least, in model radii.
-constexpr double minimumDistance = 0.05;
+constexpr double minimumDistance = 0.01;
 
 double radians(double degrees)
 {

@@ -151,6 +151,7 @@ void Renderer::uploadRecords()
 
 void Renderer::draw(const Camera &camera, const RenderOptions &options)
 {
+    glDepthMask(GL_TRUE);
     glClear(GL_DEPTH_BUFFER_BIT);
     drawBackground(options);
     if (!_model || _records.empty())

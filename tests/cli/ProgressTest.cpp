@@ -1,0 +1,139 @@
+// The sign of life on a terminal. The model is a pipe: opening it lasts until the
+// test opens it too, so nothing here depends on how fast the machine is.
+#include "OrvProcess.h"
+
+#include "support/TemporaryModel.h"
+
+#include <gmock/gmock.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace OrvTest;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+constexpr int patienceMs = 60 * 1000;
+
+/// A terminal that nobody sits at.
+class Terminal
+{
+public:
+    Terminal() : _master(posix_openpt(O_RDWR | O_NOCTTY))
+    {
+        if (_master < 0 || grantpt(_master) != 0 || unlockpt(_master) != 0)
+            ADD_FAILURE() << "no pseudo terminal";
+        // Held open, lest the terminal hang up when the program ends.
+        _slave = open(ptsname(_master), O_RDWR | O_NOCTTY);
+    }
+    ~Terminal()
+    {
+        close(_slave);
+        close(_master);
+    }
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
+
+    QString name() const { return QString::fromLocal8Bit(ptsname(_master)); }
+
+    /// What was printed since the last call, waiting for some at most `waitMs`.
+    QByteArray read(int waitMs) const
+    {
+        pollfd request{_master, POLLIN, 0};
+        if (poll(&request, 1, waitMs) <= 0)
+            return {};
+        QByteArray bytes(4096, '\0');
+        const ssize_t count = ::read(_master, bytes.data(), size_t(bytes.size()));
+        return count > 0 ? bytes.left(int(count)) : QByteArray();
+    }
+
+    QByteArray readUntil(const QByteArray &part) const
+    {
+        QElapsedTimer timer;
+        timer.start();
+        QByteArray text;
+        while (!text.contains(part) && timer.elapsed() < patienceMs)
+            text += read(100);
+        return text;
+    }
+
+private:
+    int _master;
+    int _slave;
+};
+
+class ProgressTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        _model = _files.path(QStringLiteral("slow.obj"));
+        ASSERT_EQ(mkfifo(_model.toLocal8Bit().constData(), 0600), 0);
+    }
+
+    void start(const QString &standardError, const QStringList &options = {})
+    {
+        _process.setStandardErrorFile(standardError, QIODevice::Append);
+        _process.start(orvProgram(), QStringList{QStringLiteral("info"), _model} + options);
+        ASSERT_TRUE(_process.waitForStarted());
+    }
+
+    /// Lets the load come to its end, that of an empty file.
+    void finish()
+    {
+        QFile pipe(_model);
+        ASSERT_TRUE(pipe.open(QIODevice::WriteOnly));
+        pipe.close();
+        ASSERT_TRUE(_process.waitForFinished(patienceMs));
+        EXPECT_EQ(_process.exitCode(), 0);
+        EXPECT_THAT(_process.readAllStandardOutput().toStdString(), HasSubstr("triangles"));
+    }
+
+    TemporaryModel _files;
+    QString _model;
+    QProcess _process;
+};
+
+TEST_F(ProgressTest, ATerminalSeesABarThatIsWipedOut)
+{
+    const Terminal terminal;
+    start(terminal.name());
+    QByteArray shown = terminal.readUntil(" s\r[");
+    EXPECT_THAT(shown.toStdString(), StartsWith("\r[====                ] loading slow.obj ("));
+    finish();
+    shown += terminal.readUntil("\x1b[K");
+    EXPECT_THAT(shown.toStdString(), EndsWith("\r\x1b[K"));
+    EXPECT_FALSE(shown.contains('\n'));
+}
+
+TEST_F(ProgressTest, AFileDoesNot)
+{
+    const QString log = _files.write(QStringLiteral("log"), "");
+    start(log);
+    // Longer than the patience after which a bar would be shown.
+    EXPECT_FALSE(_process.waitForFinished(1000));
+    finish();
+    EXPECT_EQ(QFileInfo(log).size(), 0);
+}
+
+TEST_F(ProgressTest, NorDoesATerminalThatShowsDebugMessages)
+{
+    const Terminal terminal;
+    start(terminal.name(), {QStringLiteral("--verbose")});
+    EXPECT_FALSE(_process.waitForFinished(1000));
+    finish();
+    EXPECT_EQ(terminal.read(0), "");
+}
+
+} // namespace
