@@ -292,5 +292,42 @@ TEST_F(UploadBatchesTest, withoutMemoryTheModelStaysAsItWasAndALaterUploadWorks)
     EXPECT_THAT(messages.texts(QtWarningMsg), IsEmpty());
 }
 
+/// Streams that keep what they were made with and take nothing more, once told to.
+class FullAllocator : public Halvard::Orv::ModelDataArrayAllocator
+{
+public:
+    Halvard::Orv::ModelDataStream *alloc(unsigned type, unsigned long count) override
+    {
+        return isFull ? new FullStream(type, count) : ModelDataArrayAllocator::alloc(type, count);
+    }
+
+    bool isFull = false;
+
+private:
+    class FullStream : public Halvard::Orv::ModelDataArray
+    {
+    public:
+        using ModelDataArray::ModelDataArray;
+        void append(unsigned long, const void *) override {}
+    };
+};
+
+// The commands would draw from indices that are not there.
+TEST_F(UploadBatchesTest, trianglesThatFindNoRoomAreNotDrawn)
+{
+    const auto allocator = QSharedPointer<FullAllocator>::create();
+    ModelBuilder builder(allocator, 0);
+    addSquareWithGroup(builder);
+    allocator->isFull = true;
+    upload(builder);
+    EXPECT_EQ(model.bundleCount(), 0);
+
+    allocator->isFull = false;
+    upload(builder);
+    ASSERT_EQ(model.bundleCount(), 1);
+    EXPECT_EQ(bundle().commands().size(), 1);
+    EXPECT_EQ(bundle().indexCount(), 6);
+}
+
 } // namespace
 } // namespace OrvTest
