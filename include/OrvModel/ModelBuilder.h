@@ -212,6 +212,9 @@ private:
                                                unsigned usage, unsigned &indexType) const;
     QHash<QString, QSharedPointer<BufferObject>> uploadValues(OpenGLDeviceContext &context,
                                                               unsigned usage) const;
+    void addToModel(OpenGLDeviceContext &context, GPUModel *model, const InstanceData &instanceData,
+                    const QString &positionAttribute, const QString &materialIdMember,
+                    unsigned usage, unsigned primitiveType) const;
     void addBundle(GPUModel *model, DrawBuffers *bundle, quint64 key,
                    const InstanceData &instanceData, const QString &materialIdMember) const;
 
