@@ -2,8 +2,6 @@
 
 #include <OrvCore/InstanceDataPlan.h>
 
-#include <QMutexLocker>
-
 #include <algorithm>
 
 namespace Halvard::Orv {
@@ -21,7 +19,7 @@ void InstanceDataRegistry::registerPlan(InstanceDataPlan *plan)
 {
     if (!plan)
         return;
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     const auto isThisPlan = [plan](const auto &kept) { return kept.get() == plan; };
     if (std::any_of(_plans.begin(), _plans.end(), isThisPlan))
         return;
@@ -32,13 +30,13 @@ void InstanceDataRegistry::registerPlan(InstanceDataPlan *plan)
 
 const InstanceDataPlan *InstanceDataRegistry::plan(const QString &name) const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     return _firstOfName.value(name, nullptr);
 }
 
 int InstanceDataRegistry::planCount(const QString &name) const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     const auto hasName = [&name](const auto &kept) { return kept->name() == name; };
     return static_cast<int>(std::count_if(_plans.begin(), _plans.end(), hasName));
 }

@@ -2,9 +2,7 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QMutex>
-#include <QMutexLocker>
-
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -16,19 +14,19 @@ class DeletionQueue
 public:
     void add(GLuint name)
     {
-        const QMutexLocker lock(&_mutex);
+        const std::lock_guard<std::mutex> lock(_mutex);
         _names.push_back(name);
     }
 
     /// All names added since the last call.
     std::vector<GLuint> take()
     {
-        const QMutexLocker lock(&_mutex);
+        const std::lock_guard<std::mutex> lock(_mutex);
         return std::exchange(_names, {});
     }
 
 private:
-    QMutex _mutex;
+    std::mutex _mutex;
     std::vector<GLuint> _names;
 };
 

@@ -7,11 +7,9 @@
 #include <OrvGL/BufferObject.h>
 #include <OrvGL/VertexArrayObject.h>
 
-#include <QMutex>
-#include <QMutexLocker>
-
 #include <algorithm>
 #include <atomic>
+#include <mutex>
 #include <vector>
 
 namespace Halvard::Orv {
@@ -27,7 +25,7 @@ std::atomic<bool> processIsEnding{false};
 // The contexts seen so far, one per native handle. Few: searched from end to end.
 struct SeenContexts
 {
-    QMutex mutex;
+    std::mutex mutex;
     std::vector<ContextPointer> contexts;
 
     ~SeenContexts() { processIsEnding = true; }
@@ -45,12 +43,21 @@ quint64 nextContextNumber()
     return ++last;
 }
 
-QString driverString(GLenum name)
+QString driverDescription()
 {
-    return QString::fromUtf8(reinterpret_cast<const char *>(glGetString(name)));
+    const auto text = [](GLenum name) {
+        return QString::fromUtf8(reinterpret_cast<const char *>(glGetString(name)));
+    };
+    return text(GL_VERSION) + QLatin1String(", ") + text(GL_RENDERER);
 }
 
 } // namespace
+
+// Whether the current context, which has the right handle, is this one and not a later one.
+bool OpenGLDeviceContext::Private::matchesCurrent() const
+{
+    return mark.isNull() ? description == driverDescription() : mark.isHere();
+}
 
 OpenGLDeviceContext::OpenGLDeviceContext() : _d(std::make_unique<Private>()) {}
 
@@ -62,7 +69,7 @@ ContextPointer OpenGLDeviceContext::current()
     if (!native.handle || processIsEnding)
         return {};
     ContextPointer context = find(native);
-    if (!context || !(context->_d->mark.isNull() || context->_d->mark.isHere()))
+    if (!context || !context->_d->matchesCurrent())
         context = meet(native);
     context->deletePending();
     return context;
@@ -71,7 +78,7 @@ ContextPointer OpenGLDeviceContext::current()
 ContextPointer OpenGLDeviceContext::find(const NativeContext &native)
 {
     SeenContexts &seen = seenContexts();
-    const QMutexLocker lock(&seen.mutex);
+    const std::lock_guard<std::mutex> lock(seen.mutex);
     for (const ContextPointer &context : seen.contexts) {
         if (context->_d->native == native)
             return context;
@@ -86,7 +93,7 @@ ContextPointer OpenGLDeviceContext::meet(const NativeContext &native)
     const ContextPointer context(new OpenGLDeviceContext);
     Private &d = *context->_d;
     d.native = native;
-    d.description = driverString(GL_VERSION) + QLatin1String(", ") + driverString(GL_RENDERER);
+    d.description = driverDescription();
     const bool desktop = epoxy_is_desktop_gl();
     d.version = desktop ? epoxy_gl_version() : 0;
     d.hasMultiDrawIndirect =
@@ -101,7 +108,7 @@ ContextPointer OpenGLDeviceContext::meet(const NativeContext &native)
     d.group = groupOfCurrentContext(hasDebug);
 
     SeenContexts &seen = seenContexts();
-    const QMutexLocker lock(&seen.mutex);
+    const std::lock_guard<std::mutex> lock(seen.mutex);
     const auto hasSameHandle = [&native](const ContextPointer &other) {
         return other->_d->native == native;
     };
@@ -116,7 +123,7 @@ QSharedPointer<ShareGroup> OpenGLDeviceContext::groupOfCurrentContext(bool canMa
     std::vector<ContextPointer> known;
     {
         SeenContexts &seen = seenContexts();
-        const QMutexLocker lock(&seen.mutex);
+        const std::lock_guard<std::mutex> lock(seen.mutex);
         known = seen.contexts;
     }
     for (const ContextPointer &context : known) {
@@ -131,7 +138,7 @@ void OpenGLDeviceContext::forget(void *eglContext)
     if (processIsEnding)
         return;
     SeenContexts &seen = seenContexts();
-    const QMutexLocker lock(&seen.mutex);
+    const std::lock_guard<std::mutex> lock(seen.mutex);
     const NativeContext native = {NativeContext::EGL, eglContext};
     const auto isGone = [&native](const ContextPointer &context) {
         return context->_d->native == native;

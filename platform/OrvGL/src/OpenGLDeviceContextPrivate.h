@@ -11,13 +11,15 @@ namespace Halvard::Orv {
 struct OpenGLDeviceContext::Private
 {
     NativeContext native;
-    ContextMark mark; // null where the driver has no labels: then the handle alone must do
+    ContextMark mark; // null where the driver has no labels
     QSharedPointer<ShareGroup> group;
     DeletionQueue vertexArrays;
     QString description;
     int version = 0;
     bool hasMultiDrawIndirect = false;
     bool hasDrawParameters = false;
+
+    bool matchesCurrent() const;
 };
 
 } // namespace Halvard::Orv

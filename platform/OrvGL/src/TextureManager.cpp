@@ -7,7 +7,6 @@
 #include <OrvGL/Texture.h>
 
 #include <QColor>
-#include <QMutexLocker>
 
 #include <array>
 
@@ -86,7 +85,7 @@ Texture *TextureManager::colorTexture(const QColor &color)
     if (!group)
         return nullptr;
     const Key key(group->number(), color.rgba());
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     if (Texture *known = _byColor.value(key, nullptr))
         return known;
     _textures.push_back(makeTexel(color.rgba()));

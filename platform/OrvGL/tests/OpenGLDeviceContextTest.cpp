@@ -6,6 +6,7 @@
 #include "support/GLFixture.h"
 
 #include <map>
+#include <set>
 #include <thread>
 
 using namespace Halvard::Orv;
@@ -130,6 +131,26 @@ TEST(OpenGLDeviceContext, IsNotMistakenForADestroyedOneWithTheSameHandle)
             return;
         }
         gone[context->handle()] = {device, makeBuffer<int>(GL_ARRAY_BUFFER, {1})};
+    }
+    GTEST_SKIP() << "no handle came twice";
+}
+
+// An OpenGL ES context carries no mark.
+TEST(OpenGLDeviceContext, IsNotMistakenForADestroyedOneOfOpenGLES)
+{
+    constexpr int attempts = 200;
+    std::set<EGLContext> gone;
+    for (int i = 0; i < attempts; ++i) {
+        {
+            const auto es = ForeignContext::make(ForeignContext::Kind::OpenGLES);
+            ASSERT_TRUE(es && es->makeCurrent() && OpenGLDeviceContext::current());
+            gone.insert(es->handle());
+        }
+        const auto context = ForeignContext::make();
+        ASSERT_TRUE(context && context->makeCurrent());
+        EXPECT_GE(OpenGLDeviceContext::current()->version(), 43);
+        if (gone.count(context->handle()) > 0)
+            return;
     }
     GTEST_SKIP() << "no handle came twice";
 }

@@ -3,10 +3,10 @@
 #include <OrvCore/OrvCoreExport.h>
 
 #include <QHash>
-#include <QMutex>
 #include <QString>
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace Halvard::Orv {
@@ -43,7 +43,7 @@ private:
     InstanceDataRegistry();
     ~InstanceDataRegistry();
 
-    mutable QMutex _mutex;
+    mutable std::mutex _mutex;
     std::vector<std::unique_ptr<InstanceDataPlan>> _plans;
     QHash<QString, const InstanceDataPlan *> _firstOfName;
 };

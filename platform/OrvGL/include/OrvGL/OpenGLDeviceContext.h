@@ -19,8 +19,9 @@ struct NativeContext;
 /// HeadlessContext. It is found, not made: this class never creates or destroys a context.
 ///
 /// A native context that is destroyed leaves its object behind, useless but safe; a new context is
-/// never taken for an old one, even where the system gives it the same handle (told apart by a
-/// small labelled OpenGL object, where the driver has KHR_debug).
+/// never taken for an old one, even where the system gives it the same handle. They are told apart
+/// by a small labelled OpenGL object; where the driver has no labels (before OpenGL 4.3 and
+/// KHR_debug, and in OpenGL ES), by version and renderer only.
 class ORVGL_EXPORT OpenGLDeviceContext
 {
 public:

@@ -3,10 +3,10 @@
 #include <OrvGL/OrvGLExport.h>
 
 #include <QHash>
-#include <QMutex>
 #include <QPair>
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 class QColor;
@@ -42,7 +42,7 @@ private:
     /// The share group's number and the colour as QRgb.
     using Key = QPair<quint64, unsigned int>;
 
-    QMutex _mutex;
+    std::mutex _mutex;
     QHash<Key, Texture *> _byColor;
     std::vector<std::unique_ptr<Texture>> _textures;
 };
