@@ -6,6 +6,7 @@
 #include "AssertionReport.h"
 #include "FaceTriangulation.h"
 #include "LoadReport.h"
+#include "StreamBytes.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 
@@ -27,7 +28,7 @@ struct Numbers
 {
     explicit Numbers(const StreamPointer &stream)
         : data(static_cast<const unsigned *>(stream->data(0))),
-          size(std::min(stream->size(), stream->byteCount() / sizeof(unsigned)))
+          size(std::min(stream->size(), readableBytes(*stream) / sizeof(unsigned)))
     {}
 
     const unsigned *data;
@@ -41,7 +42,7 @@ public:
     FaceCorners(const StreamPointer &verticesPerFace, const StreamPointer &indices,
                 const StreamPointer &positions, const QVector<unsigned> &faceOffsets)
         : _counts(verticesPerFace), _indices(indices), _offsets(faceOffsets),
-          _vertexCount(positions->byteCount() / (PositionFloats * sizeof(float)))
+          _vertexCount(readableBytes(*positions) / (PositionFloats * sizeof(float)))
     {}
 
     /// Corners of the face, or null when the face does not exist or has a corner

@@ -4,6 +4,7 @@
 #include "AssertionReport.h"
 #include "LoadReport.h"
 #include "RowWelding.h"
+#include "StreamBytes.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 
@@ -34,7 +35,7 @@ public:
     void addColumn(const StreamPointer &values, size_t rowBytes, int rowCount)
     {
         const size_t needed = rowBytes * static_cast<size_t>(rowCount);
-        const size_t available = values->byteCount();
+        const size_t available = readableBytes(*values);
         const char *bytes = static_cast<const char *>(values->data(0));
         if (available < needed) {
             QByteArray padded(static_cast<int>(needed), '\0');
@@ -58,7 +59,8 @@ private:
 void remap(const StreamPointer &indices, const QVector<int> &oldToNew)
 {
     auto *entries = static_cast<unsigned *>(indices->data(0));
-    const unsigned long count = std::min(indices->size(), indices->byteCount() / sizeof(unsigned));
+    const unsigned long count =
+        std::min(indices->size(), readableBytes(*indices) / sizeof(unsigned));
     const auto known = static_cast<unsigned>(oldToNew.size());
     for (unsigned long i = 0; i < count; ++i) {
         if (entries[i] < known)
