@@ -60,9 +60,13 @@ Placement anyPlacement(Dice &dice)
 std::vector<QVector2D> anyPolygon(Dice &dice)
 {
     using namespace OrvTest;
-    const int count = dice.oneIn(30) ? dice.between(13, 60) : dice.between(3, 12);
+    int count = dice.between(3, 12);
+    if (dice.oneIn(300))
+        count = dice.between(60, 500);
+    else if (dice.oneIn(30))
+        count = dice.between(13, 60);
     std::vector<QVector2D> points;
-    switch (dice.below(6)) {
+    switch (dice.below(7)) {
     case 0:
         points = convexRing(dice, count).points;
         break;
@@ -73,7 +77,10 @@ std::vector<QVector2D> anyPolygon(Dice &dice)
         points = latticeStarRing(dice, count).points;
         break;
     case 3:
-        points = combRing(dice.between(1, 5)).points;
+        points = combRing(std::max(1, count / 3)).points;
+        break;
+    case 4:
+        points = spiralRing(std::max(4, count)).points;
         break;
     default:
         points = anyRing(dice, count).points;
@@ -182,9 +189,11 @@ void ModelText::addPolygon()
     const Placement at = anyPlacement(_dice);
     const int first = _numV + 1;
     const std::vector<QVector2D> polygon = anyPolygon(_dice);
-    const auto coordinate = [&at](const QVector2D &point, int axis) {
+    const double bend = _dice.oneIn(3) ? _dice.real(0.0, 0.3) : 0.0;
+    const auto coordinate = [&at, bend, this](const QVector2D &point, int axis) {
         const float sum = at.x[axis] * point.x() + at.y[axis] * point.y();
-        return static_cast<double>(sum) * at.scale + at.offset[axis];
+        const double bent = static_cast<double>(sum) + bend * _dice.real(-1.0, 1.0);
+        return bent * at.scale + at.offset[axis];
     };
     std::vector<int> vertices;
     for (const QVector2D &point : polygon) {
@@ -426,7 +435,11 @@ ModelFiles generateModel(quint32 seed)
             materials << line.mid(7);
     }
     const Oddness oddness = anyOddness(dice);
-    const int chunks = dice.oneIn(50) ? dice.between(10, 40) : dice.between(1, 4);
+    int chunks = dice.between(1, 4);
+    if (dice.oneIn(300))
+        chunks = dice.between(100, 400);
+    else if (dice.oneIn(50))
+        chunks = dice.between(10, 40);
     ModelText text(dice, oddness, materials);
     model.files.front().contents = fileContents(dice, text.lines(chunks, libraries), oddness);
     return model;
