@@ -111,7 +111,7 @@ TEST(InstanceDataCollection, SaysOfATextureWhetherThereIsOne)
     InstanceData record(name);
     record.setTexture(text("path"), text("a.png"));
     record.setTexture(text("object"), reinterpret_cast<Texture *>(&somewhere));
-    record.setTexture(text("empty path"), QString());
+    record.setTexture(text("empty path"), text(""));
     record.setTexture(text("null object"), nullptr);
     record.set(text("bytes"), "\x07\x07\x07\x07", 4);
     EXPECT_EQ(InstanceDataCollection(name, {record}).pack(), bytesOf<quint32>({1, 1, 0, 0, 0, 0}));

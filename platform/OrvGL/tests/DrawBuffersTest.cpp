@@ -219,7 +219,7 @@ TEST_F(DrawBuffersTest, EmptiesCommandsThatReachBeyondTheIndices)
 {
     const MessageCapture log;
     const std::vector<Command> commands = {
-        {0xffffffff, 1, 0xffffffff, 0, 0}, {6, 1, 6, 0, 0}, {7, 1, 12, 0, 0}};
+        {3, 1, 0xffffffff, 0, 0}, {6, 1, 6, 0, 0}, {7, 1, 12, 0, 0}};
     setCommands(commands);
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
     EXPECT_THAT(columnsSeen(), ElementsAre(black, green, black)) << "and keeps their numbers";

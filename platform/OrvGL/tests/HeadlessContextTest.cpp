@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QWeakPointer>
+
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -81,6 +83,16 @@ TEST(HeadlessContext, LeavesTheCurrentOneWhenAnotherIsDestroyed)
     const auto device = OpenGLDeviceContext::current();
     first.reset();
     EXPECT_EQ(OpenGLDeviceContext::current(), device);
+}
+
+TEST(HeadlessContext, LeavesNothingOfItselfBehind)
+{
+    auto context = makeContext();
+    ASSERT_TRUE(context && context->makeCurrent());
+    const QWeakPointer<OpenGLDeviceContext> device = OpenGLDeviceContext::current();
+    EXPECT_TRUE(device);
+    context.reset();
+    EXPECT_FALSE(device);
 }
 
 TEST(HeadlessContext, WorksOneAfterAnother)

@@ -140,21 +140,22 @@ TEST_F(VertexArrayObjectTest, CutsConnectionsThatTheNextProgramDoesNotUse)
     EXPECT_FALSE(enabled);
 }
 
-// An attribute that is not fed reads the generic value: (0, 0, 0, 1) as OpenGL starts.
+// An attribute that is not fed reads the generic value of its location.
 TEST_F(VertexArrayObjectTest, LeavesWithoutValuesWhatCannotBeFed)
 {
     const MessageCapture log;
-    const GLuint floats = showing("in vec4 va", "va");
-    EXPECT_EQ(drawn(floats), black) << "not registered";
+    const GLuint floats = showing("layout(location = 3) in vec4 va", "va");
+    glVertexAttrib4f(3, 0, 0, 1, 1);
+    EXPECT_EQ(drawn(floats), blue) << "not registered";
     _vao.registerBO(QStringLiteral("va"), {}, 3, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), black) << "null buffer";
+    EXPECT_EQ(drawn(floats), blue) << "null buffer";
     _vao.registerBO(QStringLiteral("va"), _device->createBufferObject(), 3, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), black) << "empty buffer";
+    EXPECT_EQ(drawn(floats), blue) << "empty buffer";
     registerValues<float>("va", {1, 1, 1}, 3, GL_TRIANGLES);
-    EXPECT_EQ(drawn(floats), black) << "unknown type";
+    EXPECT_EQ(drawn(floats), blue) << "unknown type";
     EXPECT_THAT(log.messages(), IsEmpty());
     registerValues<float>("va", {1, 1, 1, 1, 1}, 5, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), black) << "too many components";
+    EXPECT_EQ(drawn(floats), blue) << "too many components";
     EXPECT_THAT(
         log.texts(QtWarningMsg),
         ElementsAre("VertexArrayObject: attribute \"va\" has 5 values per vertex, cannot be "
