@@ -110,6 +110,21 @@ TEST(TriMeshVertexNormals, GivesOneNormalPerVertex)
     }
 }
 
+/// There are numbers behind the last vertex, and nobody looks at them.
+TEST(TriMeshVertexNormals, LeavesOutTrianglesWithCornersBeyondTheCount)
+{
+    const std::vector<float> positions{0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
+    for (const std::vector<unsigned> &triangle :
+         {std::vector<unsigned>{0, 1, 3}, {0, 3, 1}, {3, 0, 1}}) {
+        std::vector<unsigned> indices{0, 1, 2};
+        indices.insert(indices.end(), triangle.begin(), triangle.end());
+        std::vector<float> normals(12, Sentinel);
+        TriMeshVertexNormals(3, 6, positions.data(), indices.data(), normals.data());
+        EXPECT_EQ(normals,
+                  (std::vector<float>{0, 0, -1, 0, 0, -1, 0, 0, -1, Sentinel, Sentinel, Sentinel}));
+    }
+}
+
 /// Vertex 0 is the first corner of all triangles. About it lie (1, 0, 0), (0, 1, 0),
 /// (0, 0, 1), and (3, 4, 0), which makes an angle with the x axis whose sine is
 /// 4/5. Triangle 0 1 2 gives (0, 0, -1), triangle 0 1 3 (0, 1, 0), triangle 0 1 4
