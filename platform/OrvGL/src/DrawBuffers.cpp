@@ -134,6 +134,8 @@ bool DrawBuffers::draw(unsigned int program, int firstCommand, int commandCount)
         return false;
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, _indexBuffer->id()); // becomes part of the vertex array
     glBindBuffer(GL_DRAW_INDIRECT_BUFFER, _commandBuffer->id());
+    // OpenGL takes an offset into the bound buffer in the guise of an address.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     const auto *const start = reinterpret_cast<const void *>(firstCommand * commandSize);
     glMultiDrawElementsIndirect(_primitiveType, _indexType, start, commandCount, 0);
     glBindBuffer(GL_DRAW_INDIRECT_BUFFER, 0);

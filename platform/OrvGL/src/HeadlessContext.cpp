@@ -1,6 +1,7 @@
 #include <OrvGL/HeadlessContext.h>
 
 #include "EGLLibrary.h"
+#include "NativeContext.h"
 
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
@@ -216,6 +217,12 @@ std::unique_ptr<HeadlessContext> HeadlessContext::create(QString *error,
     const EGLLibrary &egl = *library;
     if (!egl.error.isNull()) {
         message = advice({egl.error});
+        return nullptr;
+    }
+    const NativeContext native = NativeContext::current();
+    if (native.handle && native.api != NativeContext::EGL) {
+        message = QStringLiteral("A context of GLX is current on the thread, where EGL cannot make "
+                                 "another one current: make none current before.");
         return nullptr;
     }
     const CurrentEGLKeeper keeper(egl);

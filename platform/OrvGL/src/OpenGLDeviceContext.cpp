@@ -90,7 +90,7 @@ ContextPointer OpenGLDeviceContext::find(const NativeContext &native)
 // be meeting it, and a debug message may lead an application's message handler back to current().
 ContextPointer OpenGLDeviceContext::meet(const NativeContext &native)
 {
-    const ContextPointer context(new OpenGLDeviceContext);
+    ContextPointer context(new OpenGLDeviceContext);
     Private &d = *context->_d;
     d.native = native;
     d.description = driverDescription();

@@ -23,7 +23,7 @@ struct DrawElementsIndirectCommand
     quint32 baseInstance = 0;  ///< The first instance.
 };
 
-static_assert(sizeof(DrawElementsIndirectCommand) == 5 * 4, "OpenGL reads five 32-bit fields");
+static_assert(sizeof(DrawElementsIndirectCommand) == 20, "OpenGL reads five 32-bit fields");
 
 inline bool operator==(const DrawElementsIndirectCommand &a, const DrawElementsIndirectCommand &b)
 {

@@ -26,7 +26,8 @@ public:
     /// Makes a context: on Mesa's surfaceless platform where there is one, else on the first device
     /// that can, else on the default display; always with the highest version offered.
     ///
-    /// What is current on the calling thread stays current; the new context is not.
+    /// What is current on the calling thread stays current; the new context is not. Fails while a
+    /// context that is not of EGL is current there.
     /// \param error may be null. Receives, on failure, a sentence that says what was tried, what
     ///     each way failed with, and what to install; empty on success.
     /// \param shareWith may be null. A context that shall share buffers, textures and programs with
@@ -36,7 +37,8 @@ public:
                                                    const HeadlessContext *shareWith = nullptr);
 
     /// Destroys the context, which must not be current on another thread. Where it is current on
-    /// this one, none is afterwards. Objects made in it may be destroyed before or after.
+    /// this one, none is afterwards. Objects made in it may be destroyed before or after. Not to be
+    /// left to the end of the process: a driver may unload itself before static objects go.
     ~HeadlessContext();
     HeadlessContext(const HeadlessContext &) = delete;
     HeadlessContext &operator=(const HeadlessContext &) = delete;
