@@ -14,6 +14,7 @@ using namespace Halvard::Orv;
 using namespace OrvTest;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
 
 namespace {
 
@@ -250,6 +251,24 @@ TEST_F(OBJLoading, WarnsOfPolygonsThatCannotBeCut)
     EXPECT_EQ(trianglesOf(loaded), (Triangles{{"<default>", {1, 2, 3}}}));
     EXPECT_THAT(loaded.warnings(),
                 ElementsAre(Message{QtWarningMsg, "Unable to triangulate polygon."}));
+}
+
+/// One line with the builder's address, the corners of all faces, drawn or not, the
+/// vertices they became, the difference, the percentage kept, and the bytes of an
+/// index.
+TEST_F(OBJLoading, LogsHowManyVerticesWereWelded)
+{
+    const auto line = [](const std::string &numbers) {
+        return ElementsAre(MatchesRegex("0x[0-9a-f]+ Vertices Map " + numbers));
+    };
+    EXPECT_THAT(load(Points + "f 1 2 3 4\nf 1 2 3\nf 5\n").statistics(),
+                line("       8 ->        5 d        3 \\( 62 %\\) 4"));
+    EXPECT_THAT(load(Points + "usemtl none\nf 1 2 3\n").statistics(),
+                line("       3 ->        3 d        0 \\(100 %\\) 4"));
+    EXPECT_THAT(load(Points + "f 1 1 1\n").statistics(),
+                line("       3 ->        1 d        2 \\( 33 %\\) 4"));
+    EXPECT_THAT(load(Points + "f 1 2 3\nvn 0 0 1\n").statistics(), IsEmpty());
+    EXPECT_THAT(load("").statistics(), IsEmpty());
 }
 
 TEST_F(OBJLoading, GivesEachCommandItsRecords)

@@ -46,6 +46,7 @@ LoadedOBJ::LoadedOBJ(const QString &fileName) : _errorMessage(untouched())
 {
     const MessageCapture capture;
     _model.reset(loadModelFromOBJFile(fileName, _errorMessage));
+    _statistics = capture.texts(QtDebugMsg);
     for (const Message &message : capture.messages()) {
         if (message.type != QtDebugMsg)
             _warnings.push_back(message);

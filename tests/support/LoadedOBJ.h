@@ -42,8 +42,10 @@ public:
     bool isModel() const { return _model != nullptr; }
     bool isEmpty() const { return !_model || _model->bundleCount() == 0; }
     const QString &errorMessage() const { return _errorMessage; }
-    /// Warnings and worse; the debug line with statistics is left out.
+    /// Warnings and worse.
     const std::vector<Message> &warnings() const { return _warnings; }
+    /// Debug lines: how many vertices were welded.
+    const std::vector<std::string> &statistics() const { return _statistics; }
 
     Halvard::Orv::GPUModel &model() { return *_model; }
     unsigned vertexCount() const { return _vertexCount; }
@@ -77,6 +79,7 @@ private:
     std::unique_ptr<Halvard::Orv::GPUModel> _model;
     QString _errorMessage;
     std::vector<Message> _warnings;
+    std::vector<std::string> _statistics;
     unsigned _vertexCount = 0;
     unsigned _indexType = 0;
     std::vector<unsigned> _indices;
