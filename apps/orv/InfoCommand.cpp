@@ -4,6 +4,7 @@
 #include "LoadedModel.h"
 #include "ModelSummary.h"
 #include "OutputFile.h"
+#include "WriteAll.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QIODevice>
@@ -19,7 +20,7 @@ ExitStatus print(const ModelSummary &summary, bool asJSON)
         if (asJSON)
             writeSummaryJSON(out->device(), summary);
         else
-            out->device().write(summaryText(summary).toLocal8Bit());
+            writeAll(out->device(), summaryText(summary).toLocal8Bit());
         if (out->commit(error))
             return Fine;
     }

@@ -1,7 +1,8 @@
 #include "JSONWriter.h"
 
-#include <QtCore/QIODevice>
+#include "WriteAll.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -47,7 +48,7 @@ void JSONWriter::raw(const char *bytes, int size)
 
 void JSONWriter::flush()
 {
-    if (!_isBroken && _device.write(_pending) != _pending.size())
+    if (!_isBroken && !writeAll(_device, _pending))
         _isBroken = true;
     _pending.resize(0); // keeps the memory
 }

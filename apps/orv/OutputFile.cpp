@@ -75,9 +75,12 @@ QIODevice &OutputFile::device()
 
 bool OutputFile::commit(QString &error)
 {
-    auto *saved = qobject_cast<QSaveFile *>(_device.get());
-    const bool isWritten =
-        saved ? saved->commit() : _device->flush() && _device->error() == QFileDevice::NoError;
+    // QSaveFile itself does not notice when the last of its buffer cannot be written.
+    // Where a part of it was, only another try learns the reason.
+    bool isWritten =
+        _device->error() == QFileDevice::NoError && (_device->flush() || _device->flush());
+    if (auto *saved = qobject_cast<QSaveFile *>(_device.get()))
+        isWritten = isWritten && saved->commit();
     if (!isWritten)
         error = cannotWrite(_path, _device->errorString());
     return isWritten;

@@ -29,8 +29,8 @@ public:
 
     QIODevice &device();
 
-    /// \return false when not everything could be written; `error` then receives a
-    ///         sentence.
+    /// \return false when something could not be written, now or before; `error` then
+    ///         receives a sentence.
     bool commit(QString &error);
 
 private:

@@ -4,6 +4,7 @@
 #include "LoadedModel.h"
 #include "OutputFile.h"
 #include "Progress.h"
+#include "WriteAll.h"
 
 #include <OrvGL/GPUModel.h>
 #include <render/Picture.h>
@@ -141,19 +142,30 @@ bool isOpaque(const Render::RenderOptions &options)
     return options.backgroundTop.alpha() == 255 && options.backgroundBottom.alpha() == 255;
 }
 
+/// The whole file; empty when it cannot be made, `error` then says why.
+QByteArray encoded(const QImage &picture, const RenderRequest &request, QString &error)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, request.format);
+    // Without an alpha channel that says nothing.
+    if (writer.write(isOpaque(request.options) ? picture.convertToFormat(QImage::Format_RGB32)
+                                               : picture))
+        return buffer.data();
+    error = QStringLiteral("Cannot write '%1': %2.").arg(request.output, writer.errorString());
+    return {};
+}
+
 ExitStatus write(const QImage &picture, const RenderRequest &request)
 {
     QString error;
-    const auto file = OutputFile::open(request.output, error);
-    if (file) {
-        QImageWriter writer(&file->device(), request.format);
-        // Without an alpha channel that says nothing.
-        if (!writer.write(isOpaque(request.options) ? picture.convertToFormat(QImage::Format_RGB32)
-                                                    : picture))
-            error =
-                QStringLiteral("Cannot write '%1': %2.").arg(request.output, writer.errorString());
-        else if (file->commit(error))
-            return Fine;
+    const QByteArray bytes = encoded(picture, request, error);
+    if (!bytes.isEmpty()) {
+        if (const auto file = OutputFile::open(request.output, error)) {
+            writeAll(file->device(), bytes);
+            if (file->commit(error))
+                return Fine;
+        }
     }
     printError(error);
     return CannotRun;

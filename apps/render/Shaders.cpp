@@ -106,15 +106,13 @@ const vec3 fillColour = vec3(0.13, 0.135, 0.14);
 const vec3 skyColour = vec3(0.24, 0.25, 0.27);
 const vec3 groundColour = vec3(0.06, 0.055, 0.055);
 
-// Of the face, towards the viewer, whichever way its corners run.
+// Of the face. Taken from the screen's right and up, it points towards the viewer,
+// whichever way the corners run.
 vec3 faceNormal(vec3 toViewer)
 {
     vec3 normal = cross(dFdx(vPosition), dFdy(vPosition));
     float size = length(normal);
-    if (!(size > 0.0))
-        return toViewer;
-    normal /= size;
-    return dot(normal, toViewer) < 0.0 ? -normal : normal;
+    return size > 0.0 ? normal / size : toViewer;
 }
 
 // A stored normal may point to either side; it is taken to the side of the face

@@ -79,6 +79,18 @@ TEST(CameraTest, TheViewIsARotationAndAShift)
     EXPECT_EQ(view.row(3), QVector4D(0, 0, 0, 1));
 }
 
+TEST(CameraTest, TheFieldOfViewIsThatOfTheShorterSide)
+{
+    const ModelGeometry geometry = geometryOf({{0, 0, 0}, {1, 2, 3}, {-2, 0, 1}});
+    const float cotangent = 1 / std::tan(16 * 3.14159265f / 180); // of half of 32 degrees
+    const QMatrix4x4 wide = frameModel(geometry, {}, 2).projection;
+    EXPECT_NEAR(wide(1, 1), cotangent, 1e-4f);
+    EXPECT_NEAR(wide(0, 0), cotangent / 2, 1e-4f);
+    const QMatrix4x4 tall = frameModel(geometry, {}, 0.25).projection;
+    EXPECT_NEAR(tall(0, 0), cotangent, 1e-4f);
+    EXPECT_NEAR(tall(1, 1), cotangent / 4, 1e-4f);
+}
+
 TEST(CameraTest, ModelsWithoutExtentGetAFiniteCamera)
 {
     const std::vector<std::vector<QVector3D>> models = {

@@ -7,9 +7,14 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
-#include <QtCore/QSet>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -198,6 +203,24 @@ TEST(DumpCommandTest, TwoRunsSayTheSame)
     EXPECT_EQ(dumpOf(model).out, first.out);
 }
 
+TEST(DumpCommandTest, NamesAreInAlphabeticalOrder)
+{
+    const TemporaryModel files;
+    files.write(QStringLiteral("m.mtl"), "newmtl a\nd 1\nNs 3\nKs 1 0 0\nKd 0 1 0\nKa 0 0 1\n"
+                                         "map_Ns n.png\nmap_Kd d.png\n");
+    const QString model =
+        files.write(QStringLiteral("m.obj"), "mtllib m.mtl\nvt 0 0\nvn 0 0 1\nv 0 0 0\n"
+                                             "usemtl a\nf 1/1/1 1/1/1 1/1/1\n");
+    const QByteArray out = dumpOf(model).out;
+    int last = 0;
+    for (const char *name : {"va_Normal", "va_TexCoord", "va_Vertex", "Ka", "Kd", "Ks", "Ns", "d",
+                             "map_Kd", "map_Ns", "ModelMatrix", "PreviousModelMatrix"}) {
+        const int position = out.indexOf('"' + QByteArray(name) + '"');
+        EXPECT_GT(position, last) << name;
+        last = position;
+    }
+}
+
 TEST(DumpCommandTest, AFileGetsTheSameAsStdout)
 {
     const TemporaryModel files;
@@ -225,13 +248,43 @@ TEST(DumpCommandTest, AFailedLoadLeavesTheFileAlone)
     EXPECT_EQ(QDir(files.directory()).entryList(QDir::Files).size(), 1);
 }
 
-TEST(DumpCommandTest, DevicesAreWrittenToNotReplaced)
+TEST(DumpCommandTest, AFullDiskLeavesTheFileAlone)
+{
+    // Small enough to wait in a buffer until the end, and far beyond any buffer.
+    for (const int vertexCount : {30, 30000}) {
+        const TemporaryModel files;
+        const QString model = files.write(QStringLiteral("m.obj"), modelOfVertices(vertexCount));
+        const QString output = files.write(QStringLiteral("out.json"), "precious");
+        const OrvRun run =
+            runOrvWithSmallFiles({QStringLiteral("dump"), model, QStringLiteral("-o"), output});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err.toStdString(),
+                  "orv: Cannot write '" + output.toStdString() + "': File too large.\n");
+        QFile file(output);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), "precious");
+        EXPECT_EQ(QDir(files.directory()).entryList(QDir::Files).size(), 2);
+    }
+}
+
+TEST(DumpCommandTest, PipesAreWrittenToNotReplaced)
 {
     const TemporaryModel files;
     const QString model = files.write(QStringLiteral("m.obj"), "v 0 0 0\nf 1 1 1\n");
-    const OrvRun run = dumpOf(model, {QStringLiteral("-o"), QStringLiteral("/dev/full")});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "orv: Cannot write '/dev/full': No space left on device.\n");
+    const QString pipe = files.path(QStringLiteral("pipe"));
+    const QByteArray name = pipe.toLocal8Bit();
+    ASSERT_EQ(mkfifo(name.constData(), 0600), 0);
+    // Open for both, so that neither end waits for the other.
+    const int end = open(name.constData(), O_RDWR | O_NONBLOCK);
+    ASSERT_GE(end, 0);
+
+    EXPECT_EQ(dumpOf(model, {QStringLiteral("-o"), pipe}).status, 0);
+
+    QByteArray bytes(65536, '\0');
+    const ssize_t count = read(end, bytes.data(), size_t(bytes.size()));
+    close(end);
+    EXPECT_EQ(bytes.left(int(count)), dumpOf(model).out);
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
 }
 
 } // namespace

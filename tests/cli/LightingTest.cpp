@@ -87,6 +87,17 @@ TEST_F(LightingTest, FacesAreLitWithoutNormals)
     }
 }
 
+TEST_F(LightingTest, ACornerWithoutANormalLeavesItToTheOthers)
+{
+    const auto drawn = [this](const char *normal) {
+        return draw(QByteArray(square) + "vn 0 0.6 0.8\nvn " + normal + "\nf 1/1/1 2/2/1 3/3/2\n");
+    };
+    const QImage zero = drawn("0 0 0");
+    EXPECT_NE(zero, drawn("0 0 1"));
+    for (const char *normal : {"nan 0 0", "0 inf 0", "0 0 -inf"})
+        EXPECT_EQ(drawn(normal), zero) << normal;
+}
+
 TEST_F(LightingTest, LightComesFromAboveAndFromTheCamera)
 {
     const auto lightness = [this](const char *normal) {

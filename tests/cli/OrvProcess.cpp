@@ -8,6 +8,37 @@
 
 namespace OrvTest {
 
+namespace {
+
+OrvRun runProgram(const QString &program, const QStringList &arguments,
+                  const QStringList &environment)
+{
+    constexpr int patienceMs = 60 * 1000;
+    QProcess process;
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (const QString &variable : environment)
+        variables.insert(variable.section(QLatin1Char('='), 0, 0),
+                         variable.section(QLatin1Char('='), 1));
+    process.setProcessEnvironment(variables);
+    process.start(program, arguments);
+    OrvRun run;
+    if (!process.waitForFinished(patienceMs)) {
+        ADD_FAILURE() << program.toStdString() << ' '
+                      << arguments.join(QLatin1Char(' ')).toStdString() << ": "
+                      << process.errorString().toStdString();
+        process.kill();
+        process.waitForFinished();
+        return run;
+    }
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    if (process.exitStatus() == QProcess::NormalExit)
+        run.status = process.exitCode();
+    return run;
+}
+
+} // namespace
+
 QJsonObject OrvRun::json() const
 {
     QJsonParseError error;
@@ -34,27 +65,15 @@ QString orvProgram()
 
 OrvRun runOrv(const QStringList &arguments, const QStringList &environment)
 {
-    constexpr int patienceMs = 60 * 1000;
-    QProcess process;
-    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-    for (const QString &variable : environment)
-        variables.insert(variable.section(QLatin1Char('='), 0, 0),
-                         variable.section(QLatin1Char('='), 1));
-    process.setProcessEnvironment(variables);
-    process.start(orvProgram(), arguments);
-    OrvRun run;
-    if (!process.waitForFinished(patienceMs)) {
-        ADD_FAILURE() << "orv " << arguments.join(QLatin1Char(' ')).toStdString() << ": "
-                      << process.errorString().toStdString();
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
-    if (process.exitStatus() == QProcess::NormalExit)
-        run.status = process.exitCode();
-    return run;
+    return runProgram(orvProgram(), arguments, environment);
+}
+
+OrvRun runOrvWithSmallFiles(const QStringList &arguments)
+{
+    // The signal that comes with the limit would end the program.
+    const QString script = QStringLiteral("ulimit -f 1; trap '' XFSZ; exec \"$0\" \"$@\"");
+    return runProgram(QStringLiteral("sh"),
+                      QStringList{QStringLiteral("-c"), script, orvProgram()} + arguments, {});
 }
 
 } // namespace OrvTest

@@ -29,6 +29,10 @@ QJsonValue valueAt(const QJsonValue &root, const char *path);
 /// \param environment additions of the form "NAME=value".
 OrvRun runOrv(const QStringList &arguments, const QStringList &environment = {});
 
+/// Runs `orv` where files can have no more than 512 bytes, as on a disk that is about
+/// to be full.
+OrvRun runOrvWithSmallFiles(const QStringList &arguments);
+
 /// Where the program lies.
 QString orvProgram();
 

@@ -150,10 +150,12 @@ TEST_F(PictureTest, TheModelFillsThePictureWhateverItsSizeAndPlace)
     }
 }
 
-TEST_F(PictureTest, VerticesThatNoFaceUsesDoNotCount)
+TEST_F(PictureTest, FacesThatAreNotDrawnDoNotCount)
 {
     const QByteArray face = QByteArray(square) + "f 1 2 3 4\n";
-    EXPECT_EQ(draw("v 1000 1000 1000\n" + QByteArray(square) + "f 2 3 4 5\n"), draw(face));
+    EXPECT_EQ(draw("v 1000 1000 1000\nv 0 0 0\n" + QByteArray(square) +
+                   "f 3 4 5 6\nusemtl unknown\nf 1 2 1\n"),
+              draw(face));
 }
 
 TEST_F(PictureTest, TallPicturesAreFilledToTheSides)
@@ -186,7 +188,7 @@ TEST_F(PictureTest, TrianglesWithACornerNowhereAreLeftOut)
     const QImage sound = draw(QByteArray(square) + "vn 0 0 1\nf 1/1/1 2/2/1 3/3/1\n");
     for (const char *nowhere : {"nan 0 0", "inf 0 0", "0 -inf 0", "1 1 1e39"}) {
         const QImage picture = draw(QByteArray(square) + "v " + nowhere +
-                                    "\nvn 0 0 1\nf 1/1/1 2/2/1 3/3/1\nf 1/1/1 3/3/1 5/1/1\n");
+                                    "\nvn 0 0 1\nf 1/1/1 2/2/1 3/3/1\nf 3/3/1 4/4/1 5/1/1\n");
         EXPECT_EQ(picture, sound) << nowhere;
     }
 }

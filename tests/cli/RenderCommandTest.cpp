@@ -149,6 +149,21 @@ TEST_F(RenderCommandTest, AFailureKeepsTheOlderPicture)
     EXPECT_EQ(filesThere(), (QStringList{QStringLiteral("m.obj"), QStringLiteral("out.png")}));
 }
 
+TEST_F(RenderCommandTest, AFullDiskKeepsTheOlderPicture)
+{
+    _files.write(QStringLiteral("out.png"), "older");
+    const QStringList before = filesThere();
+    const OrvRun run =
+        runOrvWithSmallFiles(QStringList{QStringLiteral("render"), _model} + to(_picture));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err.toStdString(),
+              "orv: Cannot write '" + _picture.toStdString() + "': File too large.\n");
+    QFile file(_picture);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "older");
+    EXPECT_EQ(filesThere(), before);
+}
+
 TEST_F(RenderCommandTest, AModelWithNothingToDrawGivesABackgroundAndAWarning)
 {
     const QString empty = _files.write(QStringLiteral("empty.obj"), "");

@@ -71,6 +71,13 @@ TEST_F(TransparencyTest, BothFacesOfAThingAreSeen)
     EXPECT_EQ(colourOf(far + pane("glassBlue", 1)), both);
 }
 
+TEST_F(TransparencyTest, PanesOfOneMaterialDoNotHideEachOther)
+{
+    const QColor one = colourOf(pane("glassBlue", 1));
+    EXPECT_GT(colourOf(pane("glassBlue", 1) + pane("glassBlue", -1)).blue(), one.blue() + 30);
+    EXPECT_GT(colourOf(pane("glassBlue", -1) + pane("glassBlue", 1)).blue(), one.blue() + 30);
+}
+
 TEST_F(TransparencyTest, TheBackgroundShinesThrough)
 {
     setBackground(Qt::white);
