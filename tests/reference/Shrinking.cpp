@@ -1,5 +1,7 @@
 #include "Shrinking.h"
 
+#include "UnusedValues.h"
+
 #include <algorithm>
 
 namespace OrvReference {
@@ -55,6 +57,7 @@ public:
             dropFiles();
             for (std::size_t file = 0; file < model.files.size(); ++file) {
                 dropPieces(file, [](const QByteArray &text) { return split(text, '\n'); });
+                dropUnusedValues(file);
                 dropPieces(file, [](const QByteArray &text) { return split(text, ' '); });
                 if (model.files[file].contents.size() < 2000)
                     dropPieces(file, characters);
@@ -99,6 +102,18 @@ private:
             ModelFiles candidate = model;
             candidate.files.erase(candidate.files.begin() + static_cast<std::ptrdiff_t>(file));
             tryOut(candidate);
+        }
+    }
+
+    /// Dropping a value by its line alone would have every face after it refer to others.
+    void dropUnusedValues(std::size_t file)
+    {
+        for (const char *const keyword : {"v", "vt", "vn"}) {
+            ModelFiles candidate = model;
+            QByteArray &contents = candidate.files[file].contents;
+            contents = withoutUnusedValues(contents, keyword);
+            if (contents != model.files[file].contents)
+                tryOut(candidate);
         }
     }
 

@@ -3,6 +3,7 @@
 #include "JudgedTexts.h"
 #include "ModelGenerator.h"
 #include "Shrinking.h"
+#include "UnusedValues.h"
 
 #include <gmock/gmock.h>
 
@@ -147,6 +148,15 @@ TEST(Shrinking, LeavesWhatShows)
     ASSERT_EQ(small.files.size(), 2u);
     EXPECT_EQ(small.files[0].contents, "f 4");
     EXPECT_EQ(small.files[1].contents, "Kd");
+}
+
+TEST(Shrinking, UnusedValuesLeaveTheFacesAsTheyWere)
+{
+    const QByteArray text = "v a\nvt x\nv b\nvt y\nv\nv d\nf 4/2 2 -1/1\nf 2//9 x/y\n";
+    EXPECT_EQ(withoutUnusedValues(text, "v"),
+              QByteArray("vt x\nv b\nvt y\nv d\nf 2/2 1 -1/1\nf 1//9 x/y\n"));
+    EXPECT_EQ(withoutUnusedValues(text, "vt"), text);
+    EXPECT_EQ(withoutUnusedValues("vn x\nvn y\nf 1//2\n", "vn"), QByteArray("vn y\nf 1//1\n"));
 }
 
 TEST(Shrinking, KeepsToItsAttempts)
