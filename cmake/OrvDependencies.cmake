@@ -9,6 +9,7 @@ macro(orv_require package debian)
 endmacro()
 
 orv_require(Qt5 qtbase5-dev 5.15 COMPONENTS Core Gui)
+orv_require(FastFloat libfast-float-dev)
 
 if(ORV_PLATFORM STREQUAL "bundled")
   orv_require(PkgConfig pkg-config)

@@ -16,6 +16,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 build_packages=(
   # The tools. The compiler brings the runtimes of its sanitizers along.
   cmake ninja-build g++ pkg-config
+  # Reading numbers; headers only.
+  libfast-float-dev
   # Qt 5 Core and Gui. PNG is built into Gui; its package holds the JPEG plugin.
   qtbase5-dev
   # The loader of OpenGL functions.

@@ -1,0 +1,30 @@
+/// \file
+/// Numbers of OBJ text, converted as Qt converts them.
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+namespace Halvard::Orv {
+
+/// The most digits of a plain number, leading zeros included. Read as one
+/// integer they stay below 2^53, so that a double holds them.
+constexpr unsigned MaxPlainDigits = 15;
+
+/// The float that QString::toFloat() gives for the token [`begin`, `end`), and 0
+/// where it gives none.
+/// \pre all bytes are ASCII; none is a blank.
+///
+/// Numbers of up to 15 digits are an integer over a power of ten. A double holds
+/// both, so that one division gives the double nearest to the number, which is
+/// the one Qt finds (W. D. Clinger, How to Read Floating Point Numbers Accurately,
+/// 1990). Longer numbers and such with an exponent go through fast_float, which
+/// finds the nearest double too (D. Lemire, Number Parsing at a Gigabyte per
+/// Second, 2021); what overflows, underflows or is no number is left to Qt.
+float floatFromToken(const char *begin, const char *end);
+
+/// Reads the integer [`begin`, `end`): a minus sign, if any, and digits.
+/// \return false for anything else, also where QString::toInt() would accept
+///         it; `value` is then not set.
+bool readPlainInt(const char *begin, const char *end, int &value);
+
+} // namespace Halvard::Orv

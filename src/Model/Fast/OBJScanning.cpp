@@ -1,0 +1,241 @@
+#include "OBJScanning.h"
+
+#include "ASCIIBytes.h"
+#include "DigitMarks.h"
+#include "FaceGrouping.h"
+#include "FaceLines.h"
+#include "LineChunks.h"
+#include "LineReading.h"
+#include "SingleFaces.h"
+#include "ValueLines.h"
+
+#include <OrvModel/ModelLoading.h>
+
+#include <QtCore/QIODevice>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace Halvard::Orv {
+
+namespace {
+
+using Outcome = OBJScanOutcome;
+
+/// Turns the text mode of a device off while it lives.
+class RawReading
+{
+public:
+    explicit RawReading(QIODevice &device) : _device(device), _textMode(device.isTextModeEnabled())
+    {
+        _device.setTextModeEnabled(false);
+    }
+    ~RawReading() { _device.setTextModeEnabled(_textMode); }
+    RawReading(const RawReading &) = delete;
+    RawReading &operator=(const RawReading &) = delete;
+
+private:
+    QIODevice &_device;
+    const bool _textMode;
+};
+
+/// Whether the token [`begin`, `end`) is `keyword`.
+template <size_t Size>
+bool isKeyword(const char *begin, const char *end, const char (&keyword)[Size])
+{
+    return static_cast<size_t>(end - begin) == Size - 1 &&
+           std::memcmp(begin, keyword, Size - 1) == 0;
+}
+
+class Scanner
+{
+public:
+    Scanner(const QString &baseDir, ModelBuilder &builder, OBJGeometry &geometry)
+        : _builder(builder), _geometry(geometry), _reading(baseDir),
+          _grouping(geometry, builder, QStringLiteral("<default>"))
+    {}
+
+    Outcome scan(QIODevice &device, const OBJScanLimits &limits)
+    {
+        LineChunks chunks(device, limits.chunkBytes, limits.lineBytes);
+        while (!_failure && chunks.next()) {
+            scanChunk(chunks);
+            if (!_failure && isTooLarge(limits))
+                _failure = Outcome::LimitExceeded;
+        }
+        if (!_failure && chunks.lineTooLong())
+            _failure = Outcome::LimitExceeded;
+        _grouping.startRun();
+        return _failure.value_or(Outcome::Finished);
+    }
+
+    const QString &libraryPath() const { return _libraryPath; }
+
+private:
+    void scanChunk(const LineChunks &chunks)
+    {
+        const char *line = chunks.begin();
+        if (chunks.offset() == 0) {
+            if (!_reading.decoder().start(line, chunks.byteCount()))
+                _failure = Outcome::NeedsLineReader;
+            line += _reading.decoder().markBytes();
+        }
+        _chunks = &chunks;
+        _marks.mark(chunks.begin(), chunks.end());
+        while (!_failure && line < chunks.end()) {
+            const char *next = readRun(line);
+            line = next == line ? readLine(line) : next;
+        }
+    }
+
+    /// Reads lines of one kind that are written plainly.
+    /// \return where the first other line begins.
+    const char *readRun(const char *line)
+    {
+        const char *const end = _chunks->end();
+        if (line[0] == 'f')
+            return readFaceLines(line, end, _marks, _geometry);
+        if (line[0] != 'v')
+            return line;
+        switch (line[1]) {
+        case ' ':
+            return readValueLines(line, end, _marks, "v", _geometry.positions);
+        case 'n':
+            return readValueLines(line, end, _marks, "vn", _geometry.normals);
+        case 't':
+            return readValueLines(line, end, _marks, "vt", _geometry.texCoords);
+        default:
+            return line;
+        }
+    }
+
+    /// Reads one line, whatever it is.
+    /// \return where the next one begins.
+    const char *readLine(const char *line)
+    {
+        const char *const end = _chunks->end();
+        const char *const keyword = skipBlanks(line);
+        if (isLineEnd(keyword) || *keyword == '#')
+            return lineAfter(keyword, end);
+        const char *const text = tokenEnd(keyword);
+        const char *next = text ? readPlainLine(keyword, text) : nullptr;
+        if (!next) {
+            next = lineAfter(line, end);
+            readOddLine(line, next);
+        }
+        return next;
+    }
+
+    /// Reads a line of plain text.
+    /// \return where the next one begins; null, and nothing is done, when the text
+    ///         is not plain.
+    const char *readPlainLine(const char *keyword, const char *text)
+    {
+        const char *const end = _chunks->end();
+        if (isKeyword(keyword, text, "f"))
+            return readFaceLine(text, end, _geometry);
+        if (isKeyword(keyword, text, "v"))
+            return readValueLine(text, end, _geometry.positions);
+        if (isKeyword(keyword, text, "vn"))
+            return readValueLine(text, end, _geometry.normals);
+        if (isKeyword(keyword, text, "vt"))
+            return readValueLine(text, end, _geometry.texCoords);
+        if (isKeyword(keyword, text, "usemtl"))
+            return readMaterial(text);
+        if (isKeyword(keyword, text, "mtllib"))
+            return nullptr; // rare, and the reader knows how to resolve the path
+        return lineAfter(text, end);
+    }
+
+    const char *readMaterial(const char *text)
+    {
+        const char *const name = skipBlanks(text);
+        const char *const nameEnd = isLineEnd(name) ? name : tokenEnd(name);
+        if (!nameEnd)
+            return nullptr;
+        _grouping.select(QString::fromLatin1(name, static_cast<int>(nameEnd - name)));
+        return lineAfter(nameEnd, _chunks->end());
+    }
+
+    /// Reads the line up to `next`, where another begins, with the line reader.
+    void readOddLine(const char *line, const char *next)
+    {
+        const bool endsOpen = next == _chunks->end() && _chunks->endsOpen();
+        if (!_reading.read(line, next - (endsOpen ? 1 : 0), _chunks->offsetOf(line))) {
+            _failure = Outcome::NeedsLineReader;
+            return;
+        }
+        const OBJReader &reader = _reading.line();
+        switch (_reading.lineType()) {
+        case OBJReader::LINE_V:
+            appendValue(_geometry.positions, reader.getV());
+            break;
+        case OBJReader::LINE_VN:
+            appendValue(_geometry.normals, reader.getVn());
+            break;
+        case OBJReader::LINE_VT:
+            appendValue(_geometry.texCoords, reader.getVt());
+            break;
+        case OBJReader::LINE_F:
+            appendFace(reader, _geometry);
+            break;
+        case OBJReader::LINE_MTLLIB:
+            loadLibrary(reader.getMtllibPath());
+            break;
+        case OBJReader::LINE_USEMTL:
+            _grouping.select(reader.getUsemtlName());
+            break;
+        default:
+            break;
+        }
+    }
+
+    void loadLibrary(const QString &path)
+    {
+        if (!loadMaterialsFromMTLFile(path, _builder)) {
+            _libraryPath = path;
+            _failure = Outcome::LibraryMissing;
+        }
+        _grouping.startRun(); // the selected material may have a group now
+    }
+
+    bool isTooLarge(const OBJScanLimits &limits) const
+    {
+        // A corner takes two bytes of text at least. What one chunk adds to counts
+        // within the limits cannot make them wrap.
+        return std::max({_geometry.positions.values.size(), _geometry.normals.values.size(),
+                         _geometry.texCoords.values.size(), size_t(_geometry.cornerCount),
+                         size_t(_geometry.faceCount())}) > limits.streamElements;
+    }
+
+    ModelBuilder &_builder;
+    OBJGeometry &_geometry;
+    LineReading _reading;
+    FaceGrouping _grouping;
+    DigitMarks _marks;
+    const LineChunks *_chunks = nullptr;
+    std::optional<Outcome> _failure;
+    QString _libraryPath;
+};
+
+} // namespace
+
+OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuilder &builder,
+                           OBJGeometry &geometry, QString &libraryPath, const OBJScanLimits &limits)
+{
+    // A stream that comes piece by piece may be cut anywhere by QTextStream, and
+    // could not be read again.
+    if (device.isSequential())
+        return Outcome::NeedsLineReader;
+    if (device.atEnd()) // so says a file of size 0, even if it has bytes
+        return Outcome::Finished;
+    const RawReading raw(device);
+    Scanner scanner(baseDir, builder, geometry);
+    const Outcome outcome = scanner.scan(device, limits);
+    if (outcome == Outcome::LibraryMissing)
+        libraryPath = scanner.libraryPath();
+    return outcome;
+}
+
+} // namespace Halvard::Orv

@@ -1,0 +1,150 @@
+#include "ValueLines.h"
+
+#include "ASCIIBytes.h"
+#include "NumberConversion.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Halvard::Orv {
+
+#ifdef ORV_SCAN_SSE2
+
+namespace {
+
+/// Text read between two looks at the room for values.
+constexpr ptrdiff_t RunBytes = 1 << 18;
+
+/// Bytes of the longest number read here, not counting its point: see
+/// floatsFromGroups().
+constexpr size_t MaxDecimalBytes = 15;
+
+/// Three numbers, each with a point and up to two spaces before it, fit into a
+/// window, so that a line needs but one.
+static_assert(3 * (MaxDecimalBytes + 1 + 2) + 1 <= DigitMarks::WindowBytes);
+
+/// Moves `text`, and the window of marks that begins there, behind one space or two.
+inline bool takeSpaces(const char *&text, quint64 &marks)
+{
+    if (*text != ' ')
+        return false;
+    const int count = text[1] == ' ' ? 2 : 1;
+    text += count;
+    marks >>= count;
+    return true;
+}
+
+/// Moves `text`, and the window of marks that begins there, behind a number.
+/// \return false when it is not written plainly, or too long.
+inline bool takeDecimal(const char *&text, quint64 &marks, DecimalText &number)
+{
+    const bool hasSign = *text == '-';
+    if ((marks & 1) != quint64(hasSign))
+        return false;
+    marks &= ~quint64(1);
+    size_t end = lowestBit(marks);
+    number.begin = text;
+    number.negative = hasSign;
+    number.point = end;
+    number.filled = end;
+    if (text[end] == '.') {
+        marks = withoutLowestBit(marks);
+        end = lowestBit(marks);
+        number.filled = end - 1;
+    }
+    text += end;
+    marks >>= end;
+    // At least a digit beside the sign.
+    return number.filled - number.negative - 1 < MaxDecimalBytes - number.negative;
+}
+
+/// Reads the numbers of a line.
+/// \param text what follows the keyword.
+/// \return where the last number ends; null when the line is not written plainly.
+template <unsigned Components>
+inline const char *readNumbers(const char *text, quint64 marks, float *target)
+{
+    static_assert(Components == 2 || Components == 3);
+    DecimalText x, y, z;
+    if (!takeSpaces(text, marks) || !takeDecimal(text, marks, x) || !takeSpaces(text, marks) ||
+        !takeDecimal(text, marks, y))
+        return nullptr;
+    if constexpr (Components == 3) {
+        if (!takeSpaces(text, marks) || !takeDecimal(text, marks, z))
+            return nullptr;
+    }
+    if (!isBlank(*text) && !isLineEnd(text))
+        return nullptr;
+    storeFloats(x, y, target);
+    if constexpr (Components == 3)
+        storeFloat(z, target + 2);
+    return text;
+}
+
+template <unsigned KeywordBytes, unsigned Components>
+const char *readRun(const char *line, const char *end, const DigitMarks &marks, const char *keyword,
+                    GrowArray<float> &values)
+{
+    const char *const runEnd = line + std::min(end - line, RunBytes);
+    const auto maxLines = static_cast<size_t>(runEnd - line) / (KeywordBytes + 1) + 1;
+    float *const first = values.reserveMore(maxLines * Components);
+    float *target = first;
+    while (line < runEnd && std::memcmp(line, keyword, KeywordBytes) == 0) {
+        const char *text = line + KeywordBytes;
+        text = readNumbers<Components>(text, marks.window(text), target);
+        if (!text)
+            break;
+        target += Components;
+        line = *text == '\n' ? text + 1 : lineAfter(text, end);
+    }
+    values.commit(static_cast<size_t>(target - first));
+    return line;
+}
+
+} // namespace
+
+const char *readValueLines(const char *line, const char *end, const DigitMarks &marks,
+                           const char *keyword, OBJAttribute &attribute)
+{
+    if (attribute.components == 2)
+        return readRun<2, 2>(line, end, marks, keyword, attribute.values);
+    if (keyword[1] == '\0')
+        return readRun<1, 3>(line, end, marks, keyword, attribute.values);
+    return readRun<2, 3>(line, end, marks, keyword, attribute.values);
+}
+
+#else
+
+const char *readValueLines(const char *line, const char *, const DigitMarks &, const char *,
+                           OBJAttribute &)
+{
+    return line;
+}
+
+#endif
+
+const char *readValueLine(const char *text, const char *end, OBJAttribute &attribute)
+{
+    float *const target = attribute.values.reserveMore(attribute.components);
+    for (unsigned i = 0; i < attribute.components; ++i) {
+        target[i] = 0.0f;
+        text = skipBlanks(text);
+        if (isLineEnd(text))
+            continue;
+        const char *const token = text;
+        text = tokenEnd(token);
+        if (!text)
+            return nullptr;
+        target[i] = floatFromToken(token, text);
+    }
+    attribute.values.commit(attribute.components);
+    return lineAfter(text, end);
+}
+
+void appendValue(OBJAttribute &attribute, const float *value)
+{
+    std::copy_n(value, attribute.components, attribute.values.reserveMore(attribute.components));
+    attribute.values.commit(attribute.components);
+}
+
+} // namespace Halvard::Orv
