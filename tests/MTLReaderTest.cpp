@@ -3,11 +3,9 @@
 #include "support/OBJTokenCases.h"
 #include "support/QtPrinting.h"
 #include "support/StreamContents.h"
-
-#include <QtCore/QBuffer>
+#include "support/TextReader.h"
 
 #include <limits>
-#include <memory>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
@@ -17,26 +15,12 @@ namespace {
 constexpr float Infinity = std::numeric_limits<float>::infinity();
 constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
 
-/// A reader of UTF-8 text, opened the way files are.
-class TextReader
+/// Unknown keywords are skipped unless a test says otherwise.
+class Lines : public TextReader<MTLReader>
 {
 public:
-    explicit TextReader(const std::string &text, bool skipUnknown = true)
-        : _bytes(text.data(), static_cast<int>(text.size())), _buffer(&_bytes)
-    {
-        _buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-        _stream.setDevice(&_buffer);
-        _stream.setCodec("UTF-8");
-        _reader = std::make_unique<MTLReader>(_stream, skipUnknown);
-    }
-
-    MTLReader *operator->() { return _reader.get(); }
-
-private:
-    QByteArray _bytes;
-    QBuffer _buffer;
-    QTextStream _stream;
-    std::unique_ptr<MTLReader> _reader;
+    explicit Lines(const std::string &text, bool skipUnknown = true) : TextReader(text, skipUnknown)
+    {}
 };
 
 constexpr int NEWMTL = MTLReader::LINE_NEWMTL;
@@ -55,7 +39,7 @@ constexpr int UNKNOWN = MTLReader::LINE_UNKNOWN;
 /// The types of all lines from the first next() to the end.
 std::vector<int> lineTypes(const std::string &text, bool skipUnknown)
 {
-    TextReader reader(text, skipUnknown);
+    Lines reader(text, skipUnknown);
     std::vector<int> types;
     while (reader->valid()) {
         reader->next();
@@ -88,7 +72,7 @@ TEST(MTLReader, NumbersItsLineTypes)
 TEST(MTLReader, DoesNotReadAhead)
 {
     for (const char *text : {"", "newmtl a\n"}) {
-        TextReader reader(text);
+        Lines reader(text);
         EXPECT_TRUE(reader->valid());
         EXPECT_EQ(reader->getLineType(), UNKNOWN);
         EXPECT_FALSE(reader->parseLine());
@@ -154,7 +138,7 @@ TEST(MTLReader, ClassifiesLines)
 
 TEST(MTLReader, RefusesUnknownLines)
 {
-    TextReader reader("illum 2\nd 0.5\n", false);
+    Lines reader("illum 2\nd 0.5\n", false);
     reader->next();
     EXPECT_EQ(reader->getLineType(), UNKNOWN);
     EXPECT_TRUE(reader->valid());
@@ -167,7 +151,7 @@ TEST(MTLReader, RefusesUnknownLines)
 
 TEST(MTLReader, StaysAtTheEnd)
 {
-    TextReader reader("d 0.5");
+    Lines reader("d 0.5");
     reader->next();
     EXPECT_TRUE(reader->parseLine());
     for (int i = 0; i < 3; ++i) {
@@ -181,7 +165,7 @@ TEST(MTLReader, StaysAtTheEnd)
 
 TEST(MTLReader, GivesOneSetOfNumbersAndOneText)
 {
-    TextReader reader("");
+    Lines reader("");
     EXPECT_EQ(&reader->getKa(), &reader->getKd());
     EXPECT_EQ(&reader->getKa(), &reader->getKs());
     EXPECT_EQ(&reader->getNewmtlName(), &reader->getMapKdPath());
@@ -211,7 +195,7 @@ TEST(MTLReader, CleansLines)
 {
     for (const CleanCase &row : CleanCases) {
         SCOPED_TRACE(row.name);
-        TextReader reader(row.text + "\n");
+        Lines reader(row.text + "\n");
         reader->next();
         EXPECT_EQ(reader->line(), row.line);
     }
@@ -255,7 +239,7 @@ TEST(MTLReader, ReadsColors)
     for (const ColorCase &row : ColorCases) {
         for (const std::string keyword : {"Ka", "Kd", "Ks"}) {
             SCOPED_TRACE(keyword + ", " + row.name);
-            TextReader reader(keyword + " " + row.text + "\n");
+            Lines reader(keyword + " " + row.text + "\n");
             reader->next();
             EXPECT_EQ(reader->parseLine(), row.ok);
             if (row.ok) {
@@ -332,7 +316,7 @@ TEST(MTLReader, ReadsScalars)
     for (const ScalarCase &row : ScalarCases) {
         for (const std::string keyword : {"Ns", "d"}) {
             SCOPED_TRACE(keyword + " " + row.text);
-            TextReader reader(keyword + " " + row.text + "\n");
+            Lines reader(keyword + " " + row.text + "\n");
             reader->next();
             EXPECT_EQ(reader->parseLine(), row.ok);
             if (row.ok) {
@@ -345,7 +329,7 @@ TEST(MTLReader, ReadsScalars)
 
 TEST(MTLReader, GivesAScalarAsTheFirstOfThree)
 {
-    TextReader reader("Kd 1 2 3\nNs 5\n");
+    Lines reader("Kd 1 2 3\nNs 5\n");
     reader->next();
     EXPECT_TRUE(reader->parseLine());
     EXPECT_EQ(reader->getNs(), 1.0f);
@@ -359,7 +343,7 @@ TEST(MTLReader, KnowsUnicodeBlanks)
 {
     for (const BlankCase &row : blankCases()) {
         SCOPED_TRACE(row.name);
-        TextReader reader(row.text + "d" + row.text + "2\n");
+        Lines reader(row.text + "d" + row.text + "2\n");
         reader->next();
         EXPECT_EQ(reader->getLineType() == D && reader->parseLine() && reader->getD() == 2.0f,
                   row.isBlank);
@@ -367,7 +351,7 @@ TEST(MTLReader, KnowsUnicodeBlanks)
         const std::string joinedText = "a" + row.text + "b";
         const QString joined =
             QString::fromUtf8(joinedText.data(), static_cast<int>(joinedText.size()));
-        TextReader named("newmtl a" + row.text + "b\n");
+        Lines named("newmtl a" + row.text + "b\n");
         named->next();
         EXPECT_TRUE(named->parseLine());
         EXPECT_EQ(named->getNewmtlName(), row.isBlank ? QStringLiteral("a") : joined);
@@ -399,7 +383,7 @@ TEST(MTLReader, ReadsNames)
 {
     for (const NameCase &row : NewmtlCases) {
         SCOPED_TRACE(row.name);
-        TextReader reader("newmtl " + row.text + "\n");
+        Lines reader("newmtl " + row.text + "\n");
         reader->next();
         EXPECT_EQ(reader->getLineType(), NEWMTL);
         EXPECT_EQ(reader->parseLine(), row.ok);
@@ -426,7 +410,7 @@ TEST(MTLReader, ResolvesTexturePaths)
     for (const NameCase &row : MapCases) {
         for (const std::string keyword : {"map_Kd", "map_Ks", "map_Ka", "map_Ns"}) {
             SCOPED_TRACE(keyword + ", " + row.name);
-            TextReader reader(keyword + " " + row.text + "\n");
+            Lines reader(keyword + " " + row.text + "\n");
             reader->setBaseDir(QStringLiteral("/m"));
             reader->next();
             EXPECT_EQ(reader->parseLine(), row.ok);
@@ -439,7 +423,7 @@ TEST(MTLReader, ResolvesTexturePaths)
 
 TEST(MTLReader, ResolvesAgainstTheLastDirectorySet)
 {
-    TextReader reader("map_Kd a.png\nmap_Kd a.png\n");
+    Lines reader("map_Kd a.png\nmap_Kd a.png\n");
     reader->next();
     EXPECT_TRUE(reader->parseLine());
     EXPECT_EQ(reader->getMapKdPath(), QDir::current().absoluteFilePath(QStringLiteral("a.png")));
@@ -453,7 +437,7 @@ TEST(MTLReader, ResolvesAgainstTheLastDirectorySet)
 /// A line that fails says nothing about the next one.
 TEST(MTLReader, GoesOnAfterABadLine)
 {
-    TextReader reader("Kd x\nKd 1 1\nKd 1 2 3\n");
+    Lines reader("Kd x\nKd 1 1\nKd 1 2 3\n");
     reader->next();
     EXPECT_FALSE(reader->parseLine());
     reader->next();

@@ -3,11 +3,9 @@
 #include "support/OBJTokenCases.h"
 #include "support/QtPrinting.h"
 #include "support/StreamContents.h"
+#include "support/TextReader.h"
 
-#include <QtCore/QBuffer>
 #include <QtCore/QTextStream>
-
-#include <memory>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
@@ -16,34 +14,12 @@ using ::testing::IsEmpty;
 
 namespace {
 
-/// A reader of UTF-8 text, opened the way files are.
-class TextReader
-{
-public:
-    explicit TextReader(const std::string &text)
-        : _bytes(text.data(), static_cast<int>(text.size())), _buffer(&_bytes)
-    {
-        _buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-        _stream.setDevice(&_buffer);
-        _stream.setCodec("UTF-8");
-        _reader = std::make_unique<OBJReader>(_stream);
-    }
-
-    OBJReader &operator*() { return *_reader; }
-    OBJReader *operator->() { return _reader.get(); }
-    QTextStream &stream() { return _stream; }
-
-private:
-    QByteArray _bytes;
-    QBuffer _buffer;
-    QTextStream _stream;
-    std::unique_ptr<OBJReader> _reader;
-};
+using Lines = TextReader<OBJReader>;
 
 /// The types of all lines up to and including the end.
 std::vector<int> lineTypes(const std::string &text)
 {
-    TextReader reader(text);
+    Lines reader(text);
     std::vector<int> types{reader->getLineType()};
     while (reader->valid()) {
         reader->next();
@@ -165,7 +141,7 @@ TEST(OBJReader, ClassifiesLines)
 
 TEST(OBJReader, StartsAtTheFirstLine)
 {
-    TextReader reader("# x\n\no cube\nusemtl red\n");
+    Lines reader("# x\n\no cube\nusemtl red\n");
     EXPECT_TRUE(reader->valid());
     EXPECT_EQ(reader->getLineType(), USEMTL);
     EXPECT_THAT(floatsOf(reader->getV()), areFloats({0, 0, 0}));
@@ -175,7 +151,7 @@ TEST(OBJReader, StartsAtTheFirstLine)
 
 TEST(OBJReader, StaysAtTheEnd)
 {
-    TextReader reader("v 1 2 3\n");
+    Lines reader("v 1 2 3\n");
     EXPECT_TRUE(reader->parseLine());
     for (int i = 0; i < 3; ++i) {
         reader->next();
@@ -188,7 +164,7 @@ TEST(OBJReader, StaysAtTheEnd)
 
 TEST(OBJReader, IsValidWhateverParses)
 {
-    TextReader reader("f x\nf 1\n");
+    Lines reader("f x\nf 1\n");
     EXPECT_FALSE(reader->parseLine());
     EXPECT_TRUE(reader->valid());
     EXPECT_EQ(reader->getLineType(), F);
@@ -199,7 +175,7 @@ TEST(OBJReader, IsValidWhateverParses)
 
 TEST(OBJReader, ParsesALineAsOftenAsAsked)
 {
-    TextReader reader("f 1/2/3\n");
+    Lines reader("f 1/2/3\n");
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(reader->parseLine());
         EXPECT_THAT(cornersOf(*reader), ElementsAre(Corner{0, 1, 2}));
@@ -208,7 +184,7 @@ TEST(OBJReader, ParsesALineAsOftenAsAsked)
 
 TEST(OBJReader, GivesOneSetOfNumbers)
 {
-    TextReader reader("v 1 2 3\n");
+    Lines reader("v 1 2 3\n");
     EXPECT_EQ(&reader->getV(), &reader->getVn());
     EXPECT_EQ(&reader->getV(), &reader->getVt());
     EXPECT_EQ(&reader->getUsemtlName(), &reader->getMtllibPath());
@@ -245,7 +221,7 @@ TEST(OBJReader, ReadsValues)
 {
     for (const ValueCase &row : ValueCases) {
         SCOPED_TRACE(row.name);
-        TextReader reader("v 7 8 9\n" + row.line + "\n");
+        Lines reader("v 7 8 9\n" + row.line + "\n");
         EXPECT_TRUE(reader->parseLine());
         reader->next();
         EXPECT_TRUE(reader->parseLine());
@@ -257,7 +233,7 @@ TEST(OBJReader, ReadsNumbers)
 {
     for (const NumberCase &row : numberCases()) {
         SCOPED_TRACE(row.name);
-        TextReader reader("v 5 " + row.text + " 6\nvn " + row.text + "\nvt 5 " + row.text + "\n");
+        Lines reader("v 5 " + row.text + " 6\nvn " + row.text + "\nvt 5 " + row.text + "\n");
         EXPECT_TRUE(reader->parseLine());
         EXPECT_THAT(floatsOf(reader->getV()), areFloats({5, row.value, 6}));
         reader->next();
@@ -275,8 +251,8 @@ TEST(OBJReader, KnowsUnicodeBlanks)
     for (const BlankCase &row : blankCases()) {
         SCOPED_TRACE(row.name);
         const std::string &blank = row.text;
-        TextReader reader(blank + "v" + blank + "1" + blank + "2" + blank + "\nusemtl a" + blank +
-                          "b\n");
+        Lines reader(blank + "v" + blank + "1" + blank + "2" + blank + "\nusemtl a" + blank +
+                     "b\n");
         EXPECT_EQ(reader->parseLine() && reader->getV()[0] == 1.0f && reader->getV()[1] == 2.0f,
                   row.isBlank);
 
@@ -301,7 +277,7 @@ TEST(OBJReader, ReadsCorners)
 {
     for (const CornerCase &row : cornerCases()) {
         SCOPED_TRACE(row.name);
-        TextReader reader(tenOfEach() + "f 1/2/3 " + row.text + " 4\n");
+        Lines reader(tenOfEach() + "f 1/2/3 " + row.text + " 4\n");
         skipTo(*reader, OBJReader::LINE_F);
         EXPECT_EQ(reader->parseLine(), row.ok);
         const std::vector<Corner> good{{0, 1, 2}, {row.v, row.vt, row.vn}, {3, Absent, Absent}};
@@ -344,7 +320,7 @@ TEST(OBJReader, ReadsFaces)
 {
     for (const FaceCase &row : FaceCases) {
         SCOPED_TRACE(row.name);
-        TextReader reader(tenOfEach() + row.line + "\n");
+        Lines reader(tenOfEach() + row.line + "\n");
         skipTo(*reader, OBJReader::LINE_F);
         EXPECT_EQ(reader->parseLine(), row.ok);
         std::vector<int> positions;
@@ -360,7 +336,7 @@ TEST(OBJReader, ReadsFacesOfManyCorners)
     std::string text = "f";
     for (int i = 1; i <= 100000; ++i)
         text += ' ' + std::to_string(i);
-    TextReader reader(text);
+    Lines reader(text);
     ASSERT_TRUE(reader->parseLine());
     ASSERT_EQ(reader->getNumVertices(), 100000);
     for (int i = 0; i < 100000; ++i)
@@ -369,7 +345,7 @@ TEST(OBJReader, ReadsFacesOfManyCorners)
 
 TEST(OBJReader, ForgetsTheFaceBefore)
 {
-    TextReader reader("f 1 2 3\nf 4\nf\nf x\n");
+    Lines reader("f 1 2 3\nf 4\nf\nf x\n");
     EXPECT_TRUE(reader->parseLine());
     reader->next();
     EXPECT_EQ(reader->getNumVertices(), 3); // until the next is parsed
@@ -387,8 +363,8 @@ TEST(OBJReader, ForgetsTheFaceBefore)
 /// own.
 TEST(OBJReader, CountsTheLinesOfEachKind)
 {
-    TextReader reader("v 1 2 3\nv x\nv\nvn 1 2 3\nvn\nvt 1 2\n"
-                      "f -1/-1/-1\nv 1 2 3\nvt\nf -1/-1/-1\nf -4/-2/-2\nf -5/-3/-3\n");
+    Lines reader("v 1 2 3\nv x\nv\nvn 1 2 3\nvn\nvt 1 2\n"
+                 "f -1/-1/-1\nv 1 2 3\nvt\nf -1/-1/-1\nf -4/-2/-2\nf -5/-3/-3\n");
     std::vector<Corner> corners;
     for (skipTo(*reader, OBJReader::LINE_F); reader->valid(); reader->next()) {
         if (reader->getLineType() == F) {
@@ -426,98 +402,10 @@ const IndexCase IndexCases[] = {
 
 TEST(OBJReader, ResolvesIndices)
 {
-    TextReader reader("");
+    Lines reader("");
     for (const IndexCase &row : IndexCases)
         EXPECT_EQ(reader->resolveIndex(row.index, row.count), row.resolved)
             << row.index << " of " << row.count;
-}
-
-struct NameCase
-{
-    const char *name;
-    std::string line;
-    QString text;
-};
-
-const NameCase UsemtlCases[] = {
-    {"name", "usemtl red", QStringLiteral("red")},
-    {"name with a blank", "usemtl red metal", QStringLiteral("red")},
-    {"no name", "usemtl", QString()},
-    {"no name but blanks", "usemtl   ", QString()},
-    {"comment sign in the name", "usemtl a#b", QStringLiteral("a#b")},
-    {"comment sign as the name", "usemtl # none", QStringLiteral("#")},
-    {"path as the name", "usemtl a/b", QStringLiteral("a/b")},
-    {"letters beyond ASCII", "usemtl gr\u00fcn\u2713\U0001f600",
-     QString::fromUtf8("gr\u00fcn\u2713\U0001f600")},
-    {"invalid bytes",
-     "usemtl a\xff"
-     "b",
-     QStringLiteral("a\ufffdb")},
-    {"a CR is taken out", "usemtl re\rd", QStringLiteral("red")},
-    {"a name as long as a file", "usemtl " + std::string(1000000, 'x'),
-     QString(1000000, QLatin1Char('x'))},
-};
-
-TEST(OBJReader, ReadsMaterialNames)
-{
-    for (const NameCase &row : UsemtlCases) {
-        SCOPED_TRACE(row.name);
-        TextReader reader("usemtl before\n" + row.line + "\n");
-        EXPECT_TRUE(reader->parseLine());
-        reader->next();
-        EXPECT_TRUE(reader->parseLine());
-        EXPECT_EQ(reader->getUsemtlName(), row.text);
-    }
-}
-
-const NameCase MtllibCases[] = {
-    {"relative", "mtllib a.mtl", QStringLiteral("/models/a.mtl")},
-    {"only the first of two", "mtllib a.mtl b.mtl", QStringLiteral("/models/a.mtl")},
-    {"absolute", "mtllib /abs/x.mtl", QStringLiteral("/abs/x.mtl")},
-    {"in a directory", "mtllib lib/a.mtl", QStringLiteral("/models/lib/a.mtl")},
-    {"upwards, not cleaned", "mtllib ../a.mtl", QStringLiteral("/models/../a.mtl")},
-    {"beside, not cleaned", "mtllib ./a.mtl", QStringLiteral("/models/./a.mtl")},
-    {"backslash", "mtllib lib\\a.mtl", QStringLiteral("/models/lib\\a.mtl")},
-    {"comment sign", "mtllib a#1.mtl", QStringLiteral("/models/a#1.mtl")},
-    {"quotation marks", "mtllib \"a b.mtl\"", QStringLiteral("/models/\"a")},
-    {"tilde", "mtllib ~/a.mtl", QStringLiteral("/models/~/a.mtl")},
-    {"no name: the directory", "mtllib", QStringLiteral("/models")},
-};
-
-TEST(OBJReader, ResolvesLibraryPaths)
-{
-    for (const NameCase &row : MtllibCases) {
-        SCOPED_TRACE(row.name);
-        TextReader reader(row.line + "\n");
-        reader->setBaseDir(QStringLiteral("/models"));
-        EXPECT_TRUE(reader->parseLine());
-        EXPECT_EQ(reader->getMtllibPath(), row.text);
-    }
-}
-
-TEST(OBJReader, ResolvesAgainstTheLastDirectorySet)
-{
-    TextReader reader("mtllib a.mtl\n");
-    EXPECT_TRUE(reader->parseLine());
-    EXPECT_EQ(reader->getMtllibPath(), QDir::current().absoluteFilePath(QStringLiteral("a.mtl")));
-    reader->setBaseDir(QStringLiteral("/one"));
-    reader->setBaseDir(QStringLiteral("/two/"));
-    EXPECT_TRUE(reader->parseLine());
-    EXPECT_EQ(reader->getMtllibPath(), QStringLiteral("/two/a.mtl"));
-}
-
-/// Names that stand for nothing do not take the place of parsed ones.
-TEST(OBJReader, KeepsTheNameUntilTheNextIsParsed)
-{
-    TextReader reader("usemtl red\nv 1 2 3\nf 1\nusemtl blue\n");
-    EXPECT_TRUE(reader->parseLine());
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(reader->getUsemtlName(), QStringLiteral("red"));
-        reader->next();
-    }
-    EXPECT_EQ(reader->getUsemtlName(), QStringLiteral("red"));
-    EXPECT_TRUE(reader->parseLine());
-    EXPECT_EQ(reader->getUsemtlName(), QStringLiteral("blue"));
 }
 
 TEST(OBJReader, RefusesEveryLineOfABadStream)
@@ -525,7 +413,7 @@ TEST(OBJReader, RefusesEveryLineOfABadStream)
     for (const char *line : {"v 1 2 3", "vn 1 2 3", "vt 1 2", "f 4 5", "mtllib a", "usemtl a"}) {
         for (const auto status : {QTextStream::ReadPastEnd, QTextStream::ReadCorruptData}) {
             SCOPED_TRACE(line);
-            TextReader reader(std::string("f 1 2 3\n") + line + "\n");
+            Lines reader(std::string("f 1 2 3\n") + line + "\n");
             EXPECT_TRUE(reader->parseLine());
             reader->next();
             reader.stream().setStatus(status);
@@ -537,28 +425,6 @@ TEST(OBJReader, RefusesEveryLineOfABadStream)
             reader.stream().resetStatus();
             EXPECT_TRUE(reader->parseLine());
         }
-    }
-}
-
-TEST(OBJReader, ReadsOtherEncodingsByTheirMark)
-{
-    const QString text = QStringLiteral("usemtl gr\u00fcn\n");
-    for (const char *codec : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
-        SCOPED_TRACE(codec);
-        QByteArray bytes;
-        {
-            QTextStream out(&bytes);
-            out.setCodec(codec);
-            out.setGenerateByteOrderMark(true);
-            out << text;
-        }
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::ReadOnly);
-        QTextStream stream(&buffer);
-        OBJReader reader(stream);
-        ASSERT_EQ(reader.getLineType(), USEMTL);
-        EXPECT_TRUE(reader.parseLine());
-        EXPECT_EQ(reader.getUsemtlName(), QStringLiteral("gr\u00fcn"));
     }
 }
 
