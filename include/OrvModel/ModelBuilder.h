@@ -183,6 +183,7 @@ public:
                 const QString &materialIdMember, unsigned int usage, unsigned int primitiveType);
 
 private:
+    friend struct GeometryUpload;        ///< the loader's own road to the streams
     friend struct ModelBuilderInspector; ///< the tests' view of the streams
 
     using StreamPointer = QSharedPointer<ModelDataStream>;
@@ -206,6 +207,7 @@ private:
     bool hasGPUStreams() const;
     bool prepareForUpload(const QString &positionAttribute);
     bool computeNormals(const VertexAttribute &positions);
+    void addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex, unsigned count);
     QVector<unsigned int> faceOffsets() const;
     bool commandsFitIndices() const;
     QSharedPointer<BufferObject> uploadIndices(OpenGLDeviceContext &context, int vertexCount,

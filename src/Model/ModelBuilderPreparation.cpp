@@ -110,21 +110,30 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
         _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
     if (!_gpuIndices)
         return;
+    addDrawCommand(name, group.flags, static_cast<unsigned>(_gpuIndices->size()),
+                   static_cast<unsigned>(triangles.size()));
+    _gpuIndices->append(static_cast<unsigned long>(triangles.size()), triangles.constData());
+}
+
+/// Files the command of a group: `count` entries of the combined indices from
+/// `firstIndex` on.
+void ModelBuilder::addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex,
+                                  unsigned count)
+{
     DrawElementsIndirectCommand command;
-    command.count = static_cast<unsigned>(triangles.size());
+    command.count = count;
     command.instanceCount = 1;
-    command.firstIndex = static_cast<unsigned>(_gpuIndices->size());
+    command.firstIndex = firstIndex;
     command.baseVertex = 0; // vertex numbers are absolute: all groups share one set
     command.baseInstance = 0;
 
-    const quint64 key = group.flags & _flagsMask;
+    const quint64 key = flags & _flagsMask;
     if (!_drawCommands.contains(key)) {
         _drawCommands.insert(key, {});
         _drawCommandGroups.insert(key, {});
     }
     _drawCommands[key].append(command);
-    _drawCommandGroups[key].append(name);
-    _gpuIndices->append(static_cast<unsigned long>(triangles.size()), triangles.constData());
+    _drawCommandGroups[key].append(group);
 }
 
 /// Per face the position of its first corner, with 32-bit wrap-around.

@@ -2,7 +2,6 @@
 #include <OrvModel/ModelBuilder.h>
 
 #include "AssertionReport.h"
-#include "LoadReport.h"
 #include "RowWelding.h"
 #include "StreamBytes.h"
 
@@ -118,15 +117,7 @@ void ModelBuilder::optimizeGPUStreams()
         dropGPUStreams();
         return;
     }
-    const int kept =
-        vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
-    qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", static_cast<void *>(this), vertexCount,
-           newVertexCount, vertexCount - newVertexCount, kept,
-           static_cast<int>(ModelDataStream::typeSize(sharedIndices->type())));
-    if (LoadReport *report = currentLoadReport()) {
-        report->gpuVerticesBeforeWelding = vertexCount;
-        report->gpuVertices = newVertexCount;
-    }
+    reportWelding(this, vertexCount, newVertexCount);
 }
 
 /// Gives every attribute a stream of the vertices that stay. False when a stream

@@ -2,160 +2,26 @@
 #include <OrvModel/DefaultMaterial.h>
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>
-#include <OrvModel/OBJReader.h>
 
+#include "Fast/GeometryUpload.h"
+#include "Fast/OBJScanning.h"
 #include "LoadReport.h"
+#include "OBJPouring.h"
+#include "OBJRoads.h"
 
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLFunctions.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
-#include <QtCore/QVarLengthArray>
 
 #include <memory>
 
 namespace Halvard::Orv {
 
 namespace {
-
-/// Pours the lines of an OBJ file into a builder.
-class OBJPourer
-{
-public:
-    explicit OBJPourer(ModelBuilder &builder) : _builder(builder)
-    {
-        builder.createMaterialGroup(_currentMaterial, makeDefaultMaterial(), -1, 0);
-    }
-
-    /// Reads to the end of the stream.
-    /// \return false when a material library cannot be opened; `libraryPath` is
-    ///         then its path.
-    bool pour(QTextStream &stream, const QString &baseDir, QString &libraryPath)
-    {
-        const StageTimer timer(&LoadReport::Stages::read);
-        OBJReader reader(stream);
-        reader.setBaseDir(baseDir);
-        while (reader.valid()) {
-            if (reader.parseLine() && !takeLine(reader)) {
-                libraryPath = reader.getMtllibPath();
-                return false;
-            }
-            reader.next();
-        }
-        fillInMissingAttributes();
-        return true;
-    }
-
-private:
-    bool takeLine(const OBJReader &reader)
-    {
-        switch (reader.getLineType()) {
-        case OBJReader::LINE_V:
-            addValue(_positions, 3, reader.getV());
-            break;
-        case OBJReader::LINE_VN:
-            addValue(_normals, 3, reader.getVn());
-            break;
-        case OBJReader::LINE_VT:
-            addValue(_texCoords, 2, reader.getVt());
-            break;
-        case OBJReader::LINE_F:
-            addFace(reader);
-            break;
-        case OBJReader::LINE_MTLLIB:
-            return loadMaterialsFromMTLFile(reader.getMtllibPath(), _builder);
-        case OBJReader::LINE_USEMTL:
-            _currentMaterial = reader.getUsemtlName();
-            break;
-        default:
-            break;
-        }
-        return true;
-    }
-
-    void addValue(const QString &attribute, int components, const float *values)
-    {
-        if (!_builder.hasVertexAttribute(attribute))
-            _builder.createVertexAttribute(attribute, components, GL_FLOAT, 0, 0);
-        _builder.addValuesToVertexAttribute(attribute, static_cast<unsigned long>(components),
-                                            values, GL_FLOAT);
-        countValue(attribute);
-    }
-
-    /// An attribute has indices only for the faces read after its first value:
-    /// earlier faces add none.
-    void addFace(const OBJReader &reader)
-    {
-        const auto count = static_cast<unsigned>(reader.getNumVertices());
-        _builder.addVertexCountsToFaces(1, &count);
-        addIndices(reader, _positions, &OBJReader::Vertex::v);
-        addIndices(reader, _normals, &OBJReader::Vertex::vn);
-        addIndices(reader, _texCoords, &OBJReader::Vertex::vt);
-        _builder.addFacesToMaterialGroup(_currentMaterial, 1, &_faceCount, QString());
-        ++_faceCount;
-        _cornerTotal += count;
-        countFace(count);
-    }
-
-    void addIndices(const OBJReader &reader, const QString &attribute,
-                    int OBJReader::Vertex::*component)
-    {
-        if (!_builder.hasVertexAttribute(attribute))
-            return;
-        _indices.resize(0);
-        for (int i = 0; i < reader.getNumVertices(); ++i)
-            _indices.append(static_cast<unsigned>(reader.getVertex(i).*component));
-        _builder.addIndicesToVertexAttribute(attribute, static_cast<unsigned long>(_indices.size()),
-                                             _indices.constData());
-    }
-
-    /// Asks for normals where the file has none. The texture coordinates that are
-    /// offered in their place have no effect without the attribute: a file
-    /// without any gives a model without the attribute.
-    void fillInMissingAttributes()
-    {
-        if (!_builder.hasVertexAttribute(_normals))
-            _builder.generateNormals(_normals);
-        if (!_builder.hasVertexAttribute(_texCoords)) {
-            const float origin[2] = {0.0f, 0.0f};
-            const unsigned zero = 0;
-            _builder.addValuesToVertexAttribute(_texCoords, 2, origin, GL_FLOAT);
-            for (unsigned corner = 0; corner < _cornerTotal; ++corner)
-                _builder.addIndicesToVertexAttribute(_texCoords, 1, &zero);
-        }
-    }
-
-    void countValue(const QString &attribute)
-    {
-        if (!_report)
-            return;
-        quint64 &counter = attribute == _positions ? _report->positions
-                           : attribute == _normals ? _report->normals
-                                                   : _report->texCoords;
-        ++counter;
-    }
-
-    void countFace(unsigned corners)
-    {
-        if (!_report)
-            return;
-        ++_report->faces;
-        _report->corners += corners;
-        ++_report->facesByCornerCount[corners];
-    }
-
-    ModelBuilder &_builder;
-    LoadReport *_report = currentLoadReport();
-    const QString _positions = QStringLiteral("va_Vertex");
-    const QString _normals = QStringLiteral("va_Normal");
-    const QString _texCoords = QStringLiteral("va_TexCoord");
-    QString _currentMaterial = QStringLiteral("<default>");
-    unsigned _faceCount = 0;
-    unsigned _cornerTotal = 0;
-    QVarLengthArray<unsigned, 64> _indices; // one face's, kept to spare its memory
-};
 
 /// The record of the whole model: it stands where the file puts it.
 InstanceData makeModelRecord()
@@ -168,29 +34,126 @@ InstanceData makeModelRecord()
     return record;
 }
 
+/// Fills in what a report tells of the file itself.
+void describe(const OBJGeometry &geometry, LoadReport &report)
+{
+    report.positions = geometry.positions.valueCount();
+    report.normals = geometry.normals.valueCount();
+    report.texCoords = geometry.texCoords.valueCount();
+    report.faces = geometry.faceCount();
+    report.corners = geometry.cornerCount;
+    quint64 facesBySmallCount[CornerCounts::Escape + 1] = {};
+    for (size_t face = 0; face < geometry.cornerCounts.small.size(); ++face)
+        ++facesBySmallCount[geometry.cornerCounts.small[face]];
+    for (quint32 corners = 0; corners < CornerCounts::Escape; ++corners) {
+        if (facesBySmallCount[corners] > 0)
+            report.facesByCornerCount.insert(corners, facesBySmallCount[corners]);
+    }
+    for (size_t face = 0; face < geometry.cornerCounts.large.size(); ++face)
+        ++report.facesByCornerCount[geometry.cornerCounts.large[face]];
+}
+
+QString loadFailure(const QString &fileName)
+{
+    return QStringLiteral("Failed to load OBJ file '%1'").arg(fileName);
+}
+
+QString libraryFailure(const QString &path)
+{
+    return QStringLiteral("Failed to load MTL file '%1'").arg(path);
+}
+
+/// A builder with the group of faces whose file selects no material.
+std::unique_ptr<ModelBuilder> makeBuilder()
+{
+    auto builder = std::make_unique<ModelBuilder>(QSharedPointer<ModelDataStreamAllocator>(), 0);
+    builder->createMaterialGroup(QStringLiteral("<default>"), makeDefaultMaterial(), -1, 0);
+    return builder;
+}
+
+/// One load of an open file.
+class OBJLoad
+{
+public:
+    OBJLoad(QFile &file, QString &errorMessage)
+        : _file(file), _baseDir(QFileInfo(file.fileName()).dir().absolutePath()),
+          _errorMessage(errorMessage)
+    {}
+
+    std::unique_ptr<GPUModel> byLines()
+    {
+        const auto builder = makeBuilder();
+        QTextStream stream(&_file);
+        QString libraryPath;
+        if (!pourOBJLines(stream, _baseDir, *builder, libraryPath))
+            return fail(libraryFailure(libraryPath));
+        auto model = std::make_unique<GPUModel>();
+        builder->upload(model.get(), makeModelRecord(), QStringLiteral("va_Vertex"), QString(),
+                        GL_STATIC_DRAW, GL_TRIANGLES);
+        return model;
+    }
+
+    std::unique_ptr<GPUModel> byBytes()
+    {
+        const auto builder = makeBuilder();
+        OBJGeometry geometry;
+        QString libraryPath;
+        switch (scan(*builder, geometry, libraryPath)) {
+        case OBJScanOutcome::Finished:
+            break;
+        case OBJScanOutcome::LibraryMissing:
+            return fail(libraryFailure(libraryPath));
+        case OBJScanOutcome::LimitExceeded:
+            qWarning("'%s' holds more than the 2^31 - 1 bytes of values or indices that a model "
+                     "can have; split it",
+                     qPrintable(_file.fileName()));
+            return fail(loadFailure(_file.fileName()));
+        case OBJScanOutcome::NeedsLineReader:
+            _file.seek(0); // a pipe has nothing to go back to, and was not read
+            return byLines();
+        }
+        auto model = std::make_unique<GPUModel>();
+        GeometryUpload::upload(std::move(geometry), *builder, *model, makeModelRecord());
+        return model;
+    }
+
+private:
+    OBJScanOutcome scan(ModelBuilder &builder, OBJGeometry &geometry, QString &libraryPath)
+    {
+        const StageTimer timer(&LoadReport::Stages::read);
+        const OBJScanOutcome outcome = scanOBJFile(_file, _baseDir, builder, geometry, libraryPath);
+        if (LoadReport *report = currentLoadReport(); report && outcome == OBJScanOutcome::Finished)
+            describe(geometry, *report);
+        return outcome;
+    }
+
+    std::unique_ptr<GPUModel> fail(const QString &message)
+    {
+        _errorMessage = message;
+        return nullptr;
+    }
+
+    QFile &_file;
+    const QString _baseDir;
+    QString &_errorMessage;
+};
+
 } // namespace
 
-GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage)
+GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, OBJRoad road)
 {
     QFile file(fileName);
     if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        errorMessage = QStringLiteral("Failed to load OBJ file '%1'").arg(fileName);
+        errorMessage = loadFailure(fileName);
         return nullptr;
     }
+    OBJLoad load(file, errorMessage);
+    return (road == OBJRoad::Bytes ? load.byBytes() : load.byLines()).release();
+}
 
-    ModelBuilder builder({}, 0);
-    OBJPourer pourer(builder);
-    QTextStream stream(&file);
-    QString libraryPath;
-    if (!pourer.pour(stream, QFileInfo(fileName).dir().absolutePath(), libraryPath)) {
-        errorMessage = QStringLiteral("Failed to load MTL file '%1'").arg(libraryPath);
-        return nullptr;
-    }
-
-    auto model = std::make_unique<GPUModel>();
-    builder.upload(model.get(), makeModelRecord(), QStringLiteral("va_Vertex"), QString(),
-                   GL_STATIC_DRAW, GL_TRIANGLES);
-    return model.release();
+GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage)
+{
+    return loadModelFromOBJFile(fileName, errorMessage, OBJRoad::Bytes);
 }
 
 } // namespace Halvard::Orv

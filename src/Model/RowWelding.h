@@ -26,4 +26,10 @@ struct RowColumn
 void weldRows(const QVector<RowColumn> &columns, int rowCount, QVector<int> &oldToNew,
               QVector<int> &newToOld);
 
+/// Logs what welding a builder's vertices has brought, and notes it in the load
+/// report.
+///
+/// \param builder only its address is shown.
+void reportWelding(const void *builder, int vertexCount, int newVertexCount);
+
 } // namespace Halvard::Orv

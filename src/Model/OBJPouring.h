@@ -1,0 +1,23 @@
+/// \file
+/// The line road of the OBJ loader: every line through an OBJReader into a builder.
+#pragma once
+
+class QString;
+class QTextStream;
+
+namespace Halvard::Orv {
+
+class ModelBuilder;
+
+/// Pours the lines of an OBJ file into a builder, one by one. This is what a file
+/// means; the loader's other road must not be told from it.
+///
+/// \param stream at the file's begin; read to its end.
+/// \param baseDir where relative paths of material libraries begin.
+/// \param builder holds the group "<default>" and no geometry.
+/// \return false when a material library cannot be opened; `libraryPath` is then
+///         its path.
+bool pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+                  QString &libraryPath);
+
+} // namespace Halvard::Orv
