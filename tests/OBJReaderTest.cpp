@@ -10,7 +10,6 @@
 using namespace Halvard::Orv;
 using namespace OrvTest;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 namespace {
 
