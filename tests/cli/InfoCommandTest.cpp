@@ -98,6 +98,18 @@ TEST_F(InfoCommandTest, JSONSaysWhichTexturesExist)
               (QJsonObject{{QStringLiteral("map_Ks"), texture("gone.png", false)}}));
 }
 
+TEST_F(InfoCommandTest, TheBoxIsOfWhatIsDrawn)
+{
+    const QString model = _files.write(QStringLiteral("n.obj"),
+                                       "v 9 9 9\nv -7 0 0\nv nan 0 0\nv 0 0 0\nv 1 0 0\nv 0 2 0\n"
+                                       "f 4 5 6\nf 4 5 3\nusemtl unknown\nf 2 4 5\n");
+    const QJsonObject info =
+        runOrv({QStringLiteral("info"), QStringLiteral("--json"), model}).json();
+    const QJsonObject box{{QStringLiteral("minimum"), QJsonArray{0, 0, 0}},
+                          {QStringLiteral("maximum"), QJsonArray{1, 2, 0}}};
+    EXPECT_EQ(valueAt(info, "boundingBox").toObject(), box);
+}
+
 TEST_F(InfoCommandTest, TheTimesAddUp)
 {
     const OrvRun run = runOrv({QStringLiteral("info"), QStringLiteral("--json"), _model});
