@@ -58,7 +58,7 @@ OBJAttribute valuesOf(const std::string &text, std::size_t &plainLines)
     OBJAttribute attribute(2);
     while (line < end) {
         const std::uint32_t before = attribute.valueCount();
-        const char *const next = readValueLines(line, end, marks, "vt", attribute);
+        const char *const next = readTexCoordLines(line, end, marks, attribute);
         plainLines += attribute.valueCount() - before;
         line = next < end ? readValueLine(next + 2, end, attribute) : end;
     }

@@ -43,14 +43,14 @@ TEST(PlainLines, ValuesAsProgramsWriteThem)
           "v 12345.6789012345 -12345.678901234 0.5\n"}) {
         OBJAttribute positions(3);
         const Text lines(text);
-        EXPECT_EQ(readValueLines(lines.begin(), lines.end(), lines.marks(), "v", positions),
+        EXPECT_EQ(readPositionLines(lines.begin(), lines.end(), lines.marks(), positions),
                   lines.end())
             << text;
     }
     for (const char *text : {"vt 0.5 0.25\nvt 0 1\n", "vt 0.500000 0.250000 0.000000\r\n"}) {
         OBJAttribute texCoords(2);
         const Text lines(text);
-        EXPECT_EQ(readValueLines(lines.begin(), lines.end(), lines.marks(), "vt", texCoords),
+        EXPECT_EQ(readTexCoordLines(lines.begin(), lines.end(), lines.marks(), texCoords),
                   lines.end())
             << text;
     }
@@ -80,7 +80,7 @@ TEST(PlainLines, OthersArePassedOn)
           "v 1   2 3\n", "v 1234567890123456 2 3\n", "v . 2 3\n", "v - 2 3\n", "v 1 2 -.\n"}) {
         OBJAttribute positions(3);
         const Text lines(text);
-        EXPECT_EQ(readValueLines(lines.begin(), lines.end(), lines.marks(), "v", positions),
+        EXPECT_EQ(readPositionLines(lines.begin(), lines.end(), lines.marks(), positions),
                   lines.begin())
             << text;
         EXPECT_FALSE(positions.exists());

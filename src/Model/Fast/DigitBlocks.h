@@ -45,7 +45,7 @@ inline unsigned digitsInBlock(const char *text)
 /// \pre `bits` is not 0.
 inline size_t lowestBit(quint64 bits)
 {
-    return static_cast<size_t>(__builtin_ctzll(bits));
+    return static_cast<unsigned>(__builtin_ctzll(bits));
 }
 
 /// The word without its lowest bit.

@@ -242,7 +242,10 @@ bool isFaceLine(const char *line)
 /// What follows the keyword and a space or two.
 const char *cornersOf(const char *faceLine)
 {
-    return faceLine + (faceLine[2] == ' ' ? 3 : 2);
+    // To be guessed, not waited for: hence a branch.
+    if (Q_UNLIKELY(faceLine[2] == ' '))
+        return faceLine + 3;
+    return faceLine + 2;
 }
 
 template <CornerForm Form>

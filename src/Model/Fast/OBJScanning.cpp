@@ -100,11 +100,11 @@ private:
             return line;
         switch (line[1]) {
         case ' ':
-            return readValueLines(line, end, _marks, "v", _geometry.positions);
+            return readPositionLines(line, end, _marks, _geometry.positions);
         case 'n':
-            return readValueLines(line, end, _marks, "vn", _geometry.normals);
+            return readNormalLines(line, end, _marks, _geometry.normals);
         case 't':
-            return readValueLines(line, end, _marks, "vt", _geometry.texCoords);
+            return readTexCoordLines(line, end, _marks, _geometry.texCoords);
         default:
             return line;
         }

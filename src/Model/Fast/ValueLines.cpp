@@ -28,9 +28,13 @@ inline bool takeSpaces(const char *&text, quint64 &marks)
 {
     if (*text != ' ')
         return false;
-    const int count = text[1] == ' ' ? 2 : 1;
-    text += count;
-    marks >>= count;
+    ++text;
+    marks >>= 1;
+    // To be guessed, not waited for: hence a branch.
+    if (Q_UNLIKELY(*text == ' ')) {
+        ++text;
+        marks >>= 1;
+    }
     return true;
 }
 
@@ -54,8 +58,7 @@ inline bool takeDecimal(const char *&text, quint64 &marks, DecimalText &number)
     }
     text += end;
     marks >>= end;
-    // At least a digit beside the sign.
-    return number.filled - number.negative - 1 < MaxDecimalBytes - number.negative;
+    return number.filled <= MaxDecimalBytes && number.point > number.negative;
 }
 
 /// Reads the numbers of a line.
@@ -81,16 +84,17 @@ inline const char *readNumbers(const char *text, quint64 marks, float *target)
     return text;
 }
 
-template <unsigned KeywordBytes, unsigned Components>
-const char *readRun(const char *line, const char *end, const DigitMarks &marks, const char *keyword,
-                    GrowArray<float> &values)
+template <unsigned Components, size_t Size>
+const char *readRun(const char *line, const char *end, const DigitMarks &marks,
+                    const char (&keyword)[Size], GrowArray<float> &values)
 {
+    constexpr size_t keywordBytes = Size - 1;
     const char *const runEnd = line + std::min(end - line, RunBytes);
-    const auto maxLines = static_cast<size_t>(runEnd - line) / (KeywordBytes + 1) + 1;
+    const auto maxLines = static_cast<size_t>(runEnd - line) / Size + 1;
     float *const first = values.reserveMore(maxLines * Components);
     float *target = first;
-    while (line < runEnd && std::memcmp(line, keyword, KeywordBytes) == 0) {
-        const char *text = line + KeywordBytes;
+    while (line < runEnd && std::memcmp(line, keyword, keywordBytes) == 0) {
+        const char *text = line + keywordBytes;
         text = readNumbers<Components>(text, marks.window(text), target);
         if (!text)
             break;
@@ -103,20 +107,37 @@ const char *readRun(const char *line, const char *end, const DigitMarks &marks, 
 
 } // namespace
 
-const char *readValueLines(const char *line, const char *end, const DigitMarks &marks,
-                           const char *keyword, OBJAttribute &attribute)
+const char *readPositionLines(const char *line, const char *end, const DigitMarks &marks,
+                              OBJAttribute &positions)
 {
-    if (attribute.components == 2)
-        return readRun<2, 2>(line, end, marks, keyword, attribute.values);
-    if (keyword[1] == '\0')
-        return readRun<1, 3>(line, end, marks, keyword, attribute.values);
-    return readRun<2, 3>(line, end, marks, keyword, attribute.values);
+    return readRun<3>(line, end, marks, "v", positions.values);
+}
+
+const char *readNormalLines(const char *line, const char *end, const DigitMarks &marks,
+                            OBJAttribute &normals)
+{
+    return readRun<3>(line, end, marks, "vn", normals.values);
+}
+
+const char *readTexCoordLines(const char *line, const char *end, const DigitMarks &marks,
+                              OBJAttribute &texCoords)
+{
+    return readRun<2>(line, end, marks, "vt", texCoords.values);
 }
 
 #else
 
-const char *readValueLines(const char *line, const char *, const DigitMarks &, const char *,
-                           OBJAttribute &)
+const char *readPositionLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
+{
+    return line;
+}
+
+const char *readNormalLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
+{
+    return line;
+}
+
+const char *readTexCoordLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
 {
     return line;
 }

@@ -7,16 +7,22 @@
 
 namespace Halvard::Orv {
 
-/// Reads successive lines of the kind "`keyword` number number ..." into
-/// `attribute`, one value of attribute.components floats each.
+/// \name Runs of lines
+/// Read successive lines of the kind "v number number number", "vn ..." and "vt
+/// number number" into an attribute.
 ///
 /// \param line where a line begins; the text up to `end` ends with a line feed.
 /// \param marks of that text.
-/// \param keyword "v", "vn" or "vt".
 /// \return where the first line begins that is of another kind or is not written
 ///         plainly: `line` itself when that is the first, `end` after all lines.
-const char *readValueLines(const char *line, const char *end, const DigitMarks &marks,
-                           const char *keyword, OBJAttribute &attribute);
+/// @{
+const char *readPositionLines(const char *line, const char *end, const DigitMarks &marks,
+                              OBJAttribute &positions);
+const char *readNormalLines(const char *line, const char *end, const DigitMarks &marks,
+                            OBJAttribute &normals);
+const char *readTexCoordLines(const char *line, const char *end, const DigitMarks &marks,
+                              OBJAttribute &texCoords);
+/// @}
 
 /// Reads the numbers of one line, 0 for those that are missing or malformed.
 /// \param text what follows the keyword.
