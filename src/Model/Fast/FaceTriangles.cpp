@@ -103,8 +103,10 @@ void FaceTriangles::addFourTriangles(const quint32 *corners)
     }
     if (_normals)
         _normals->addFour(triangleNormals(p0, p1, p2), _end);
-    if (_end != corners)
-        std::memcpy(_end, corners, 3 * Lanes * sizeof(quint32));
+    // All is read before anything is written: the two may overlap.
+    quint32 triangles[3 * Lanes];
+    std::memcpy(triangles, corners, sizeof triangles);
+    std::memcpy(_end, triangles, sizeof triangles);
     _end += 3 * Lanes;
 }
 
@@ -142,11 +144,10 @@ void FaceTriangles::addSmallFaces(const quint8 *counts, unsigned faceCount, cons
         faces[4 * face + 3] = first[counts[source] - 1u];
         next = first + counts[source];
     }
-    addSmallFaces(counts, faceCount, corners,
-                  quadWindings(loadCorners<4>(faces, 0, _positions),
-                               loadCorners<4>(faces, 1, _positions),
-                               loadCorners<4>(faces, 2, _positions),
-                               loadCorners<4>(faces, 3, _positions)));
+    addSmallFaces(
+        counts, faceCount, corners,
+        quadWindings(loadCorners<4>(faces, 0, _positions), loadCorners<4>(faces, 1, _positions),
+                     loadCorners<4>(faces, 2, _positions), loadCorners<4>(faces, 3, _positions)));
 }
 
 void FaceTriangles::addSmallFaces(const quint8 *counts, unsigned faceCount, const quint32 *corners,

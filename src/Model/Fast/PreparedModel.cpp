@@ -138,9 +138,8 @@ PreparedModel prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOr
     const bool hasTexCoords = geometry.texCoords.exists();
     WeldedCorners welded = weld(geometry, builder);
     GrowArray<quint32> indices =
-        hasNormals
-            ? triangulate(geometry, sums, groupOrder, welded, nullptr, model.commands)
-            : triangulateWithNormals(geometry, sums, groupOrder, welded, model.commands);
+        hasNormals ? triangulate(geometry, sums, groupOrder, welded, nullptr, model.commands)
+                   : triangulateWithNormals(geometry, sums, groupOrder, welded, model.commands);
     geometry = {};
 
     model.attributes.append(attribute(QStringLiteral("va_Vertex"), 3, std::move(welded.positions)));

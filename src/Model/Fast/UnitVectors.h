@@ -12,7 +12,8 @@
 namespace Halvard::Orv {
 
 /// What becomes of vectors that count as zero.
-enum class NullVectors {
+enum class NullVectors
+{
     BecomeZero, ///< as QVector3D::normalized() has it
     Stay        ///< as QVector3D::normalize() has it
 };

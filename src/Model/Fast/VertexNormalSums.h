@@ -8,6 +8,7 @@
 #include <QtCore/QtGlobal>
 
 #include <cstddef>
+#include <cstring>
 
 namespace Halvard::Orv {
 
@@ -35,14 +36,14 @@ public:
     void add(const quint32 *indices, size_t indexCount);
 
     /// Adds the normals of four triangles, all of whose corners exist.
-    /// \param corners must stay until something else is added, or normalize().
     void addFour(const Points4 &normals, const quint32 *corners)
     {
         // The sums of four triangles wait for their divisions, which take long.
         // Doing the sums of the four before meanwhile keeps the machine busy.
         addPending();
         _pending = normals;
-        _pendingCorners = corners;
+        std::memcpy(_pendingCorners, corners, sizeof _pendingCorners);
+        _isPending = true;
     }
 
     /// Makes the sums unit vectors. Sums that count as zero stay as they are.
@@ -51,17 +52,16 @@ public:
 private:
     void addPending()
     {
-        if (!_pendingCorners)
+        if (!_isPending)
             return;
         // Copies, since for all the compiler knows the sums lie over this object.
         const Points4 normals = _pending;
-        const quint32 *const corners = _pendingCorners;
         float *const sums = _normals;
         if (hasNaN(normals))
-            addWithNaN(corners);
+            addWithNaN(_pendingCorners);
         else
-            addNumbers(normals, corners, sums);
-        _pendingCorners = nullptr;
+            addNumbers(normals, _pendingCorners, sums);
+        _isPending = false;
     }
 
     static void addNumbers(const Points4 &normals, const quint32 *corners, float *sums)
@@ -94,7 +94,8 @@ private:
     float *_normals;
     /// Normals that are not in the sums yet, and the corners they belong to.
     Points4 _pending = {};
-    const quint32 *_pendingCorners = nullptr;
+    quint32 _pendingCorners[12];
+    bool _isPending = false;
 };
 
 } // namespace Halvard::Orv
