@@ -54,7 +54,7 @@ void setCamera(ShaderProgram &program, const Camera &camera)
     program.set("uProjection", camera.projection);
 }
 
-/// Draws `run` twice, first the faces turned away, so that the far side of a thing
+/// Draws twice, first the faces turned away, so that the far side of a thing
 /// is seen through its near side.
 template <typename Draw>
 void fromBothSides(Draw &&draw)
