@@ -102,7 +102,7 @@ void FaceTriangles::addFourTriangles(const quint32 *corners)
         return;
     }
     if (_normals)
-        _normals->addFour(triangleNormals(p0, p1, p2), _end);
+        _normals->addFour(triangleNormals(p0, p1, p2), corners);
     // All is read before anything is written: the two may overlap.
     quint32 triangles[3 * Lanes];
     std::memcpy(triangles, corners, sizeof triangles);
