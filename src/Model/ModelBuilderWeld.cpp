@@ -117,7 +117,8 @@ void ModelBuilder::optimizeGPUStreams()
         dropGPUStreams();
         return;
     }
-    reportWelding(this, vertexCount, newVertexCount);
+    reportWelding(this, vertexCount, newVertexCount,
+                  ModelDataStream::typeSize(sharedIndices->type()));
 }
 
 /// Gives every attribute a stream of the vertices that stay. False when a stream

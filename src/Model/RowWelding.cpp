@@ -65,12 +65,13 @@ void weldRows(const QVector<RowColumn> &columns, int rowCount, QVector<int> &old
     numberRows(rows, static_cast<quint32>(rowCount), reinterpret_cast<quint32 *>(oldToNew.data()));
 }
 
-void reportWelding(const void *builder, int vertexCount, int newVertexCount)
+void reportWelding(const void *builder, int vertexCount, int newVertexCount,
+                   unsigned long indexBytes)
 {
     const int kept =
         vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
     qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", builder, vertexCount, newVertexCount,
-           vertexCount - newVertexCount, kept, static_cast<int>(sizeof(quint32)));
+           vertexCount - newVertexCount, kept, static_cast<int>(indexBytes));
     if (LoadReport *report = currentLoadReport()) {
         report->gpuVerticesBeforeWelding = vertexCount;
         report->gpuVertices = newVertexCount;

@@ -30,6 +30,8 @@ void weldRows(const QVector<RowColumn> &columns, int rowCount, QVector<int> &old
 /// report.
 ///
 /// \param builder only its address is shown.
-void reportWelding(const void *builder, int vertexCount, int newVertexCount);
+/// \param indexBytes size of one index.
+void reportWelding(const void *builder, int vertexCount, int newVertexCount,
+                   unsigned long indexBytes);
 
 } // namespace Halvard::Orv

@@ -44,7 +44,7 @@ WeldedCorners weld(OBJGeometry &geometry, const void *builder)
     const StageTimer timer(&LoadReport::Stages::weld);
     WeldedCorners welded = weldCorners(geometry);
     reportWelding(builder, static_cast<int>(geometry.cornerCount),
-                  static_cast<int>(welded.vertexCount));
+                  static_cast<int>(welded.vertexCount), sizeof(quint32));
     return welded;
 }
 
