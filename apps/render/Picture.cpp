@@ -22,7 +22,7 @@ QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles 
     const Camera camera = frameModel(renderer->geometry(), angles, aspect);
     target->bind();
     renderer->draw(camera, options);
-    const QImage picture = target->read();
+    QImage picture = target->read();
     if (picture.isNull() && error)
         *error = QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
                      .arg(size.width())
