@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that this project needs, those that are missing only.
 #
-#     scripts/setup.sh [build] [test]
+#     scripts/setup.sh [build] [test] [bench]
 #
 #   build    what compiling the libraries and the `orv` command line takes, and an
 #            OpenGL driver that runs without a graphics card or a display
 #   test     what the tests take beyond that
+#   bench    Google Benchmark, and the libraries that benchmarks/compare.sh measures
 #
-# Without a name: both. Runs as root or through sudo; needs neither when nothing is
+# Without a name: build and test. Runs as root or through sudo; needs neither when nothing is
 # missing.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -26,6 +27,7 @@ build_packages=(
   libegl1 libegl-mesa0 libgl1-mesa-dri
 )
 test_packages=(libgtest-dev libgmock-dev)
+bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev python3)
 
 is_installed() {
   [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
@@ -74,6 +76,7 @@ for group in "${@:-all}"; do
       ;;
     build) wanted+=("${build_packages[@]}") ;;
     test) wanted+=("${test_packages[@]}") ;;
+    bench) wanted+=("${bench_packages[@]}") ;;
     all) wanted+=("${build_packages[@]}" "${test_packages[@]}") ;;
     *) wrong_usage "no such group of packages: '$group'" ;;
   esac

@@ -1,0 +1,157 @@
+#!/usr/bin/env python3
+"""Runs the contestants of benchmarks/compare.sh side by side and writes what they took.
+
+compare.py PROGRAMS OUT [--sizes 3,30,200] [--rounds N] [--lines-up-to MB]
+           [--assimp-up-to MB] [--small FILE.obj...] MODEL.obj...
+
+PROGRAMS is the folder with the built programs. OUT receives results.json, table.md
+and chart.svg; the repeated models are made in OUT/models and stay there.
+
+A round runs every contestant once, so that what else the machine does falls on all
+of them alike. Nobody is measured before a first reading has brought the file into
+the page cache.
+"""
+import argparse
+import json
+import os
+import pathlib
+import platform
+import shutil
+import statistics
+import subprocess
+import sys
+import time
+
+import report
+
+CONTESTANTS = {
+    "bytes": ["load_orv", "{file}", "bytes"],
+    "lines": ["load_orv", "{file}", "lines"],
+    "tinyobj": ["load_tinyobj", "{file}"],
+    "assimp": ["load_assimp", "{file}"],
+}
+
+
+def run(programs, contestant, file, *more):
+    command = [part.format(file=file) for part in CONTESTANTS[contestant]]
+    command[0] = str(programs / command[0])
+    done = subprocess.run(command + list(more), stdout=subprocess.PIPE, check=False)
+    if done.returncode != 0:
+        sys.exit(f"{' '.join(command)}: exit status {done.returncode}")
+    return json.loads(done.stdout)
+
+
+def repeated(programs, folder, model, megabytes):
+    """The model repeated up to a size; made only if it is not there yet."""
+    out = folder / f"{model.stem}-{megabytes}.obj"
+    if not out.exists():
+        subprocess.run([programs / "repeat_model", model, out, str(megabytes * 1e6)], check=True)
+        for library in model.parent.glob("*.mtl"):
+            shutil.copy(library, folder)
+    return out
+
+
+def measure(programs, file, names, rounds):
+    file.read_bytes()
+    runs = {name: [] for name in names}
+    loads = []
+    for _ in range(rounds):
+        for name in names:
+            loads.append(os.getloadavg()[0])
+            runs[name].append(run(programs, name, file))
+            # Nobody gains from a file being measured later than another.
+            time.sleep(0.05)
+    return runs, loads
+
+
+def summary(runs):
+    """What is the library's own: without the driver's share."""
+    wall = [r["wall"] - r["driverWall"] for r in runs]
+    cpu = [r["cpu"] - r["driverCPU"] for r in runs]
+    best = min(runs, key=lambda r: r["cpu"] - r["driverCPU"])
+    return {
+        "wallMedian": statistics.median(wall),
+        "cpuMedian": statistics.median(cpu),
+        "cpuMinimum": min(cpu),
+        "driverCPU": best["driverCPU"],
+        "peakMB": min(r["peakBeforeDriver"] for r in runs) * 1024 / 1e6,
+        "peakWithDriverMB": min(r["peak"] for r in runs) * 1024 / 1e6,
+        "vertices": runs[0]["vertices"],
+        "triangles": runs[0]["triangles"],
+        "stages": best.get("stages"),
+        "rounds": len(runs),
+    }
+
+
+def check(result):
+    """The two roads agree entirely; others on the triangles, and on the vertices where they weld
+    by bytes too and read numbers as exactly."""
+    own = result["contestants"]["bytes"]
+    for name, other in result["contestants"].items():
+        if other["triangles"] != own["triangles"]:
+            result["remarks"].append(
+                f"{name}: {other['triangles']} triangles, not {own['triangles']}")
+        if other["vertices"] != own["vertices"]:
+            result["remarks"].append(f"{name}: {other['vertices']} vertices, not {own['vertices']}")
+    lines = result["contestants"].get("lines")
+    if lines and (lines["vertices"], lines["triangles"]) != (own["vertices"], own["triangles"]):
+        sys.exit(f"{result['model']}: the two roads differ")
+
+
+def machine():
+    cpu = platform.processor()
+    try:
+        with open("/proc/cpuinfo", encoding="utf-8") as file:
+            cpu = next(line.split(":")[1].strip() for line in file if line.startswith("model name"))
+    except (OSError, StopIteration):
+        pass
+    return {"cpu": cpu, "cores": os.cpu_count(), "system": platform.release()}
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("out", type=pathlib.Path)
+    parser.add_argument("models", nargs="+", type=pathlib.Path)
+    parser.add_argument("--sizes", default="3,30,200")
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--lines-up-to", type=float, default=30)
+    parser.add_argument("--assimp-up-to", type=float, default=200)
+    parser.add_argument("--small", nargs="*", type=pathlib.Path, default=[])
+    options = parser.parse_args()
+
+    folder = options.out / "models"
+    folder.mkdir(parents=True, exist_ok=True)
+    limits = {"bytes": float("inf"), "tinyobj": float("inf"),
+              "lines": options.lines_up_to, "assimp": options.assimp_up_to}
+    available = [name for name, command in CONTESTANTS.items()
+                 if (options.programs / command[0]).exists()]
+    results = {"machine": machine(), "files": [], "small": [], "loads": []}
+
+    def write():
+        results["load"] = [min(results["loads"]), max(results["loads"])] if results["loads"] else []
+        (options.out / "results.json").write_text(json.dumps(results, indent=1), encoding="utf-8")
+
+    for size in [int(s) for s in options.sizes.split(",") if s]:
+        for model in options.models:
+            file = repeated(options.programs, folder, model, size)
+            names = [name for name in available if size <= limits[name]]
+            runs, loads = measure(options.programs, file, names, options.rounds)
+            result = {"model": model.stem, "size": size, "bytes": file.stat().st_size,
+                      "contestants": {name: summary(runs[name]) for name in names}, "remarks": []}
+            check(result)
+            results["files"].append(result)
+            results["loads"] += loads
+            write()
+            print(report.line(result), flush=True)
+    for file in options.small:
+        load = run(options.programs, "bytes", file, "301")
+        results["small"].append({"file": file.name, "bytes": file.stat().st_size,
+                                 "own": load["wall"] - load["driverWall"],
+                                 "all": load["wall"]})
+        write()
+    report.write(results, options.out)
+
+
+if __name__ == "__main__":
+    main()

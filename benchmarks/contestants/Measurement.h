@@ -1,0 +1,66 @@
+/// \file
+/// What all contestants measure and print, in the same way.
+#pragma once
+
+#include <sys/resource.h>
+#include <time.h>
+
+#include <cstdio>
+#include <cstring>
+
+/// Milliseconds of a clock.
+inline double milliseconds(clockid_t clock)
+{
+    timespec time;
+    clock_gettime(clock, &time);
+    return 1e3 * static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_nsec);
+}
+
+/// Wall and CPU time of the process, all its threads.
+struct Moment
+{
+    double wall = milliseconds(CLOCK_MONOTONIC);
+    double cpu = milliseconds(CLOCK_PROCESS_CPUTIME_ID);
+};
+
+/// Memory in KiB, now and at most so far.
+inline long residentNow()
+{
+    long pages = 0;
+    if (FILE *file = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(file, "%*d %ld", &pages) != 1)
+            pages = 0;
+        std::fclose(file);
+    }
+    return pages * 4;
+}
+
+inline long residentPeak()
+{
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+/// One load: times in milliseconds, memory in KiB beyond what the process held
+/// before it. What a graphics driver took stands apart.
+struct Measurement
+{
+    double wall = 0;
+    double cpu = 0;
+    double driverWall = 0;
+    double driverCPU = 0;
+    long peak = 0;
+    long peakBeforeDriver = 0;
+    size_t vertices = 0;
+    size_t triangles = 0;
+};
+
+inline void print(const Measurement &m)
+{
+    std::printf("{\"wall\": %.3f, \"cpu\": %.3f, \"driverWall\": %.3f, \"driverCPU\": %.3f, "
+                "\"peak\": %ld, \"peakBeforeDriver\": %ld, \"vertices\": %zu, "
+                "\"triangles\": %zu",
+                m.wall, m.cpu, m.driverWall, m.driverCPU, m.peak, m.peakBeforeDriver, m.vertices,
+                m.triangles);
+}

@@ -1,0 +1,109 @@
+// Loads a model with this library and prints what it took, as JSON.
+//
+//     load_orv FILE.obj bytes|lines [LOADS]
+//
+// Time and memory of the driver are those of glBufferData(), through which all of
+// the data goes; everything else counts as the library's own. With LOADS above 1
+// the load with the median of the time without the driver is printed.
+#include "Measurement.h"
+
+#include <Model/LoadReport.h>
+#include <Model/OBJRoads.h>
+
+#include <OrvGL/DrawBuffers.h>
+#include <OrvGL/GPUModel.h>
+#include <OrvGL/HeadlessContext.h>
+#include <OrvGL/OpenGLFunctions.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QLoggingCategory>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+using namespace Halvard::Orv;
+
+namespace {
+
+Measurement current;
+PFNGLBUFFERDATAPROC driverBufferData = nullptr;
+
+void APIENTRY measuredBufferData(GLenum target, GLsizeiptr size, const void *data, GLenum usage)
+{
+    if (current.peakBeforeDriver == 0)
+        current.peakBeforeDriver = residentPeak();
+    const Moment begin;
+    driverBufferData(target, size, data, usage);
+    const Moment end;
+    current.driverWall += end.wall - begin.wall;
+    current.driverCPU += end.cpu - begin.cpu;
+}
+
+/// Puts measuredBufferData() before the driver's function.
+void watchDriver()
+{
+    GLuint buffer = 0;
+    glGenBuffers(1, &buffer);
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    glBufferData(GL_ARRAY_BUFFER, 4, nullptr, GL_STATIC_DRAW); // makes epoxy look it up
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glDeleteBuffers(1, &buffer);
+    driverBufferData = epoxy_glBufferData;
+    epoxy_glBufferData = measuredBufferData;
+}
+
+bool load(const QString &fileName, OBJRoad road, LoadReport &report)
+{
+    current = {};
+    const ScopedLoadReport scope(report);
+    const long before = residentNow();
+    QString error;
+    const Moment begin;
+    const std::unique_ptr<GPUModel> model(loadModelFromOBJFile(fileName, error, road));
+    const Moment end;
+    if (!model || model->bundleCount() == 0)
+        return false;
+    current.wall = end.wall - begin.wall;
+    current.cpu = end.cpu - begin.cpu;
+    current.peak = residentPeak() - before;
+    current.peakBeforeDriver -= before;
+    current.vertices = model->bundle(0)->vertexCount();
+    current.triangles = static_cast<size_t>(model->bundle(0)->indexCount()) / 3;
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (argc < 3)
+        return 2;
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    const auto context = HeadlessContext::create();
+    if (!context || !context->makeCurrent())
+        return 2;
+    watchDriver();
+
+    const OBJRoad road = std::strcmp(argv[2], "lines") == 0 ? OBJRoad::Lines : OBJRoad::Bytes;
+    const int loads = argc > 3 ? std::atoi(argv[3]) : 1;
+    LoadReport report;
+    std::vector<Measurement> all;
+    for (int i = 0; i < loads; ++i) {
+        report = {};
+        if (!load(QFile::decodeName(argv[1]), road, report))
+            return 1;
+        all.push_back(current);
+    }
+    std::sort(all.begin(), all.end(), [](const Measurement &a, const Measurement &b) {
+        return a.wall - a.driverWall < b.wall - b.driverWall;
+    });
+    print(all[all.size() / 2]);
+    const auto ms = [](qint64 nanoseconds) { return 1e-6 * static_cast<double>(nanoseconds); };
+    std::printf(", \"stages\": {\"read\": %.3f, \"weld\": %.3f, \"triangulate\": %.3f, "
+                "\"normals\": %.3f, \"gl\": %.3f}}\n",
+                ms(report.stages.read), ms(report.stages.weld), ms(report.stages.triangulate),
+                ms(report.stages.normals), ms(report.stages.gl));
+    return 0;
+}

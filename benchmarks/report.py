@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""Tables (Markdown) and a chart (SVG) of what compare.py measured.
+
+report.py OUT    makes OUT/table.md and OUT/chart.svg from OUT/results.json again
+"""
+import json
+import pathlib
+import sys
+
+NAMES = {
+    "bytes": "this library",
+    "lines": "line by line",
+    "tinyobj": "tinyobjloader + meshoptimizer",
+    "assimp": "Assimp",
+}
+COLOURS = {"bytes": "#1b7837", "lines": "#999999", "tinyobj": "#2166ac", "assimp": "#b2182b"}
+
+
+def line(result):
+    own = result["contestants"]["bytes"]
+    parts = [f"{result['model']} {result['size']} MB: {own['cpuMinimum']:.1f} ms"]
+    parts += [f"{name} x{other['cpuMinimum'] / own['cpuMinimum']:.1f}"
+              for name, other in result["contestants"].items() if name != "bytes"]
+    return ", ".join(parts + result["remarks"])
+
+
+def table(results):
+    rows = ["| file | contestant | wall median | CPU median | CPU minimum | ratio | peak memory |"
+            " memory / file |",
+            "|---|---|--:|--:|--:|--:|--:|--:|"]
+    for result in results["files"]:
+        own = result["contestants"]["bytes"]
+        for name, r in result["contestants"].items():
+            rows.append(
+                f"| {result['model']}, {result['bytes'] / 1e6:.0f} MB | {NAMES[name]} "
+                f"| {r['wallMedian']:,.1f} | {r['cpuMedian']:,.1f} | {r['cpuMinimum']:,.1f} "
+                f"| {r['cpuMinimum'] / own['cpuMinimum']:.1f} | {r['peakMB']:,.0f} "
+                f"| {r['peakMB'] * 1e6 / result['bytes']:.2f} |")
+    return rows
+
+
+def stage_table(results):
+    rows = ["| file | MB/s | ns per byte | read | weld | triangulate | normals | driver (CPU) |",
+            "|---|--:|--:|--:|--:|--:|--:|--:|"]
+    for result in results["files"]:
+        own = result["contestants"]["bytes"]
+        stages = own["stages"]
+        rows.append(
+            f"| {result['model']}, {result['bytes'] / 1e6:.0f} MB "
+            f"| {result['bytes'] / 1e3 / own['cpuMinimum']:,.0f} "
+            f"| {1e6 * own['cpuMinimum'] / result['bytes']:.2f} "
+            f"| {stages['read']:.1f} | {stages['weld']:.1f} | {stages['triangulate']:.1f} "
+            f"| {stages['normals']:.1f} | {own['driverCPU']:.1f} |")
+    return rows
+
+
+def chart(results):
+    """Milliseconds of CPU per megabyte of file, on a logarithmic scale."""
+    import math
+    bar, gap, left, width = 14, 14, 170, 760
+    largest = {}
+    for result in results["files"]:
+        largest[(result["model"], result["size"])] = result
+    groups = list(largest.values())
+    values = [1e6 * r["cpuMinimum"] / g["bytes"] for g in groups
+              for r in g["contestants"].values()]
+    low, high = 10 ** math.floor(math.log10(min(values))), max(values) * 1.6
+
+    def x(value):
+        return left + (width - left - 60) * math.log(value / low) / math.log(high / low)
+
+    parts, y = [], 52
+    for group in groups:
+        top = y
+        for name, r in group["contestants"].items():
+            value = 1e6 * r["cpuMinimum"] / group["bytes"]
+            parts.append(f'<rect x="{left}" y="{y}" width="{x(value) - left:.1f}" '
+                         f'height="{bar - 2}" fill="{COLOURS[name]}"/>')
+            parts.append(f'<text x="{x(value) + 4:.1f}" y="{y + 10}">{value:.1f}</text>')
+            y += bar
+        parts.append(f'<text x="{left - 8}" y="{(top + y) / 2 + 3}" text-anchor="end">'
+                     f'{group["model"]}, {group["bytes"] / 1e6:.0f} MB</text>')
+        y += gap
+    lines = []
+    tick = low
+    while tick < high:
+        lines.append(f'<line x1="{x(tick):.1f}" x2="{x(tick):.1f}" y1="46" y2="{y}" '
+                     'stroke="#ccc"/>')
+        lines.append(f'<text x="{x(tick):.1f}" y="{y + 12}" text-anchor="middle">{tick:g}</text>')
+        tick *= 10
+    legend, at = [], left
+    for name in NAMES:
+        if any(name in g["contestants"] for g in groups):
+            legend.append(f'<rect x="{at}" y="26" width="10" height="10" fill="{COLOURS[name]}"/>')
+            legend.append(f'<text x="{at + 14}" y="35">{NAMES[name]}</text>')
+            at += 34 + 6.2 * len(NAMES[name])
+    return "\n".join(
+        [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {y + 20}" '
+         'font-family="sans-serif" font-size="11">',
+         f'<rect width="{width}" height="{y + 20}" fill="white"/>',
+         '<text x="8" y="16" font-size="13">File to arrays ready for upload: '
+         'CPU nanoseconds per byte (logarithmic; less is better)</text>']
+        + legend + lines + parts + ["</svg>", ""])
+
+
+def write(results, out):
+    text = table(results) + [""] + stage_table(results) + [""]
+    if results["small"]:
+        text += ["| small file | kB | load without the driver, ms | with it, ms |",
+                 "|---|--:|--:|--:|"]
+        text += [f"| {s['file']} | {s['bytes'] / 1e3:.0f} | {s['own']:.2f} | {s['all']:.2f} |"
+                 for s in results["small"]]
+        text.append("")
+    for result in results["files"]:
+        text += [f"* {result['model']}, {result['size']} MB: {remark}"
+                 for remark in result["remarks"]]
+    text += ["", "Machine: {cpu}, {cores} cores. Load average while measuring: "
+             .format(**results["machine"]) + " to ".join(f"{load:.1f}" for load in results["load"])]
+    (out / "table.md").write_text("\n".join(text) + "\n", encoding="utf-8")
+    (out / "chart.svg").write_text(chart(results), encoding="utf-8")
+
+
+if __name__ == "__main__":
+    folder = pathlib.Path(sys.argv[1])
+    write(json.loads((folder / "results.json").read_text(encoding="utf-8")), folder)
