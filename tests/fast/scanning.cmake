@@ -6,6 +6,7 @@ foreach(variant scan portable_scan)
   add_library(orv_${variant} STATIC
     ${scan_dir}/FaceGrouping.cpp
     ${scan_dir}/FaceLines.cpp
+    ${scan_dir}/LargeMemory.cpp
     ${scan_dir}/LineChunks.cpp
     ${scan_dir}/LineDecoding.cpp
     ${scan_dir}/LineReading.cpp

@@ -51,6 +51,20 @@ public:
     }
     void commit(size_t count) { _size += count; }
 
+    /// Makes room for `count` elements in all, so that growing up to there moves
+    /// nothing. Does nothing where so much memory is not to be had.
+    void tryReserve(size_t count)
+    {
+        if (count <= _capacity || count > static_cast<size_t>(-1) / sizeof(T))
+            return;
+        if (void *moved = std::realloc(_data, count * sizeof(T))) {
+            _data = static_cast<T *>(moved);
+            _capacity = count;
+        }
+    }
+
+    size_t capacity() const { return _capacity; }
+
     void append(T value)
     {
         *reserveMore(1) = value;
