@@ -41,7 +41,30 @@ struct Model
     int positions = 0;
     int texCoords = 0;
     int normals = 0;
+    /// What the line reader makes of `values`.
+    std::vector<float> positionFloats;
+    std::vector<float> texCoordFloats;
+    std::vector<float> normalFloats;
 };
+
+void readValues(Model &model)
+{
+    QTextStream stream(&model.values, QIODevice::ReadOnly);
+    for (OBJReader reader(stream); reader.valid(); reader.next()) {
+        reader.parseLine();
+        const float *const value = reader.getV();
+        const int type = reader.getLineType();
+        if (type == OBJReader::LINE_V)
+            model.positionFloats.insert(model.positionFloats.end(), value, value + 3);
+        else if (type == OBJReader::LINE_VT)
+            model.texCoordFloats.insert(model.texCoordFloats.end(), value, value + 2);
+        else if (type == OBJReader::LINE_VN)
+            model.normalFloats.insert(model.normalFloats.end(), value, value + 3);
+    }
+    model.positions = static_cast<int>(model.positionFloats.size() / 3);
+    model.texCoords = static_cast<int>(model.texCoordFloats.size() / 2);
+    model.normals = static_cast<int>(model.normalFloats.size() / 3);
+}
 
 Model readModel(const QString &fileName)
 {
@@ -56,17 +79,14 @@ Model readModel(const QString &fileName)
     file.seek(0);
     QTextStream stream(&file);
     for (OBJReader reader(stream); reader.valid(); reader.next()) {
-        const int type = reader.getLineType();
-        model.positions += type == OBJReader::LINE_V ? 1 : 0;
-        model.texCoords += type == OBJReader::LINE_VT ? 1 : 0;
-        model.normals += type == OBJReader::LINE_VN ? 1 : 0;
-        if (type != OBJReader::LINE_F || !reader.parseLine())
+        if (reader.getLineType() != OBJReader::LINE_F || !reader.parseLine())
             continue;
         std::vector<OBJReader::Vertex> face;
         for (int i = 0; i < reader.getNumVertices(); ++i)
             face.push_back(reader.getVertex(i));
         model.faces.push_back(face);
     }
+    readValues(model);
     return model;
 }
 
@@ -86,9 +106,7 @@ Model sheet(int side, int cornersPerFace, bool withTexCoords, bool withNormals)
             model.values += withNormals ? line : "";
         }
     }
-    model.positions = (side + 1) * (side + 1);
-    model.texCoords = withTexCoords ? model.positions : 0;
-    model.normals = withNormals ? model.positions : 0;
+    readValues(model);
     const auto corner = [&](int i, int j) {
         const int index = i * (side + 1) + j;
         return OBJReader::Vertex{index, withNormals ? index : int(OBJReader::AbsentIndex),
@@ -150,12 +168,16 @@ int writeCopies(const Model &model, QFile &file)
     return copies;
 }
 
-bool isCopy(const GrowArray<float> &values, size_t copies)
+/// Whether `values` are `copies` times the floats of one copy.
+bool areCopies(const GrowArray<float> &values, const std::vector<float> &copy, int copies)
 {
-    const size_t size = values.size() / copies;
-    return values.size() == size * copies &&
-           std::memcmp(values.data(), values.data() + (copies - 1) * size, size * sizeof(float)) ==
-               0;
+    if (values.size() != copy.size() * static_cast<size_t>(copies))
+        return false;
+    for (size_t i = 0; i < values.size(); i += copy.size()) {
+        if (std::memcmp(values.data() + i, copy.data(), copy.size() * sizeof(float)) != 0)
+            return false;
+    }
+    return true;
 }
 
 /// Whether every copy of the model is there, and the faces of the first and the
@@ -163,12 +185,10 @@ bool isCopy(const GrowArray<float> &values, size_t copies)
 bool isRight(const OBJGeometry &geometry, const Model &model, int copies)
 {
     const auto count = static_cast<size_t>(copies);
-    if (geometry.positions.valueCount() != count * static_cast<size_t>(model.positions) ||
-        geometry.texCoords.valueCount() != count * static_cast<size_t>(model.texCoords) ||
-        geometry.normals.valueCount() != count * static_cast<size_t>(model.normals) ||
-        geometry.faceCount() != count * model.faces.size() ||
-        !isCopy(geometry.positions.values, count) || !isCopy(geometry.texCoords.values, count) ||
-        !isCopy(geometry.normals.values, count))
+    if (geometry.faceCount() != count * model.faces.size() ||
+        !areCopies(geometry.positions.values, model.positionFloats, copies) ||
+        !areCopies(geometry.texCoords.values, model.texCoordFloats, copies) ||
+        !areCopies(geometry.normals.values, model.normalFloats, copies))
         return false;
     for (const int copy : {0, copies - 1}) {
         size_t at = geometry.cornerCount / count * static_cast<size_t>(copy);

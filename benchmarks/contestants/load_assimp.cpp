@@ -31,7 +31,8 @@ int main(int argc, char *argv[])
     std::vector<unsigned> indices;
     for (unsigned m = 0; m < scene->mNumMeshes; ++m) {
         const aiMesh &mesh = *scene->mMeshes[m];
-        if (mesh.mPrimitiveTypes != aiPrimitiveType_TRIANGLE)
+        if (!(mesh.mPrimitiveTypes &
+              aiPrimitiveType_TRIANGLE)) // beside it, what polygons they were
             continue;
         const auto first = static_cast<unsigned>(measured.vertices);
         indices.reserve(indices.size() + 3 * size_t(mesh.mNumFaces));

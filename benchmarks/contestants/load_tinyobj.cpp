@@ -30,8 +30,7 @@ struct Arrays
 void append(std::vector<float> &to, const std::vector<float> &values, int index, size_t components)
 {
     static const float Zeros[3] = {};
-    const float *from =
-        index < 0 ? Zeros : values.data() + components * static_cast<size_t>(index);
+    const float *from = index < 0 ? Zeros : values.data() + components * static_cast<size_t>(index);
     to.insert(to.end(), from, from + components);
 }
 
@@ -47,8 +46,8 @@ Arrays cornersByMaterial(const tinyobj::ObjReader &reader)
     arrays.normals.reserve(attributes.normals.empty() ? 0 : 3 * corners);
     arrays.texCoords.reserve(attributes.texcoords.empty() ? 0 : 2 * corners);
     const int materials = static_cast<int>(reader.GetMaterials().size());
-    std::vector<std::vector<const tinyobj::index_t *>> triangles(
-        static_cast<size_t>(materials) + 1);
+    std::vector<std::vector<const tinyobj::index_t *>> triangles(static_cast<size_t>(materials) +
+                                                                 1);
     for (const tinyobj::shape_t &shape : reader.GetShapes()) {
         for (size_t face = 0; face < shape.mesh.num_face_vertices.size(); ++face) {
             const int material = shape.mesh.material_ids[face];
@@ -90,9 +89,8 @@ void weld(Arrays &arrays)
     if (!arrays.texCoords.empty())
         streams.push_back({arrays.texCoords.data(), 2 * sizeof(float), 2 * sizeof(float)});
     std::vector<unsigned> table(corners);
-    const size_t vertices = meshopt_generateVertexRemapMulti(table.data(), nullptr, corners,
-                                                             corners, streams.data(),
-                                                             streams.size());
+    const size_t vertices = meshopt_generateVertexRemapMulti(
+        table.data(), nullptr, corners, corners, streams.data(), streams.size());
     remap(arrays.positions, 3, corners, vertices, table);
     remap(arrays.normals, 3, corners, vertices, table);
     remap(arrays.texCoords, 2, corners, vertices, table);
