@@ -109,7 +109,8 @@ public:
                      qPrintable(_file.fileName()));
             return fail(loadFailure(_file.fileName()));
         case OBJScanOutcome::NeedsLineReader:
-            _file.seek(0); // a pipe has nothing to go back to, and was not read
+            if (!_file.isSequential()) // a pipe cannot go back, and was not read
+                _file.seek(0);
             return byLines();
         }
         auto model = std::make_unique<GPUModel>();
