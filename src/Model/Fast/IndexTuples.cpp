@@ -7,6 +7,7 @@
 // grows no more, and further tuples of that position go into a hash table.
 #include "IndexTuples.h"
 
+#include "LargeMemory.h"
 #include "RowHash.h"
 #include "RowSlots.h"
 #include "ZeroedArray.h"
@@ -79,8 +80,7 @@ public:
     using Indices = std::array<quint32, Others>;
 
     /// Position, other indices, and 1 + the number of the next tuple in the chain.
-    /// A position alone has no use for the last.
-    static constexpr unsigned Stride = Others == 0 ? 1 : Others + 2;
+    static constexpr unsigned Stride = Others + 2;
 
     TupleChains(quint32 positionCount, quint32 cornerCount)
         : _heads(static_cast<size_t>(positionCount) + 1), _overflow(cornerCount)
@@ -91,23 +91,17 @@ public:
     quint32 find(quint32 position, const Indices &others)
     {
         quint32 &head = _heads[position];
-        if constexpr (Others == 0) {
-            if (head == 0)
-                head = 1 + append(position, others, 0);
-            return head - 1;
-        } else {
-            unsigned length = 0;
-            for (quint32 entry = head; entry != 0;) {
-                const quint32 *tuple = at(entry - 1);
-                if (std::equal(others.begin(), others.end(), tuple + 1))
-                    return entry - 1;
-                if (++length == FullLength)
-                    return findInOverflow(position, others);
-                entry = tuple[1 + Others];
-            }
-            head = 1 + append(position, others, head);
-            return head - 1;
+        unsigned length = 0;
+        for (quint32 entry = head; entry != 0;) {
+            const quint32 *tuple = at(entry - 1);
+            if (std::equal(others.begin(), others.end(), tuple + 1))
+                return entry - 1;
+            if (++length == FullLength)
+                return findInOverflow(position, others);
+            entry = tuple[1 + Others];
         }
+        head = 1 + append(position, others, head);
+        return head - 1;
     }
 
     GrowArray<quint32> takeWords() { return std::move(_words); }
@@ -125,8 +119,7 @@ private:
         quint32 *tuple = _words.reserveMore(Stride);
         tuple[0] = position;
         std::copy(others.begin(), others.end(), tuple + 1);
-        if constexpr (Others > 0)
-            tuple[1 + Others] = next;
+        tuple[1 + Others] = next;
         _words.commit(Stride);
         return _count++;
     }
@@ -244,6 +237,30 @@ private:
     std::vector<IndexCursor> _cursors;
 };
 
+/// Without other attributes: the positions in use.
+IndexTuples numberPositions(GrowArray<quint32> &corners, quint32 positionCount)
+{
+    ZeroedArray<quint32> numbersPlusOne(static_cast<size_t>(positionCount) + 1);
+    IndexTuples tuples = {1, {}};
+    quint32 *const positions = reserveLarge(tuples.words, static_cast<size_t>(positionCount) + 2);
+    quint32 count = 0;
+    quint32 *const end = corners.data() + corners.size();
+    for (quint32 *corner = corners.data(); corner != end; ++corner) {
+        const quint32 position = std::min(*corner, positionCount);
+        quint32 &numberPlusOne = numbersPlusOne[position];
+        // Whether a corner is the first at its position cannot be foreseen, so
+        // there is no branch: the next tuple is written in any case, and counted
+        // if it is one.
+        positions[count] = position;
+        const quint32 isNew = numberPlusOne == 0 ? 1 : 0;
+        count += isNew;
+        numberPlusOne |= count & (0 - isNew);
+        *corner = numberPlusOne - 1;
+    }
+    tuples.words.commit(count);
+    return tuples;
+}
+
 } // namespace
 
 IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount,
@@ -251,7 +268,7 @@ IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount
 {
     switch (others.size()) {
     case 0:
-        return CornerWalk<0>(corners, positionCount, others).run();
+        return numberPositions(corners, positionCount);
     case 1:
         return CornerWalk<1>(corners, positionCount, others).run();
     default:
