@@ -21,7 +21,6 @@ using Inspector = ModelBuilderInspector;
 namespace {
 
 constexpr unsigned typeOfFloat = 0x1406;
-constexpr unsigned typeOfUnsigned = 0x1405;
 
 QString defaultMaterial()
 {
