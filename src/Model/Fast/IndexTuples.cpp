@@ -82,9 +82,12 @@ public:
     /// Position, other indices, and 1 + the number of the next tuple in the chain.
     static constexpr unsigned Stride = Others + 2;
 
-    TupleChains(quint32 positionCount, quint32 cornerCount)
+    /// \param expectedCount tuples that there will probably be.
+    TupleChains(quint32 positionCount, quint32 cornerCount, size_t expectedCount)
         : _heads(static_cast<size_t>(positionCount) + 1), _overflow(cornerCount)
-    {}
+    {
+        reserveLarge(_words, expectedCount * Stride);
+    }
 
     void prefetch(quint32 position) const { __builtin_prefetch(_heads.data() + position); }
 
@@ -182,7 +185,8 @@ public:
     CornerWalk(GrowArray<quint32> &corners, quint32 positionCount,
                const std::vector<CornerIndices> &others)
         : _corners(corners), _positionCount(positionCount),
-          _chains(positionCount, static_cast<quint32>(corners.size()))
+          _chains(positionCount, static_cast<quint32>(corners.size()),
+                  expectedTuples(positionCount, others))
     {
         for (const CornerIndices &indices : others)
             _cursors.emplace_back(indices);
@@ -208,6 +212,16 @@ public:
 private:
     /// Corners ahead of which a chain's head is fetched.
     static constexpr size_t Ahead = 16;
+
+    /// Most values belong to one tuple only, so the largest number of values is
+    /// close to the number of tuples.
+    static size_t expectedTuples(size_t positionCount, const std::vector<CornerIndices> &others)
+    {
+        size_t largest = positionCount;
+        for (const CornerIndices &indices : others)
+            largest = std::max<size_t>(largest, indices.valueCount);
+        return largest + largest / 8;
+    }
 
     void walk(size_t begin, size_t end)
     {

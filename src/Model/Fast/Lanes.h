@@ -3,15 +3,20 @@
 ///
 /// These are the compiler's own vectors: every operation on them is the IEEE
 /// operation on each lane, so what is computed in lanes has the bits of what is
-/// computed one by one, on every machine.
+/// computed one by one, on every machine. ORV_PORTABLE_LANES does without the
+/// machine's own instructions altogether.
 #pragma once
+
+#if defined(__SSE2__) && !defined(ORV_PORTABLE_LANES)
+#define ORV_SSE2_LANES
+#endif
 
 #include <QtCore/QtGlobal>
 
 #include <cmath>
 #include <cstring>
 
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
 #include <emmintrin.h>
 #endif
 
@@ -47,47 +52,40 @@ inline void storeTwo(float *floats, Float2 value)
 /// One bit per lane, lane 0 the lowest.
 inline unsigned lanesOf(Mask4 mask)
 {
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
     return static_cast<unsigned>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
 #else
-    return (mask[0] & 1u) | (mask[1] & 2u) | (mask[2] & 4u) | (mask[3] & 8u);
-#endif
-}
-
-inline unsigned lanesOf(Mask2 mask)
-{
-#ifdef __SSE2__
-    return static_cast<unsigned>(_mm_movemask_pd(reinterpret_cast<__m128d>(mask)));
-#else
-    return static_cast<unsigned>((mask[0] & 1) | (mask[1] & 2));
+    return (mask[0] != 0 ? 1u : 0u) | (mask[1] != 0 ? 2u : 0u) | (mask[2] != 0 ? 4u : 0u) |
+           (mask[3] != 0 ? 8u : 0u);
 #endif
 }
 
 inline Float4 squareRoot(Float4 value)
 {
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
     return _mm_sqrt_ps(value);
 #else
-    return {std::sqrt(value[0]), std::sqrt(value[1]), std::sqrt(value[2]), std::sqrt(value[3])};
+    return Float4{std::sqrt(value[0]), std::sqrt(value[1]), std::sqrt(value[2]),
+                  std::sqrt(value[3])};
 #endif
 }
 
 inline Double2 squareRoot(Double2 value)
 {
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
     return _mm_sqrt_pd(value);
 #else
-    return {std::sqrt(value[0]), std::sqrt(value[1])};
+    return Double2{std::sqrt(value[0]), std::sqrt(value[1])};
 #endif
 }
 
 /// Lanes 0 and 1.
 inline Double2 lowerDoubles(Float4 value)
 {
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
     return _mm_cvtps_pd(value);
 #else
-    return {static_cast<double>(value[0]), static_cast<double>(value[1])};
+    return Double2{static_cast<double>(value[0]), static_cast<double>(value[1])};
 #endif
 }
 
@@ -100,11 +98,11 @@ inline Double2 upperDoubles(Float4 value)
 /// Each double rounded to the nearest float.
 inline Float4 toFloats(Double2 lower, Double2 upper)
 {
-#ifdef __SSE2__
+#ifdef ORV_SSE2_LANES
     return _mm_movelh_ps(_mm_cvtpd_ps(lower), _mm_cvtpd_ps(upper));
 #else
-    return {static_cast<float>(lower[0]), static_cast<float>(lower[1]),
-            static_cast<float>(upper[0]), static_cast<float>(upper[1])};
+    return Float4{static_cast<float>(lower[0]), static_cast<float>(lower[1]),
+                  static_cast<float>(upper[0]), static_cast<float>(upper[1])};
 #endif
 }
 

@@ -1,0 +1,48 @@
+# From arrays to what is uploaded, with the machine's own vector instructions and
+# without them, which must give the same results.
+
+set(model_dir ${PROJECT_SOURCE_DIR}/src/Model)
+
+# The library's objects as an archive: a program takes those from it that it does not
+# bring along itself.
+add_library(orv_model_archive STATIC $<TARGET_OBJECTS:OrvModelObjects>)
+target_include_directories(orv_model_archive PUBLIC ${model_dir} ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(orv_model_archive PUBLIC Orv::Core Orv::GL Qt5::Core Qt5::Gui)
+set_target_properties(orv_model_archive PROPERTIES LINKER_LANGUAGE CXX)
+
+add_library(orv_portable_lanes OBJECT
+  ${model_dir}/Fast/CornerWelding.cpp
+  ${model_dir}/Fast/FaceTriangles.cpp
+  ${model_dir}/Fast/IndexTuples.cpp
+  ${model_dir}/Fast/VertexNormalSums.cpp
+  ${model_dir}/RowWelding.cpp)
+orv_target(orv_portable_lanes)
+target_compile_definitions(orv_portable_lanes PUBLIC ORV_PORTABLE_LANES PRIVATE ORVMODEL_BUILD)
+target_include_directories(orv_portable_lanes PUBLIC ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(orv_portable_lanes PUBLIC Orv::Core Orv::GL Qt5::Core Qt5::Gui)
+
+# orv_add_prepare_test(NAME [SOURCE...]): NAME.cpp with either kind of lanes.
+function(orv_add_prepare_test name)
+  foreach(test ${name} Portable${name})
+    add_executable(${test} ${name}.cpp ${ARGN})
+    orv_target(${test})
+    if(NOT test STREQUAL name)
+      target_link_libraries(${test} PRIVATE orv_portable_lanes)
+    endif()
+    target_link_libraries(${test} PRIVATE orv_model_archive orv_test_support)
+    add_test(NAME ${test} COMMAND ${test})
+    set_tests_properties(${test} PROPERTIES TIMEOUT 120)
+    if(ORV_SANITIZE MATCHES "address")
+      set_tests_properties(${test} PROPERTIES ENVIRONMENT
+        "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+    endif()
+  endforeach()
+endfunction()
+
+set(PLAIN_MODEL PlainModel.cpp ../support/RandomRings.cpp)
+orv_add_prepare_test(CornerWeldingTest ${PLAIN_MODEL})
+orv_add_prepare_test(OwnedStreamTest)
+orv_add_prepare_test(PrepareGeometryTest ${PLAIN_MODEL})
+orv_add_prepare_test(RowWeldingTest ../support/RandomRings.cpp)
+orv_add_prepare_test(VertexNormalsTest ../support/PlainGeometry.cpp ../support/RandomRings.cpp)
+orv_add_prepare_test(WindingTest ../support/RandomRings.cpp)
