@@ -24,7 +24,10 @@ target_compile_definitions(orv_build_rules INTERFACE
 
 if(ORV_SANITIZE)
   target_compile_options(orv_build_rules INTERFACE
-    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # GCC loses track of initialisation in instrumented code and warns of the
+    # standard library's own headers. The release build keeps the warning.
+    -Wno-maybe-uninitialized)
   target_link_options(orv_build_rules INTERFACE -fsanitize=${ORV_SANITIZE})
 endif()
 

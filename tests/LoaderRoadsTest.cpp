@@ -19,7 +19,6 @@
 
 #include <map>
 #include <memory>
-#include <regex>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
@@ -46,7 +45,8 @@ struct Outcome
 /// The statistics line begins with the address of a builder, which differs.
 void forgetAddress(Message &message)
 {
-    message.text = std::regex_replace(message.text, std::regex("^0x[0-9a-f]+"), "ADDRESS");
+    if (message.text.rfind("0x", 0) == 0)
+        message.text.erase(0, message.text.find(' '));
 }
 
 void readBundle(GPUModel &model, Outcome &outcome)
