@@ -41,6 +41,7 @@ endfunction()
 
 set(PLAIN_MODEL PlainModel.cpp ../support/RandomRings.cpp)
 orv_add_prepare_test(CornerWeldingTest ${PLAIN_MODEL})
+orv_add_prepare_test(FaceTrianglesTest ../support/RandomRings.cpp)
 orv_add_prepare_test(OwnedStreamTest)
 orv_add_prepare_test(PrepareGeometryTest ${PLAIN_MODEL})
 orv_add_prepare_test(RowWeldingTest ../support/RandomRings.cpp)

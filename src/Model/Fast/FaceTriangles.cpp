@@ -34,23 +34,64 @@ Q_ALWAYS_INLINE Points4 loadCorners(const quint32 *corners, unsigned i, const fl
     return transposed(loadOf(0), loadOf(1), loadOf(2), loadOf(3));
 }
 
+/// Sums over so few corner counts that they fit 16 bits in each lane.
+struct ByteBlock
+{
+    static constexpr size_t MaxCount = 16 * 127;
+
+    ByteBlock(const quint8 *bytes, size_t count)
+    {
+        using Bytes = quint8 __attribute__((vector_size(16)));
+        using Shorts = quint16 __attribute__((vector_size(16)));
+        const auto added = [](Bytes values) {
+            const auto pairs = reinterpret_cast<Shorts>(values);
+            return (pairs & 0xff) + (pairs >> 8);
+        };
+        Shorts sums = {};
+        Shorts sumsAboveTwo = {};
+        auto above = reinterpret_cast<Bytes>(sums);
+        const auto take = [&](const Bytes &values) {
+            sums += added(values);
+            sumsAboveTwo += added((values - 2) & reinterpret_cast<Bytes>(values > 2));
+            above |= reinterpret_cast<Bytes>(values > 3);
+        };
+        Bytes values = {};
+        const quint8 *const end = bytes + count / sizeof values * sizeof values;
+        for (; bytes != end; bytes += sizeof values) {
+            std::memcpy(&values, bytes, sizeof values);
+            take(values);
+        }
+        values = Bytes{};
+        std::memcpy(&values, bytes, count % sizeof values);
+        take(values);
+        for (unsigned lane = 0; lane < 8; ++lane) {
+            sum += sums[lane];
+            sumAboveTwo += sumsAboveTwo[lane];
+            hasAboveThree |= above[2 * lane] != 0 || above[2 * lane + 1] != 0;
+        }
+    }
+
+    quint32 sum = 0;
+    quint32 sumAboveTwo = 0; ///< of what each count is above 2
+    bool hasAboveThree = false;
+};
+
 } // namespace
 
 FaceSums::FaceSums(const CornerCounts &counts)
 {
-    const auto add = [this](quint64 count) {
-        corners += count;
-        triangles += count < 3 ? 0 : count - 2;
-    };
-    quint8 largest = 0;
-    for (size_t face = 0; face < counts.small.size(); ++face) {
-        const quint8 count = counts.small[face];
-        largest = std::max(largest, count);
-        add(count == CornerCounts::Escape ? 0 : count);
+    for (size_t first = 0; first < counts.small.size(); first += ByteBlock::MaxCount) {
+        const size_t count = std::min(counts.small.size() - first, ByteBlock::MaxCount);
+        const ByteBlock block(counts.small.data() + first, count);
+        corners += block.sum;
+        triangles += block.sumAboveTwo;
+        hasLargerThanTriangles |= block.hasAboveThree;
     }
-    for (size_t i = 0; i < counts.large.size(); ++i)
-        add(counts.large[i]);
-    hasLargerThanTriangles = largest > 3;
+    // Escapes were counted as what they are as bytes.
+    for (size_t i = 0; i < counts.large.size(); ++i) {
+        corners += counts.large[i] - quint64(CornerCounts::Escape);
+        triangles += counts.large[i] - quint64(CornerCounts::Escape);
+    }
 }
 
 FaceTriangles::FaceTriangles(const CornerCounts &counts, const quint32 *corners,

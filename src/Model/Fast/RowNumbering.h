@@ -29,7 +29,9 @@ quint32 numberRows(Rows &rows, quint32 rowCount, quint32 *numbers)
     constexpr quint32 Ahead = 32;
     quint64 hashes[Ahead];
     RowSlots table(rowCount, rowCount);
-    const auto lookAhead = [&](quint32 row) {
+    // Inlined by force: it stands in two places, and one call a row is felt.
+    const auto lookAhead = [&](quint32 row) __attribute__((always_inline))
+    {
         if (rowCount - row > Ahead)
             rows.prefetch(row + Ahead);
         const quint64 hash = rows.hash(row);

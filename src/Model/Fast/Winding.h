@@ -72,7 +72,7 @@ struct Windings
 /// \param s sum of the cross products of successive positions.
 /// \param area area vector.
 /// \param extent D2.
-inline Windings windings(const Points4 &s, const Points4 &area, Float4 extent)
+Q_ALWAYS_INLINE Windings windings(const Points4 &s, const Points4 &area, Float4 extent)
 {
     constexpr float CertainAngle = 0x1p-13f;
     constexpr float LargestNullSquare = 0.99e-12f;
@@ -93,7 +93,7 @@ inline Windings windings(const Points4 &s, const Points4 &area, Float4 extent)
 }
 
 /// Windings of four triangles, given by their corners.
-inline Windings triangleWindings(const Points4 &p0, const Points4 &p1, const Points4 &p2)
+Q_ALWAYS_INLINE Windings triangleWindings(const Points4 &p0, const Points4 &p1, const Points4 &p2)
 {
     const Points4 s = cross(p2, p0) + cross(p0, p1) + cross(p1, p2);
     const Points4 d1 = p1 - p0;
@@ -104,7 +104,7 @@ inline Windings triangleWindings(const Points4 &p0, const Points4 &p1, const Poi
 /// Windings of four quads. A triangle may stand among them with its last corner
 /// twice: that adds p x p = 0 to s and to the area, and makes the test stricter by
 /// counting twice in the extent.
-inline Windings quadWindings(const Points4 &p0, const Points4 &p1, const Points4 &p2,
+Q_ALWAYS_INLINE Windings quadWindings(const Points4 &p0, const Points4 &p1, const Points4 &p2,
                              const Points4 &p3)
 {
     const Points4 s = cross(p3, p0) + cross(p0, p1) + cross(p1, p2) + cross(p2, p3);
