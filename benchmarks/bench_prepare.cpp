@@ -9,6 +9,7 @@
 //
 // The counters are the best CPU milliseconds of each stage.
 #include <Model/Fast/CornerWelding.h>
+#include <Model/Fast/FaceSums.h>
 #include <Model/Fast/FaceTriangles.h>
 #include <Model/Fast/PreparedModel.h>
 #include <Model/LoadReport.h>

@@ -1,4 +1,5 @@
 #include "Fast/FaceTriangles.h"
+#include "Fast/FaceSums.h"
 
 #include "FaceTriangulation.h"
 

@@ -106,13 +106,16 @@ TEST(RowWeldingTest, manyRows)
 
 TEST(RowSlotsTest, findsRowsOfEqualHashesByComparing)
 {
-    // All rows collide in everything that the table looks at.
-    RowSlots table(1000, 100);
-    for (quint32 row = 0; row < 100; ++row) {
-        const quint32 key = row % 60;
-        const quint32 number =
-            table.findOrInsert(0, row, [&](quint32 known) { return known % 60 == key; });
-        EXPECT_EQ(number, key);
+    // All rows collide in everything that the table looks at, at its begin and at
+    // its end, from where the search goes on at the begin.
+    for (const quint64 hash : {quint64(0), ~quint64(0)}) {
+        RowSlots table(1000, 100);
+        for (quint32 row = 0; row < 100; ++row) {
+            const quint32 key = row % 60;
+            const quint32 number =
+                table.findOrInsert(hash, row, [&](quint32 known) { return known % 60 == key; });
+            EXPECT_EQ(number, key);
+        }
     }
 }
 

@@ -12,17 +12,6 @@
 
 namespace Halvard::Orv {
 
-/// What is to be known of a model's faces before they are triangulated.
-struct FaceSums
-{
-    explicit FaceSums(const CornerCounts &counts);
-
-    quint64 corners = 0;
-    /// Triangles that the faces give at most: those that cannot be cut give none.
-    quint64 triangles = 0;
-    bool hasLargerThanTriangles = false;
-};
-
 /// Cuts runs of faces into triangles, as FaceTriangulation does one by one, and
 /// with its messages; hands the triangles on to the vertex normals.
 class FaceTriangles

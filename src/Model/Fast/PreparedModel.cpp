@@ -14,6 +14,7 @@
 #include "../LoadReport.h"
 #include "../RowWelding.h"
 #include "CornerWelding.h"
+#include "FaceSums.h"
 #include "FaceTriangles.h"
 #include "LargeMemory.h"
 #include "OwnedStream.h"

@@ -105,7 +105,7 @@ Q_ALWAYS_INLINE Windings triangleWindings(const Points4 &p0, const Points4 &p1, 
 /// twice: that adds p x p = 0 to s and to the area, and makes the test stricter by
 /// counting twice in the extent.
 Q_ALWAYS_INLINE Windings quadWindings(const Points4 &p0, const Points4 &p1, const Points4 &p2,
-                             const Points4 &p3)
+                                      const Points4 &p3)
 {
     const Points4 s = cross(p3, p0) + cross(p0, p1) + cross(p1, p2) + cross(p2, p3);
     const Points4 d1 = p1 - p0;
