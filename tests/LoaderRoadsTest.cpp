@@ -154,7 +154,7 @@ TEST_F(LoaderRoadsTest, AgreeOnOddFiles)
         {"a polygon that crosses itself",
          "v 0 0 0\nv 4 4 0\nv 4 0 0\nv 0 4 0\nv 2 5 0\nv 1 1 0\nf 1 2 3 4 5 6\n"},
         {"UTF-8 with a mark", "\xEF\xBB\xBFv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl \xC3\xA9\nf 1 2 3\n"},
-        {"UTF-16", QByteArray("\xFF\xFEv\0 \0001\0 \0002\0 \0003\0\n\0f\0 \0001\0\n\0", 28)},
+        {"UTF-16", QByteArray("\xFF\xFEv\0 \0001\0 \0002\0 \0003\0\n\0f\0 \0001\0\n\0", 26)},
         {"blanks beyond ASCII", "v\xC2\xA0"
                                 "1 2\xE3\x80\x80"
                                 "3\nf 1 1 1\n"},
