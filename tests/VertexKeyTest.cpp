@@ -1,3 +1,5 @@
+#include "../src/Model/CornerHash.h"
+
 #include <OrvModel/VertexKey.h>
 
 #include <gtest/gtest.h>
@@ -7,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 namespace OrvTest {
 namespace {
@@ -73,6 +76,35 @@ TEST_F(VertexKeyTest, qHashIsThePrecomputedHash)
 {
     for (const unsigned hash : {0u, 1u, 0x9E3779B9u, 0xFFFFFFFFu})
         EXPECT_EQ(qHash(key(0, hash)), hash);
+}
+
+// h becomes h ^ ((h << 6) + (h >> 2) + 0x9E3779B9 + index), attribute by attribute.
+TEST_F(VertexKeyTest, theHashOfATupleCombinesItsIndicesInTheirOrder)
+{
+    const auto hashOf = [](std::initializer_list<unsigned> tuple) {
+        QVector<const unsigned *> list;
+        for (const unsigned &index : tuple)
+            list.append(&index);
+        return Halvard::Orv::hashOfCorner(list, 0);
+    };
+    EXPECT_EQ(hashOf({}), 0u);
+    // 0 ^ (0 + 0 + 0x9E3779B9 + 0)
+    EXPECT_EQ(hashOf({0}), 0x9E3779B9u);
+    EXPECT_EQ(hashOf({7}), 0x9E3779C0u);
+    // 0x9E3779B9 + 0x61C88647 = 2^32: the second summand of the next line is all there is.
+    EXPECT_EQ(hashOf({0x61C88647u}), 0u);
+    EXPECT_EQ(hashOf({0x61C88647u, 5}), 0x9E3779BEu);
+    // 0x9E3779BA << 6 = 0x8DDE6E80 in 32 bits, >> 2 = 0x278DDE6E; with the constant and 2
+    // they add up to 0x53A3C6A9, and 0x9E3779BA ^ 0x53A3C6A9 = 0xCD94BF13.
+    EXPECT_EQ(hashOf({1, 2}), 0xCD94BF13u);
+    EXPECT_NE(hashOf({2, 1}), hashOf({1, 2}));
+}
+
+TEST_F(VertexKeyTest, theHashOfACornerIsThatOfItsIndices)
+{
+    const unsigned corner1[] = {8, 1};
+    const QVector<const unsigned *> tuple{corner1, corner1 + 1};
+    EXPECT_EQ(Halvard::Orv::hashOfCorner(streams, 1), Halvard::Orv::hashOfCorner(tuple, 0));
 }
 
 TEST_F(VertexKeyTest, worksAsAHashTableKey)

@@ -3,6 +3,7 @@
 #include <OrvModel/OBJReader.h>
 #include <OrvModel/VertexKey.h>
 
+#include "CornerHash.h"
 #include "LoadReport.h"
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -94,15 +95,6 @@ private:
     const char *_values = nullptr;
     unsigned long _valueCount = 0;
 };
-
-/// Golden-ratio combination of a corner's indices, as in D. James' hash_combine.
-unsigned hashOfCorner(const IndexList &indexList, unsigned corner)
-{
-    unsigned hash = 0;
-    for (const unsigned *indices : indexList)
-        hash ^= (hash << 6) + (hash >> 2) + 0x9E3779B9u + indices[corner];
-    return hash;
-}
 
 /// GPU vertices as corners: which corner each one is taken from, and which one
 /// each corner uses. Without lists, every corner is a GPU vertex of its own.
