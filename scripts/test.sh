@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Builds everything, with warnings as errors, and runs every test: first the release
-# build, then one under the address and undefined-behaviour sanitizers.
+# build, then the tests of concurrent use under the thread sanitizer, then every test
+# under the address and undefined-behaviour sanitizers.
 #
 #     scripts/test.sh
 #
 # Installs the packages that are missing first. Stops at the first build or test run that
 # fails, with a non-zero exit status; the last lines are always the summary of the last
-# test run. Builds in build/test-release and build/test-asan.
+# test run. Builds in build/test-release, build/test-tsan and build/test-asan.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -23,15 +24,19 @@ esac
 # A test that hangs is cut off long before it can hold up the whole run.
 test_timeout_s=300
 
-# build_and_test PRESET
-build_and_test() {
+# build_in PRESET [CMAKE_ARGUMENT...]: in build/test-PRESET.
+build_in() {
   local build_dir=$repository/build/test-$1
   say "$1: building in $build_dir"
   configure "$1" "$build_dir" -DORV_WERROR=ON -DORV_BUILD_TESTS=ON
-  build "$build_dir"
+  build "$build_dir" "${@:2}"
+}
+
+# test_in PRESET [CTEST_ARGUMENT...]
+test_in() {
   say "$1: testing"
-  ctest --test-dir "$build_dir" --output-on-failure --no-tests=error \
-    --parallel "$(job_count)" --timeout "$test_timeout_s"
+  ctest --test-dir "$repository/build/test-$1" --output-on-failure --no-tests=error \
+    --parallel "$(job_count)" --timeout "$test_timeout_s" "${@:2}"
 }
 
 bash "$repository/scripts/setup.sh" build test
@@ -46,7 +51,16 @@ fi
 # program runs it. A leak in the OpenGL driver is not ours to mend.
 export ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
 export UBSAN_OPTIONS=print_stacktrace=1
+export TSAN_OPTIONS=suppressions="'$repository/tests/support/tsan.supp'"
 export LSAN_OPTIONS=print_suppressions=0:suppressions="'$repository/tests/support/lsan.supp'"
 
-build_and_test release
-build_and_test asan
+build_in release
+test_in release
+
+# The library has no threads of its own: what its users may do at once is little, and
+# tested by few programs.
+build_in tsan --target orv_thread_tests
+test_in tsan --label-regex '^threads$'
+
+build_in asan
+test_in asan

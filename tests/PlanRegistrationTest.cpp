@@ -1,5 +1,6 @@
 // Whether and when the plans are registered can be seen only once per process:
 // this program has nothing but these tests, and they rely on their order.
+#include "support/AtOnce.h"
 #include "support/GLTest.h"
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
@@ -13,10 +14,7 @@
 #include <OrvCore/InstanceDataRegistry.h>
 #include <OrvGL/GPUModel.h>
 
-#include <atomic>
 #include <memory>
-#include <thread>
-#include <vector>
 
 namespace OrvTest {
 namespace {
@@ -30,24 +28,6 @@ using Halvard::Orv::ModelBuilder;
 int planCount(const char *name)
 {
     return InstanceDataRegistry::Instance().planCount(QLatin1String(name));
-}
-
-/// Runs `task` on several threads that start at nearly the same moment.
-template <typename Task>
-void runAtOnce(Task task)
-{
-    std::atomic<int> waiting{8};
-    std::vector<std::thread> threads;
-    for (int i = waiting; i > 0; --i) {
-        threads.emplace_back([&] {
-            --waiting;
-            while (waiting > 0)
-                std::this_thread::yield();
-            task();
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 class PlanRegistrationTest : public GLTest
@@ -68,7 +48,7 @@ TEST_F(PlanRegistrationTest, _2_theDefaultMaterialRegistersNothing)
 
 TEST_F(PlanRegistrationTest, _3_theFirstBuildersRegisterInstanceInfoOnce)
 {
-    runAtOnce([] { const ModelBuilder builder({}, 0); });
+    runAtOnce([](int) { const ModelBuilder builder({}, 0); });
     ASSERT_EQ(planCount("InstanceInfo"), 1);
     EXPECT_EQ(
         InstanceDataRegistry::Instance().plan(QStringLiteral("InstanceInfo"))->members().size(), 2);
@@ -104,7 +84,7 @@ TEST_F(PlanRegistrationTest, _6_theFirstLibrariesRegisterOBJMaterialOnce)
 {
     const TemporaryModel files;
     const QString path = files.write(QStringLiteral("empty.mtl"), QByteArray());
-    runAtOnce([&path] {
+    runAtOnce([&path](int) {
         ModelBuilder builder({}, 0);
         EXPECT_TRUE(loadMaterialsFromMTLFile(path, builder));
     });

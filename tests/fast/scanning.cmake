@@ -41,12 +41,7 @@ function(orv_add_scan_test name)
     add_executable(${test} ${name}.cpp ${ARGN})
     orv_target(${test})
     target_link_libraries(${test} PRIVATE orv_${variant} orv_scan_test_support)
-    add_test(NAME ${test} COMMAND ${test})
-    set_tests_properties(${test} PROPERTIES TIMEOUT 120)
-    if(ORV_SANITIZE MATCHES "address")
-      set_tests_properties(${test} PROPERTIES ENVIRONMENT
-        "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
-    endif()
+    orv_register_test(${test})
   endforeach()
 endfunction()
 

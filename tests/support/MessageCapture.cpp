@@ -1,7 +1,5 @@
 #include "MessageCapture.h"
 
-#include <QtCore/QMutexLocker>
-
 #include <atomic>
 #include <ostream>
 
@@ -52,7 +50,7 @@ MessageCapture::~MessageCapture()
 
 std::vector<Message> MessageCapture::messages() const
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     return _messages;
 }
 
@@ -68,7 +66,7 @@ std::vector<std::string> MessageCapture::texts(QtMsgType type) const
 
 void MessageCapture::clear()
 {
-    const QMutexLocker lock(&_mutex);
+    const std::lock_guard<std::mutex> lock(_mutex);
     _messages.clear();
 }
 
@@ -78,7 +76,7 @@ void MessageCapture::handle(QtMsgType type, const QMessageLogContext &context, c
     MessageCapture *capture = innermost;
     if (!capture)
         return;
-    const QMutexLocker lock(&capture->_mutex);
+    const std::lock_guard<std::mutex> lock(capture->_mutex);
     capture->_messages.push_back({type, text.toStdString()});
 }
 

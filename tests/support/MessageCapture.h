@@ -2,11 +2,11 @@
 /// What the code under test says through Qt's message logger.
 #pragma once
 
-#include <QtCore/QMutex>
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
 
 #include <iosfwd>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -40,7 +40,7 @@ public:
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
 
-    mutable QMutex _mutex;
+    mutable std::mutex _mutex; // Qt's own is invisible to the thread sanitizer
     std::vector<Message> _messages;
     MessageCapture *_outer;
     QtMessageHandler _previous;
