@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that this project needs, those that are missing only.
 #
-#     scripts/setup.sh [build] [test] [bench]
+#     scripts/setup.sh [build] [test] [bench] [coverage]
 #
-#   build    what compiling the libraries and the `orv` command line takes, and an
-#            OpenGL driver that runs without a graphics card or a display
-#   test     what the tests take beyond that
-#   bench    Google Benchmark, and the libraries that benchmarks/compare.sh measures
+#   build     what compiling the libraries and the `orv` command line takes, and an
+#             OpenGL driver that runs without a graphics card or a display
+#   test      what the tests take beyond that
+#   bench     Google Benchmark, and the libraries that benchmarks/compare.sh measures
+#   coverage  what scripts/coverage.sh counts with
 #
 # Without a name: build and test. Runs as root or through sudo; needs neither when nothing is
 # missing.
@@ -28,6 +29,7 @@ build_packages=(
 )
 test_packages=(libgtest-dev libgmock-dev)
 bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev python3)
+coverage_packages=(gcovr)
 
 is_installed() {
   [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
@@ -77,6 +79,7 @@ for group in "${@:-all}"; do
     build) wanted+=("${build_packages[@]}") ;;
     test) wanted+=("${test_packages[@]}") ;;
     bench) wanted+=("${bench_packages[@]}") ;;
+    coverage) wanted+=("${coverage_packages[@]}") ;;
     all) wanted+=("${build_packages[@]}" "${test_packages[@]}") ;;
     *) wrong_usage "no such group of packages: '$group'" ;;
   esac

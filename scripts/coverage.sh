@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Measures which lines and branches of src/Model the tests reach.
+#
+#     scripts/coverage.sh [CTEST_ARGUMENT...]
+#
+# Builds with counters, runs every test but those of the command line, and writes
+# lines.txt, branches.txt and, line by line, index.html to build/test-coverage/report.
+# Ends with a non-zero exit status when a test fails, and below 98 percent of the lines or
+# 90 percent of the branches. Branches that only exceptions take, and those the compiler
+# made where the source has none, do not count.
+#
+# Arguments go to ctest, for a part of the tests: scripts/coverage.sh -R MTL
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+case ${1-} in
+  -h | --help)
+    print_usage
+    exit 0
+    ;;
+esac
+
+least_lines=98
+least_branches=90
+
+build_dir=$repository/build/test-coverage
+report_dir=$build_dir/report
+json=$report_dir/coverage.json
+
+bash "$repository/scripts/setup.sh" build test coverage
+say "building in $build_dir"
+configure coverage "$build_dir" -DORV_BUILD_TESTS=ON -DORV_BUILD_APPS=OFF
+build "$build_dir"
+
+# Counters add up from run to run, and those of older objects would be counted too.
+find "$build_dir" -name '*.gcda' -delete
+say "testing"
+# Without optimisation the random models are slow, and the first hundreds reach all that they do.
+ORV_RANDOM_MODELS_COUNT=${ORV_RANDOM_MODELS_COUNT-500} \
+  ctest --test-dir "$build_dir" --output-on-failure --no-tests=error \
+  --parallel "$(job_count)" --timeout 600 "$@" >&2
+
+# report GCOVR_ARGUMENT...: once more from what was counted.
+report() { gcovr --root "$repository" --add-tracefile "$json" "$@"; }
+
+say "counting"
+mkdir -p "$report_dir"
+gcovr --root "$repository" --filter 'src/Model/' --gcov-parallel "$(job_count)" \
+  --exclude-throw-branches --exclude-unreachable-branches --json "$json" "$build_dir" >&2
+report --txt "$report_dir/lines.txt"
+report --branches --txt "$report_dir/branches.txt"
+report --html-details "$report_dir/index.html" --html-title "src/Model"
+cat "$report_dir/lines.txt" "$report_dir/branches.txt"
+say "line by line: $report_dir/index.html"
+report --txt /dev/null --print-summary \
+  --fail-under-line "$least_lines" --fail-under-branch "$least_branches"
