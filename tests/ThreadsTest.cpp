@@ -57,8 +57,7 @@ struct SquareRow
         for (unsigned square = 0; square < squares; ++square) {
             const auto x = static_cast<float>(square);
             const auto y = static_cast<float>(number);
-            positions.insert(positions.end(),
-                             {x, y, 0, x + 1, y, 0, x + 1, y + 1, 0, x, y + 1, 0});
+            positions.insert(positions.end(), {x, y, 0, x + 1, y, 0, x + 1, y + 1, 0, x, y + 1, 0});
         }
     }
 
@@ -189,9 +188,9 @@ void loadALibrary(const QString &path, int number)
                                             static_cast<float>(material)};
         EXPECT_EQ(group.instanceData.value(QStringLiteral("Kd")),
                   QByteArray(reinterpret_cast<const char *>(color.data()), sizeof color));
-        EXPECT_TRUE(group.instanceData.texturePath(QStringLiteral("map_Kd"))
-                        .endsWith(QLatin1Char('/') + QString::number(material) +
-                                  QLatin1String(".png")));
+        EXPECT_TRUE(
+            group.instanceData.texturePath(QStringLiteral("map_Kd"))
+                .endsWith(QLatin1Char('/') + QString::number(material) + QLatin1String(".png")));
     }
 }
 
@@ -208,8 +207,8 @@ void readOBJText(int number)
     for (int i = 0; i <= number; ++i) {
         ASSERT_EQ(reader->getLineType(), OBJReader::LINE_V);
         ASSERT_TRUE(reader->parseLine());
-        EXPECT_THAT(reader->getV(), ElementsAre(static_cast<float>(number),
-                                                static_cast<float>(i), 0.25f));
+        EXPECT_THAT(reader->getV(),
+                    ElementsAre(static_cast<float>(number), static_cast<float>(i), 0.25f));
         reader->next();
     }
     ASSERT_EQ(reader->getLineType(), OBJReader::LINE_F);

@@ -102,8 +102,8 @@ TEST(LoaderThreads, ReadAndPrepareFilesOfTheirOwn)
     files.write(QStringLiteral("red.mtl"), "newmtl red\nKd 1 0 0\n");
     std::vector<QString> paths;
     for (int number = 0; number < threadsAtOnce; ++number)
-        paths.push_back(files.write(QString::number(number) + QStringLiteral(".obj"),
-                                    objText(number)));
+        paths.push_back(
+            files.write(QString::number(number) + QStringLiteral(".obj"), objText(number)));
 
     const MessageCapture messages;
     std::vector<std::vector<Loaded>> loaded(rounds, std::vector<Loaded>(threadsAtOnce));
@@ -121,8 +121,8 @@ TEST(LoaderThreads, ReadAndPrepareFilesOfTheirOwn)
         const int quads = static_cast<int>(number) + 1;
         ASSERT_GE(alone.lines.size(), 2u);
         EXPECT_EQ(alone.lines.end()[-2], "<default> 0 " + std::to_string(6 * quads));
-        EXPECT_EQ(alone.lines.end()[-1], "red " + std::to_string(6 * quads) + ' ' +
-                                             std::to_string(6 * quads + 3 * 6));
+        EXPECT_EQ(alone.lines.end()[-1],
+                  "red " + std::to_string(6 * quads) + ' ' + std::to_string(6 * quads + 3 * 6));
         for (const std::vector<Loaded> &round : loaded)
             EXPECT_TRUE(round[number] == alone) << "file " << number;
     }
