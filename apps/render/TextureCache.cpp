@@ -1,5 +1,6 @@
 #include "TextureCache.h"
 
+#include <Model/TextureSize.h>
 #include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
@@ -49,7 +50,7 @@ Texture *TextureCache::texture(const QString &path)
     Texture *texture = nullptr;
     if (!QFileInfo(path).isFile()) {
         qWarning("The texture '%s' does not exist; drawn without it.", qUtf8Printable(path));
-    } else {
+    } else if (claimsTextureSize(path)) {
         texture = LoadTexture(path);
         if (!texture) {
             if (auto converted = convertedTexture(path)) {

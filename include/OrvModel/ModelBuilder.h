@@ -13,6 +13,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
+#include <memory>
+
 namespace Halvard::Orv {
 
 class BufferObject;
@@ -198,14 +200,19 @@ private:
         int components = 0;
     };
 
+    struct NewBundle;
+
     StreamPointer allocate(unsigned type, unsigned long count) const;
     bool cornersFitStreams(unsigned cornerCount) const;
+    void weldGPUStreams();
     void dropGPUStreams();
     bool replaceGPUValues(const QVector<RowColumn> &columns, const QVector<int> &newToOld,
                           const StreamPointer &sharedIndices);
     bool isPositionAttribute(const QString &name) const;
     bool hasGPUStreams() const;
     bool prepareForUpload(const QString &positionAttribute);
+    void prepareMaterialGroups(const VertexAttribute &positions);
+    void dropCommands();
     bool computeNormals(const VertexAttribute &positions);
     void addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex, unsigned count);
     QVector<unsigned int> faceOffsets() const;
@@ -217,8 +224,9 @@ private:
     void addToModel(OpenGLDeviceContext &context, GPUModel *model, const InstanceData &instanceData,
                     const QString &positionAttribute, const QString &materialIdMember,
                     unsigned usage, unsigned primitiveType) const;
-    void addBundle(GPUModel *model, DrawBuffers *bundle, quint64 key,
-                   const InstanceData &instanceData, const QString &materialIdMember) const;
+    NewBundle withRecords(std::unique_ptr<DrawBuffers> buffers, quint64 key,
+                          const InstanceData &instanceData, const QString &materialIdMember) const;
+    bool addBundle(GPUModel *model, NewBundle &bundle) const;
 
     QSharedPointer<ModelDataStreamAllocator> _allocator;
     QHash<QString, MaterialGroup> _materialGroups;

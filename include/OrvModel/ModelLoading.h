@@ -30,7 +30,9 @@ class ModelBuilder;
 /// \param errorMessage assigned when the result is null, untouched otherwise:
 ///        "Failed to load OBJ file '%1'" when the file is missing or cannot be
 ///        opened, "Failed to load MTL file '%1'", with the resolved path, when
-///        that is so for a material library.
+///        that is so for a material library. A warning says more where a file is
+///        no regular file, has more than the 2^31 - 1 bytes of values or indices
+///        that a stream can hold, or does not fit into memory.
 /// \return a new model that the caller owns; null as above. A file without
 ///         anything to draw, or a call without a current OpenGL context, gives a
 ///         model without bundles.
@@ -47,8 +49,9 @@ ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString 
 /// Malformed lines and unknown keywords are skipped. Texture files are not
 /// opened; their paths are resolved beside the MTL file.
 ///
-/// \return false, with the builder unchanged, only when the file is missing or
-///         cannot be opened.
+/// \return false, with the builder unchanged, when the file is missing, cannot be
+///         opened, or is no regular file; and when memory ends: the builder then
+///         has the materials before the one that did not fit.
 ///
 /// The first call that opens a file registers the plan "OBJMaterial".
 ORVMODEL_EXPORT bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder);

@@ -4,9 +4,13 @@
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>
 
+#include "InputFile.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
+
+#include <new>
 
 namespace Halvard::Orv {
 
@@ -104,15 +108,8 @@ void takeLine(const MTLReader &reader, MaterialSection &section)
     }
 }
 
-} // namespace
-
-bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
+void pourMTLLines(QFile &file, const QString &fileName, ModelBuilder &builder)
 {
-    QFile file(fileName);
-    if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return false;
-    ensureOBJMaterialPlan();
-
     QTextStream stream(&file);
     MTLReader reader(stream, true);
     reader.setBaseDir(QFileInfo(fileName).dir().absolutePath());
@@ -123,7 +120,23 @@ bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
         reader.next();
     }
     section.close();
-    return true;
+}
+
+} // namespace
+
+bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
+{
+    try {
+        QFile file(fileName);
+        if (!openInputFile(file))
+            return false;
+        ensureOBJMaterialPlan();
+        pourMTLLines(file, fileName, builder);
+        return true;
+    } catch (const std::bad_alloc &) {
+        qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
+        return false;
+    }
 }
 
 } // namespace Halvard::Orv

@@ -4,6 +4,8 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
+#include <memory>
+
 namespace Halvard::Orv {
 
 namespace {
@@ -47,7 +49,10 @@ void ModelBuilder::clear()
 /// A stream from the allocator; null when there is no memory for it.
 ModelBuilder::StreamPointer ModelBuilder::allocate(unsigned type, unsigned long count) const
 {
-    return StreamPointer(_allocator->alloc(type, count));
+    std::unique_ptr<ModelDataStream> stream(_allocator->alloc(type, count));
+    StreamPointer shared(stream.get()); // may throw, and would not delete the stream then
+    stream.release();
+    return shared;
 }
 
 bool ModelBuilder::hasMaterialGroup(const QString &name) const
@@ -89,9 +94,12 @@ bool ModelBuilder::isValid() const
 void ModelBuilder::createVertexAttribute(const QString &name, int components, unsigned type,
                                          unsigned long valueCount, unsigned long indexCount)
 {
+    // Before the attribute changes: no memory for one stream must not leave the other.
+    const StreamPointer values = allocate(type, valueCount);
+    const StreamPointer indices = allocate(GL_UNSIGNED_INT, indexCount);
     VertexAttribute &attribute = _vertexAttributes[name];
-    attribute.values = allocate(type, valueCount);
-    attribute.indices = allocate(GL_UNSIGNED_INT, indexCount);
+    attribute.values = values;
+    attribute.indices = indices;
     attribute.gpuValues.clear();
     attribute.gpuIndices.clear();
     attribute.components = components;
@@ -134,10 +142,11 @@ void ModelBuilder::createMaterialGroup(const QString &name, const InstanceData &
                                        int id, quint64 flags)
 {
     const int groupsBefore = _materialGroups.size();
+    const StreamPointer faces = allocate(GL_UNSIGNED_INT, 0);
     MaterialGroup &group = _materialGroups[name];
     group.instanceData = instanceData;
     group.id = id < 0 ? groupsBefore : id;
-    group.faces = allocate(GL_UNSIGNED_INT, 0);
+    group.faces = faces;
     group.flags = flags;
     group.objectName = QString();
 }

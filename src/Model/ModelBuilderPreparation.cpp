@@ -165,29 +165,43 @@ bool ModelBuilder::commandsFitIndices() const
 }
 
 /// Builds streams, commands and normals. False when something of it cannot be had;
-/// the builder then holds no commands.
+/// the builder then holds no commands, also when it throws.
 bool ModelBuilder::prepareForUpload(const QString &positionAttribute)
 {
-    buildGPUFriendlyStreams(false);
-    // A copy: computing normals may insert into the table and move its records.
-    const VertexAttribute positions = _vertexAttributes.value(positionAttribute);
-    if (!positions.gpuValues || !positions.gpuIndices)
-        return false;
-    {
-        const StageTimer timer(&LoadReport::Stages::triangulate);
-        const QVector<unsigned int> offsets = faceOffsets();
-        for (auto it = _materialGroups.cbegin(); it != _materialGroups.cend(); ++it) {
-            if (it->faces && !it->faces->isEmpty())
-                prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
-                                              positions.gpuIndices, offsets);
-        }
+    try {
+        buildGPUFriendlyStreams(false);
+        // A copy: computing normals may insert into the table and move its records.
+        const VertexAttribute positions = _vertexAttributes.value(positionAttribute);
+        if (!positions.gpuValues || !positions.gpuIndices)
+            return false;
+        prepareMaterialGroups(positions);
+        if (commandsFitIndices() && (_normalsAttribute.isNull() || computeNormals(positions)))
+            return true;
+    } catch (...) {
+        dropCommands();
+        throw;
     }
-    if (commandsFitIndices() && (_normalsAttribute.isNull() || computeNormals(positions)))
-        return true;
+    dropCommands();
+    return false;
+}
+
+void ModelBuilder::prepareMaterialGroups(const VertexAttribute &positions)
+{
+    const StageTimer timer(&LoadReport::Stages::triangulate);
+    const QVector<unsigned int> offsets = faceOffsets();
+    for (auto it = _materialGroups.cbegin(); it != _materialGroups.cend(); ++it) {
+        if (it->faces && !it->faces->isEmpty())
+            prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
+                                          positions.gpuIndices, offsets);
+    }
+}
+
+/// Null stands for an empty index stream, which might not be had now.
+void ModelBuilder::dropCommands()
+{
     _drawCommands.clear();
     _drawCommandGroups.clear();
-    _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
-    return false;
+    _gpuIndices.clear();
 }
 
 /// Gives the requested attribute one normal per GPU vertex.

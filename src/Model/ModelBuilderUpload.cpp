@@ -14,6 +14,8 @@
 #include <QtCore/QList>
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace Halvard::Orv {
 
@@ -33,12 +35,22 @@ struct BundleRecords
 };
 
 /// A collection named `name`; null for an empty list.
-InstanceDataCollection *newCollection(const QString &name, const QList<InstanceData> &records)
+std::unique_ptr<InstanceDataCollection> newCollection(const QString &name,
+                                                      const QList<InstanceData> &records)
 {
-    return records.isEmpty() ? nullptr : new InstanceDataCollection(name, records);
+    return records.isEmpty() ? nullptr : std::make_unique<InstanceDataCollection>(name, records);
 }
 
 } // namespace
+
+/// Everything that a model takes over with one bundle.
+struct ModelBuilder::NewBundle
+{
+    quint64 key;
+    std::unique_ptr<DrawBuffers> buffers;
+    std::unique_ptr<InstanceDataCollection> materials;
+    std::unique_ptr<InstanceDataCollection> instances;
+};
 
 /// The one element buffer, narrowed to 16 bits where the vertices allow it. Null
 /// when the narrowed stream cannot be had.
@@ -106,7 +118,7 @@ void ModelBuilder::upload(GPUModel *model, const InstanceData &instanceData,
                    primitiveType);
 }
 
-/// Makes the buffers and hands one bundle per batching key to the model.
+/// Makes the buffers and hands one bundle per batching key to the model, or none.
 void ModelBuilder::addToModel(OpenGLDeviceContext &context, GPUModel *model,
                               const InstanceData &instanceData, const QString &positionAttribute,
                               const QString &materialIdMember, unsigned usage,
@@ -122,9 +134,12 @@ void ModelBuilder::addToModel(OpenGLDeviceContext &context, GPUModel *model,
         return;
     const auto buffers = uploadValues(context, usage);
 
+    // All of them before the first is added: the model must not get a part when memory
+    // ends.
+    std::vector<NewBundle> bundles;
     for (auto it = _drawCommands.cbegin(); it != _drawCommands.cend(); ++it) {
         const Commands &commands = it.value();
-        auto *bundle = new DrawBuffers(nullptr);
+        auto bundle = std::make_unique<DrawBuffers>(nullptr);
         bundle->setVAO(context.createVertexArrayObject());
         bundle->setIndexedDraw(elements, static_cast<int>(_gpuIndices->size()), indexType);
         bundle->setVertexCount(static_cast<unsigned>(vertexCount));
@@ -135,18 +150,21 @@ void ModelBuilder::addToModel(OpenGLDeviceContext &context, GPUModel *model,
             bundle->VAO()->registerBO(buffer.key(), buffer.value(), attribute.components,
                                       attribute.gpuValues->type());
         }
-        addBundle(model, bundle, it.key(), instanceData, materialIdMember);
+        bundles.push_back(withRecords(std::move(bundle), it.key(), instanceData, materialIdMember));
+    }
+    for (NewBundle &bundle : bundles) {
+        if (!addBundle(model, bundle))
+            return;
     }
 }
 
-/// Hands a bundle to the model with the records and names of its commands.
-void ModelBuilder::addBundle(GPUModel *model, DrawBuffers *bundle, quint64 key,
-                             const InstanceData &instanceData,
-                             const QString &materialIdMember) const
+/// A bundle with the records of its commands.
+ModelBuilder::NewBundle ModelBuilder::withRecords(std::unique_ptr<DrawBuffers> buffers, quint64 key,
+                                                  const InstanceData &instanceData,
+                                                  const QString &materialIdMember) const
 {
-    const QVector<QString> groups = _drawCommandGroups.value(key);
     BundleRecords records;
-    for (const QString &name : groups) {
+    for (const QString &name : _drawCommandGroups.value(key)) {
         const MaterialGroup group = _materialGroups.value(name);
         InstanceData instance = instanceData;
         if (materialIdMember.isNull())
@@ -155,15 +173,26 @@ void ModelBuilder::addBundle(GPUModel *model, DrawBuffers *bundle, quint64 key,
             instance.set(materialIdMember, &group.id, sizeof group.id);
         records.instances.append(instance);
     }
-
     const QString materialPlan =
         records.materials.isEmpty() ? QString() : records.materials.first().name();
-    const int index = model->add(bundle, 1, newCollection(materialPlan, records.materials),
-                                 newCollection(instanceData.name(), records.instances), key);
+    return {key, std::move(buffers), newCollection(materialPlan, records.materials),
+            newCollection(instanceData.name(), records.instances)};
+}
+
+/// Hands a bundle to the model, and the names of its commands.
+/// \return false when the model does not take it: the GPU has no room for it.
+bool ModelBuilder::addBundle(GPUModel *model, NewBundle &bundle) const
+{
+    const int index = model->add(bundle.buffers.release(), 1, bundle.materials.release(),
+                                 bundle.instances.release(), bundle.key);
+    if (index < 0)
+        return false;
+    const QVector<QString> groups = _drawCommandGroups.value(bundle.key);
     for (int slot = 0; slot < groups.size(); ++slot) {
         model->addMaterialName(index, slot, groups.at(slot));
         model->addObjectName(index, slot, _materialGroups.value(groups.at(slot)).objectName);
     }
+    return true;
 }
 
 bool ModelBuilder::hasGPUStreams() const

@@ -80,7 +80,19 @@ void compact(const RowColumn &column, const QVector<int> &newToOld, const Stream
 
 } // namespace
 
+/// Streams that are welded only in part, because memory ended, would be taken for
+/// finished by the next upload: there are none then.
 void ModelBuilder::optimizeGPUStreams()
+{
+    try {
+        weldGPUStreams();
+    } catch (...) {
+        dropGPUStreams();
+        throw;
+    }
+}
+
+void ModelBuilder::weldGPUStreams()
 {
     StreamPointer sharedIndices;
     int vertexCount = 0;

@@ -5,6 +5,7 @@
 
 #include "Fast/GeometryUpload.h"
 #include "Fast/OBJScanning.h"
+#include "InputFile.h"
 #include "LoadReport.h"
 #include "OBJPouring.h"
 #include "OBJRoads.h"
@@ -18,6 +19,7 @@
 #include <QtCore/QTextStream>
 
 #include <memory>
+#include <new>
 
 namespace Halvard::Orv {
 
@@ -75,18 +77,20 @@ std::unique_ptr<ModelBuilder> makeBuilder()
 class OBJLoad
 {
 public:
-    OBJLoad(QFile &file, QString &errorMessage)
-        : _file(file), _baseDir(QFileInfo(file.fileName()).dir().absolutePath()),
-          _errorMessage(errorMessage)
+    OBJLoad(QFile &file, const QString &fileName, const OBJScanLimits &limits,
+            QString &errorMessage)
+        : _file(file), _fileName(fileName), _baseDir(QFileInfo(fileName).dir().absolutePath()),
+          _limits(limits), _errorMessage(errorMessage)
     {}
 
     std::unique_ptr<GPUModel> byLines()
     {
         const auto builder = makeBuilder();
         QTextStream stream(&_file);
-        QString libraryPath;
-        if (!pourOBJLines(stream, _baseDir, *builder, libraryPath))
-            return fail(libraryFailure(libraryPath));
+        QString detail;
+        const OBJScanOutcome outcome = pourOBJLines(stream, _baseDir, *builder, detail, _limits);
+        if (outcome != OBJScanOutcome::Finished)
+            return fail(outcome, detail);
         auto model = std::make_unique<GPUModel>();
         builder->upload(model.get(), makeModelRecord(), QStringLiteral("va_Vertex"), QString(),
                         GL_STATIC_DRAW, GL_TRIANGLES);
@@ -95,61 +99,73 @@ public:
 
     std::unique_ptr<GPUModel> byBytes()
     {
-        const auto builder = makeBuilder();
+        auto builder = makeBuilder();
         OBJGeometry geometry;
-        QString libraryPath;
-        switch (scan(*builder, geometry, libraryPath)) {
-        case OBJScanOutcome::Finished:
-            break;
-        case OBJScanOutcome::LibraryMissing:
-            return fail(libraryFailure(libraryPath));
-        case OBJScanOutcome::LimitExceeded:
-            qWarning("'%s' holds more than the 2^31 - 1 bytes of values or indices that a model "
-                     "can have; split it",
-                     qPrintable(_file.fileName()));
-            return fail(loadFailure(_file.fileName()));
-        case OBJScanOutcome::NeedsLineReader:
-            if (!_file.isSequential()) // a pipe cannot go back, and was not read
+        QString detail;
+        const OBJScanOutcome outcome = scan(*builder, geometry, detail);
+        if (outcome == OBJScanOutcome::NeedsLineReader) {
+            geometry = {};
+            builder.reset();
+            if (!_file.isSequential()) // the null device, which was not read
                 _file.seek(0);
             return byLines();
         }
+        if (outcome != OBJScanOutcome::Finished)
+            return fail(outcome, detail);
         auto model = std::make_unique<GPUModel>();
         GeometryUpload::upload(std::move(geometry), *builder, *model, makeModelRecord());
         return model;
     }
 
 private:
-    OBJScanOutcome scan(ModelBuilder &builder, OBJGeometry &geometry, QString &libraryPath)
+    OBJScanOutcome scan(ModelBuilder &builder, OBJGeometry &geometry, QString &detail)
     {
         const StageTimer timer(&LoadReport::Stages::read);
-        const OBJScanOutcome outcome = scanOBJFile(_file, _baseDir, builder, geometry, libraryPath);
+        const OBJScanOutcome outcome =
+            scanOBJFile(_file, _baseDir, builder, geometry, detail, _limits);
         if (LoadReport *report = currentLoadReport(); report && outcome == OBJScanOutcome::Finished)
             describe(geometry, *report);
         return outcome;
     }
 
-    std::unique_ptr<GPUModel> fail(const QString &message)
+    /// \param detail as of scanOBJFile().
+    std::unique_ptr<GPUModel> fail(OBJScanOutcome outcome, const QString &detail)
     {
-        _errorMessage = message;
+        if (outcome == OBJScanOutcome::LibraryMissing) {
+            _errorMessage = libraryFailure(detail);
+        } else {
+            qWarning("'%s' is not loaded: it has %s, and a stream ends at 2^31 - 1 bytes; split it "
+                     "into several files",
+                     qUtf8Printable(_fileName), qUtf8Printable(detail));
+            _errorMessage = loadFailure(_fileName);
+        }
         return nullptr;
     }
 
     QFile &_file;
+    const QString _fileName;
     const QString _baseDir;
+    const OBJScanLimits _limits;
     QString &_errorMessage;
 };
 
 } // namespace
 
-GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, OBJRoad road)
+GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, OBJRoad road,
+                               const OBJScanLimits &limits)
 {
-    QFile file(fileName);
-    if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        errorMessage = loadFailure(fileName);
-        return nullptr;
+    try {
+        QFile file(fileName);
+        if (openInputFile(file)) {
+            OBJLoad load(file, fileName, limits, errorMessage);
+            return (road == OBJRoad::Bytes ? load.byBytes() : load.byLines()).release();
+        }
+    } catch (const std::bad_alloc &) {
+        // By now everything of the model is gone again, and there is room for words.
+        qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
     }
-    OBJLoad load(file, errorMessage);
-    return (road == OBJRoad::Bytes ? load.byBytes() : load.byLines()).release();
+    errorMessage = loadFailure(fileName);
+    return nullptr;
 }
 
 GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage)

@@ -1,9 +1,9 @@
 #include "OBJPouring.h"
 
 #include "LoadReport.h"
+#include "MaterialLibraries.h"
 
 #include <OrvModel/ModelBuilder.h>
-#include <OrvModel/ModelLoading.h>
 #include <OrvModel/OBJReader.h>
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -18,22 +18,26 @@ namespace {
 class OBJPourer
 {
 public:
-    explicit OBJPourer(ModelBuilder &builder) : _builder(builder) {}
+    explicit OBJPourer(ModelBuilder &builder) : _builder(builder), _libraries(builder) {}
 
-    bool pour(QTextStream &stream, const QString &baseDir, QString &libraryPath)
+    OBJScanOutcome pour(QTextStream &stream, const QString &baseDir, QString &detail,
+                        const OBJScanLimits &limits)
     {
         const StageTimer timer(&LoadReport::Stages::read);
         OBJReader reader(stream);
         reader.setBaseDir(baseDir);
         while (reader.valid()) {
             if (reader.parseLine() && !takeLine(reader)) {
-                libraryPath = reader.getMtllibPath();
-                return false;
+                detail = reader.getMtllibPath();
+                return OBJScanOutcome::LibraryMissing;
             }
+            detail = _counts.excess(limits);
+            if (!detail.isNull())
+                return OBJScanOutcome::LimitExceeded;
             reader.next();
         }
         fillInMissingAttributes();
-        return true;
+        return OBJScanOutcome::Finished;
     }
 
 private:
@@ -42,18 +46,21 @@ private:
         switch (reader.getLineType()) {
         case OBJReader::LINE_V:
             addValue(_positions, 3, reader.getV());
+            _counts.positions += 3;
             break;
         case OBJReader::LINE_VN:
             addValue(_normals, 3, reader.getVn());
+            _counts.normals += 3;
             break;
         case OBJReader::LINE_VT:
             addValue(_texCoords, 2, reader.getVt());
+            _counts.texCoords += 2;
             break;
         case OBJReader::LINE_F:
             addFace(reader);
             break;
         case OBJReader::LINE_MTLLIB:
-            return loadMaterialsFromMTLFile(reader.getMtllibPath(), _builder);
+            return _libraries.load(reader.getMtllibPath());
         case OBJReader::LINE_USEMTL:
             _currentMaterial = reader.getUsemtlName();
             break;
@@ -81,9 +88,10 @@ private:
         addIndices(reader, _positions, &OBJReader::Vertex::v);
         addIndices(reader, _normals, &OBJReader::Vertex::vn);
         addIndices(reader, _texCoords, &OBJReader::Vertex::vt);
-        _builder.addFacesToMaterialGroup(_currentMaterial, 1, &_faceCount, QString());
-        ++_faceCount;
-        _cornerTotal += count;
+        const auto number = static_cast<unsigned>(_counts.faces);
+        _builder.addFacesToMaterialGroup(_currentMaterial, 1, &number, QString());
+        ++_counts.faces;
+        _counts.corners += count;
         countFace(count);
     }
 
@@ -110,7 +118,7 @@ private:
             const float origin[2] = {0.0f, 0.0f};
             const unsigned zero = 0;
             _builder.addValuesToVertexAttribute(_texCoords, 2, origin, GL_FLOAT);
-            for (unsigned corner = 0; corner < _cornerTotal; ++corner)
+            for (quint64 corner = 0; corner < _counts.corners; ++corner)
                 _builder.addIndicesToVertexAttribute(_texCoords, 1, &zero);
         }
     }
@@ -135,22 +143,22 @@ private:
     }
 
     ModelBuilder &_builder;
+    MaterialLibraries _libraries;
     LoadReport *_report = currentLoadReport();
     const QString _positions = QStringLiteral("va_Vertex");
     const QString _normals = QStringLiteral("va_Normal");
     const QString _texCoords = QStringLiteral("va_TexCoord");
     QString _currentMaterial = QStringLiteral("<default>");
-    unsigned _faceCount = 0;
-    unsigned _cornerTotal = 0;
+    OBJCounts _counts;
     QVarLengthArray<unsigned, 64> _indices; // one face's, kept to spare its memory
 };
 
 } // namespace
 
-bool pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
-                  QString &libraryPath)
+OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+                            QString &detail, const OBJScanLimits &limits)
 {
-    return OBJPourer(builder).pour(stream, baseDir, libraryPath);
+    return OBJPourer(builder).pour(stream, baseDir, detail, limits);
 }
 
 } // namespace Halvard::Orv

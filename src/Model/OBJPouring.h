@@ -2,6 +2,8 @@
 /// The line road of the OBJ loader: every line through an OBJReader into a builder.
 #pragma once
 
+#include "OBJScanLimits.h"
+
 class QString;
 class QTextStream;
 
@@ -15,9 +17,11 @@ class ModelBuilder;
 /// \param stream at the file's begin; read to its end.
 /// \param baseDir where relative paths of material libraries begin.
 /// \param builder holds the group "<default>" and no geometry.
-/// \return false when a material library cannot be opened; `libraryPath` is then
-///         its path.
-bool pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
-                  QString &libraryPath);
+/// \param detail as of scanOBJFile().
+/// \param limits only those on elements: an overlong line is more than a QString
+///        holds, and ends in std::bad_alloc.
+/// \return anything but NeedsLineReader.
+OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+                            QString &detail, const OBJScanLimits &limits = {});
 
 } // namespace Halvard::Orv

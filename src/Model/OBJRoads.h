@@ -5,6 +5,8 @@
 /// Not installed: loadModelFromOBJFile() chooses by itself.
 #pragma once
 
+#include "OBJScanLimits.h"
+
 #include <OrvModel/OrvModelExport.h>
 
 class QString;
@@ -21,6 +23,6 @@ enum class OBJRoad
 
 /// As loadModelFromOBJFile(). Nobody can tell the road from the result.
 ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage,
-                                               OBJRoad road);
+                                               OBJRoad road, const OBJScanLimits &limits = {});
 
 } // namespace Halvard::Orv

@@ -1,5 +1,7 @@
 #include <OrvModel/TextureLoading.h>
 
+#include "TextureSize.h"
+
 #include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
@@ -9,6 +11,8 @@
 #include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtGui/QImage>
+
+#include <memory>
 
 namespace Halvard::Orv {
 
@@ -28,14 +32,25 @@ QHash<QString, Texture *> &textureCache()
 QImage loadFlippedImage(const QString &fileName)
 {
     QImage image;
-    if (!image.load(fileName, nullptr) || image.depth() != 32)
+    if (!claimsTextureSize(fileName) || !image.load(fileName, nullptr) || image.depth() != 32)
         return {};
     return image.mirrored(false, true);
 }
 
-/// Gives the bound texture its parameters and pixels.
-void uploadImage(Texture *texture, const QImage &image)
+/// Lowers the error flags that somebody else has raised. There are few, but a lost
+/// context answers with an error for ever.
+void clearErrors()
 {
+    constexpr int mostFlags = 8;
+    for (int i = 0; i < mostFlags && glGetError() != GL_NO_ERROR; ++i) {
+    }
+}
+
+/// Gives the bound texture its parameters and pixels.
+/// \return false when the GPU has no room for them.
+bool uploadImage(Texture *texture, const QImage &image)
+{
+    clearErrors();
     constexpr GLint lastMipLevel = 4;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
@@ -47,6 +62,7 @@ void uploadImage(Texture *texture, const QImage &image)
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, image.width(), image.height(), 0, GL_BGRA,
                  GL_UNSIGNED_BYTE, image.constBits());
     glGenerateMipmap(texture->target());
+    return glGetError() == GL_NO_ERROR;
 }
 
 } // namespace
@@ -58,16 +74,25 @@ Texture *LoadTexture(const QString &fileName)
         return known;
     if (!QFileInfo(fileName).isFile())
         return nullptr;
+    if (!OpenGLDeviceContext::current())
+        return nullptr;
     const QImage image = loadFlippedImage(fileName);
-    if (image.isNull() || !OpenGLDeviceContext::current())
+    if (image.isNull())
         return nullptr;
 
-    auto *texture = new Texture(GL_TEXTURE_2D, GL_RGBA, image.width(), image.height(), 0, nullptr);
-    const AutoBinder binder(texture);
-    uploadImage(texture, image);
-    cache.insert(fileName, texture);
-    texture->setReadOnly();
-    return texture;
+    auto texture = std::make_unique<Texture>(GL_TEXTURE_2D, GL_RGBA, image.width(), image.height(),
+                                             0, nullptr);
+    {
+        const AutoBinder binder(texture.get());
+        if (!uploadImage(texture.get(), image)) {
+            qWarning("'%s' is not loaded: OpenGL cannot hold its %d x %d pixels",
+                     qUtf8Printable(fileName), image.width(), image.height());
+            return nullptr;
+        }
+        cache.insert(fileName, texture.get());
+        texture->setReadOnly();
+    }
+    return texture.release();
 }
 
 } // namespace Halvard::Orv

@@ -140,9 +140,9 @@ TEST(OBJScanningLimits, TooManyOfAnything)
         {"positions", "v 1 2 3\n", 3},
         {"normals", "vn 1 2 3\n", 3},
         {"coordinates", "vt 1 2\n", 2},
-        {"corners", "f 1 1 1\n", 3},
+        {"corners, each of a position", "f 1 1 1\n", 9},
         {"faces", "f\n", 1},
-        {"corners, odd", "f +1 1\n", 2},
+        {"corners, odd", "f +1 1\n", 6},
     };
     for (const auto &row : rows) {
         OBJScanLimits limits;
@@ -162,6 +162,7 @@ TEST(OBJScanningLimits, StreamsHoldWhatTheLimitsLetThrough)
 {
     // A QByteArray holds less than 2^31 bytes with its header.
     EXPECT_LE(OBJScanLimits().streamElements * 4, (std::size_t(1) << 31) - 1 - 64);
+    EXPECT_LE(OBJScanLimits().corners() * 3 * 4, (std::size_t(1) << 31) - 1 - 64);
     EXPECT_LE(OBJScanLimits().lineBytes + OBJScanLimits().chunkBytes, (std::size_t(1) << 30) - 64);
 }
 

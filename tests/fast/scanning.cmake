@@ -13,7 +13,9 @@ foreach(variant scan portable_scan)
     ${scan_dir}/NumberConversion.cpp
     ${scan_dir}/OBJScanning.cpp
     ${scan_dir}/SingleFaces.cpp
-    ${scan_dir}/ValueLines.cpp)
+    ${scan_dir}/ValueLines.cpp
+    ${scan_dir}/../MaterialLibraries.cpp
+    ${scan_dir}/../OBJScanLimits.cpp)
   orv_target(orv_${variant})
   target_include_directories(orv_${variant} PUBLIC ${PROJECT_SOURCE_DIR}/src/Model)
   target_link_libraries(orv_${variant} PUBLIC Orv::Model FastFloat::fast_float)

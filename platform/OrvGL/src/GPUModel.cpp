@@ -1,10 +1,14 @@
 #include <OrvGL/GPUModel.h>
 
 #include <OrvCore/InstanceDataCollection.h>
+#include <OrvGL/BufferObject.h>
 #include <OrvGL/DrawBuffers.h>
+#include <OrvGL/VertexArrayObject.h>
 
 #include <QHash>
 #include <QtDebug>
+
+#include <algorithm>
 
 namespace Halvard::Orv {
 
@@ -20,23 +24,50 @@ struct GPUModel::Bundle
     QHash<int, QString> objectNames;
 };
 
+namespace {
+
+// Whether something that the bundle draws with did not get to the GPU.
+bool lacksData(const DrawBuffers &bundle)
+{
+    if (bundle.indexBuffer() && bundle.indexBuffer()->uploadFailed())
+        return true;
+    if (!bundle.VAO())
+        return false;
+    const auto &attributes = bundle.VAO()->attributes();
+    return std::any_of(attributes.cbegin(), attributes.cend(),
+                       [](const VertexArrayObject::Attribute &attribute) {
+                           return attribute.buffer && attribute.buffer->uploadFailed();
+                       });
+}
+
+} // namespace
+
 GPUModel::GPUModel() = default;
 GPUModel::~GPUModel() = default;
 
 int GPUModel::add(DrawBuffers *bundle, int instanceCount, InstanceDataCollection *materials,
                   InstanceDataCollection *instances, const unsigned long long &key)
 {
-    auto added = std::make_unique<Bundle>();
-    added->buffers.reset(bundle);
-    added->materials.reset(materials);
-    added->instances.reset(instances);
-    added->instanceCount = instanceCount;
-    added->key = key;
+    // Owned before anything can throw.
+    std::unique_ptr<DrawBuffers> ownedBundle(bundle);
+    std::unique_ptr<InstanceDataCollection> ownedMaterials(materials);
+    std::unique_ptr<InstanceDataCollection> ownedInstances(instances);
     if (!bundle) {
         qWarning("GPUModel::add: there is no bundle");
         return -1;
     }
     bundle->setParent(nullptr); // a parent would delete it a second time
+    if (lacksData(*bundle)) {
+        qWarning("GPUModel::add: the bundle is not added, since a buffer of it could not be "
+                 "uploaded");
+        return -1;
+    }
+    auto added = std::make_unique<Bundle>();
+    added->buffers = std::move(ownedBundle);
+    added->materials = std::move(ownedMaterials);
+    added->instances = std::move(ownedInstances);
+    added->instanceCount = instanceCount;
+    added->key = key;
     _bundles.push_back(std::move(added));
     return bundleCount() - 1;
 }

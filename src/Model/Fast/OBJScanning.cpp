@@ -1,5 +1,6 @@
 #include "OBJScanning.h"
 
+#include "../MaterialLibraries.h"
 #include "ASCIIBytes.h"
 #include "DigitMarks.h"
 #include "FaceGrouping.h"
@@ -9,8 +10,6 @@
 #include "LineReading.h"
 #include "SingleFaces.h"
 #include "ValueLines.h"
-
-#include <OrvModel/ModelLoading.h>
 
 #include <QtCore/QIODevice>
 
@@ -77,7 +76,7 @@ class Scanner
 {
 public:
     Scanner(const QString &baseDir, ModelBuilder &builder, OBJGeometry &geometry)
-        : _builder(builder), _geometry(geometry), _reading(baseDir),
+        : _libraries(builder), _geometry(geometry), _reading(baseDir),
           _grouping(geometry, builder, QStringLiteral("<default>"))
     {}
 
@@ -86,16 +85,17 @@ public:
         LineChunks chunks(device, limits.chunkBytes, limits.lineBytes);
         while (!_failure && chunks.next()) {
             scanChunk(chunks);
-            if (!_failure && isTooLarge(limits))
-                _failure = Outcome::LimitExceeded;
+            checkCounts(limits);
         }
-        if (!_failure && chunks.lineTooLong())
+        if (!_failure && chunks.lineTooLong()) {
             _failure = Outcome::LimitExceeded;
+            _detail = QStringLiteral("a line of more than %1 bytes").arg(limits.lineBytes);
+        }
         _grouping.startRun();
         return _failure.value_or(Outcome::Finished);
     }
 
-    const QString &libraryPath() const { return _libraryPath; }
+    const QString &detail() const { return _detail; }
 
 private:
     void scanChunk(const LineChunks &chunks)
@@ -218,36 +218,45 @@ private:
 
     void loadLibrary(const QString &path)
     {
-        if (!loadMaterialsFromMTLFile(path, _builder)) {
-            _libraryPath = path;
+        if (!_libraries.load(path)) {
+            _detail = path;
             _failure = Outcome::LibraryMissing;
         }
         _grouping.startRun(); // the selected material may have a group now
     }
 
-    bool isTooLarge(const OBJScanLimits &limits) const
+    /// A corner takes two bytes of text at least: what one chunk adds to counts within
+    /// the limits cannot make them wrap. A library that is missing in the chunk comes
+    /// behind what was counted in it.
+    void checkCounts(const OBJScanLimits &limits)
     {
-        // A corner takes two bytes of text at least. What one chunk adds to counts
-        // within the limits cannot make them wrap.
-        return std::max({_geometry.positions.values.size(), _geometry.normals.values.size(),
-                         _geometry.texCoords.values.size(), size_t(_geometry.cornerCount),
-                         size_t(_geometry.faceCount())}) > limits.streamElements;
+        OBJCounts counts;
+        counts.positions = _geometry.positions.values.size();
+        counts.normals = _geometry.normals.values.size();
+        counts.texCoords = _geometry.texCoords.values.size();
+        counts.corners = _geometry.cornerCount;
+        counts.faces = _geometry.faceCount();
+        const QString excess = counts.excess(limits);
+        if (excess.isNull() || _failure == Outcome::NeedsLineReader)
+            return;
+        _failure = Outcome::LimitExceeded;
+        _detail = excess;
     }
 
-    ModelBuilder &_builder;
+    MaterialLibraries _libraries;
     OBJGeometry &_geometry;
     LineReading _reading;
     FaceGrouping _grouping;
     DigitMarks _marks;
     const LineChunks *_chunks = nullptr;
     std::optional<Outcome> _failure;
-    QString _libraryPath;
+    QString _detail;
 };
 
 } // namespace
 
 OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuilder &builder,
-                           OBJGeometry &geometry, QString &libraryPath, const OBJScanLimits &limits)
+                           OBJGeometry &geometry, QString &detail, const OBJScanLimits &limits)
 {
     // A stream that comes piece by piece may be cut anywhere by QTextStream, and
     // could not be read again.
@@ -259,8 +268,7 @@ OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuild
     expectValues(geometry, static_cast<size_t>(device.size()));
     Scanner scanner(baseDir, builder, geometry);
     const Outcome outcome = scanner.scan(device, limits);
-    if (outcome == Outcome::LibraryMissing)
-        libraryPath = scanner.libraryPath();
+    detail = scanner.detail();
     return outcome;
 }
 

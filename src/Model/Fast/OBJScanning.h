@@ -2,9 +2,8 @@
 /// Reads an OBJ file as bytes.
 #pragma once
 
+#include "../OBJScanLimits.h"
 #include "OBJGeometry.h"
-
-#include <cstddef>
 
 class QIODevice;
 class QString;
@@ -12,30 +11,6 @@ class QString;
 namespace Halvard::Orv {
 
 class ModelBuilder;
-
-enum class OBJScanOutcome
-{
-    Finished,
-    /// A material library cannot be opened.
-    LibraryMissing,
-    /// The file has more values, corners or faces than a stream holds, or a line
-    /// that is too long to be decoded.
-    LimitExceeded,
-    /// The file has to be read with a QTextStream, from its begin and into another
-    /// builder: it is in UTF-16, for example, or no regular file.
-    NeedsLineReader,
-};
-
-/// Sizes that tests make smaller.
-struct OBJScanLimits
-{
-    /// Bytes read at a time.
-    size_t chunkBytes = size_t(1) << 18;
-    /// A line longer by a chunk is too long. A QString holds 2^30 characters.
-    size_t lineBytes = (size_t(1) << 30) - (size_t(1) << 20);
-    /// Most floats, corners and faces. A stream holds 2^31 - 1 bytes with its header.
-    size_t streamElements = (size_t(1) << 29) - 32;
-};
 
 /// Reads an OBJ file to its end: what an OBJReader on a QTextStream finds in it, to
 /// the bit, at a hundred times the speed.
@@ -56,9 +31,10 @@ struct OBJScanLimits
 ///        Must hold the group "<default>". A face is in a group only if the builder
 ///        has one for its material when the face is read.
 /// \param geometry empty before; incomplete unless the outcome is Finished.
-/// \param libraryPath set to the path of a missing library.
+/// \param detail set to the path of a missing library, or to what is more than the
+///        limits allow, for a message.
 OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuilder &builder,
-                           OBJGeometry &geometry, QString &libraryPath,
+                           OBJGeometry &geometry, QString &detail,
                            const OBJScanLimits &limits = {});
 
 } // namespace Halvard::Orv

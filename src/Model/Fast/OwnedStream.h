@@ -27,7 +27,7 @@ public:
 
     static QSharedPointer<ModelDataStream> make(unsigned type, GrowArray<T> &&elements)
     {
-        return QSharedPointer<ModelDataStream>(new OwnedStream(type, std::move(elements)));
+        return QSharedPointer<OwnedStream>::create(type, std::move(elements));
     }
 
     unsigned type() const override { return _type; }

@@ -26,7 +26,9 @@ public:
     GPUModel &operator=(const GPUModel &) = delete;
 
     /// Adds a bundle and takes over all three objects, each made with `new` and given only once.
-    /// \param bundle null adds nothing and gives -1; the collections are deleted all the same.
+    /// \param bundle null adds nothing and gives -1; the collections are deleted all the same. So
+    ///     does, with a warning, a bundle one of whose buffers has failed to upload, and it is
+    ///     deleted too: a model is drawn as a whole or not at all.
     /// \param instanceCount instances that one record describes; kept for reading back.
     /// \param materials, instances one record per command; null for none.
     /// \param key the batching key of the bundle.

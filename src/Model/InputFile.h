@@ -1,0 +1,20 @@
+/// \file
+/// Opening the files that a model consists of.
+#pragma once
+
+class QFile;
+
+namespace Halvard::Orv {
+
+/// Opens a file for reading, in text mode, without ever waiting for it.
+///
+/// Models come from strangers, who may name a pipe, on which an open waits for
+/// somebody to write, or a device, which opening alone may set in motion. Regular
+/// files are opened, and the null device, which is an empty file; anything else is
+/// refused with a warning. What is missing or a directory is refused silently.
+///
+/// \param file not open. Forgets its name, since it is opened by number.
+/// \return whether it is open now.
+bool openInputFile(QFile &file);
+
+} // namespace Halvard::Orv

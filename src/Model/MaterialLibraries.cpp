@@ -1,0 +1,23 @@
+#include "MaterialLibraries.h"
+
+#include <OrvModel/ModelLoading.h>
+
+#include <QtCore/QFileInfo>
+
+namespace Halvard::Orv {
+
+bool MaterialLibraries::load(const QString &path)
+{
+    if (_loaded.contains(path))
+        return true;
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    if (!canonical.isEmpty() && _loaded.contains(canonical))
+        return true;
+    if (!loadMaterialsFromMTLFile(path, _builder))
+        return false;
+    _loaded.insert(path);
+    _loaded.insert(canonical);
+    return true;
+}
+
+} // namespace Halvard::Orv
