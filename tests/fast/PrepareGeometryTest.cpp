@@ -15,6 +15,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <map>
 
 using namespace Halvard::Orv;
@@ -84,11 +85,16 @@ Outcome byBuilder(const PlainModel &model, ModelBuilder &builder)
     return outcome;
 }
 
-Outcome byArrays(const PlainModel &model, const ModelBuilder &builder, const QStringList &groups)
+/// \param textBytes what the file is said to have: normals are made beside the triangles
+///        where they fit, and after them where they do not.
+Outcome byArrays(const PlainModel &model, const ModelBuilder &builder, const QStringList &groups,
+                 std::size_t textBytes)
 {
     Outcome outcome;
     const MessageCapture capture;
-    const PreparedModel prepared = prepareGeometry(toGeometry(model), groups, &builder);
+    OBJGeometry geometry = toGeometry(model);
+    geometry.textBytes = textBytes;
+    const PreparedModel prepared = prepareGeometry(std::move(geometry), groups, &builder);
     outcome.messages = capture.messages();
     if (prepared.isEmpty())
         return outcome;
@@ -112,12 +118,14 @@ Outcome expectSame(const PlainModel &model)
     pour(model, builder);
     const QStringList groups = ModelBuilderInspector::materialGroups(builder).keys();
     const Outcome expected = byBuilder(model, builder);
-    const Outcome outcome = byArrays(model, builder, groups);
-    EXPECT_EQ(outcome.attributes, expected.attributes);
-    EXPECT_EQ(outcome.indices, expected.indices);
-    EXPECT_EQ(outcome.commands, expected.commands);
-    EXPECT_EQ(outcome.messages, expected.messages);
-    return outcome;
+    for (const std::size_t textBytes : {std::size_t(0), std::numeric_limits<std::size_t>::max()}) {
+        const Outcome outcome = byArrays(model, builder, groups, textBytes);
+        EXPECT_EQ(outcome.attributes, expected.attributes);
+        EXPECT_EQ(outcome.indices, expected.indices);
+        EXPECT_EQ(outcome.commands, expected.commands);
+        EXPECT_EQ(outcome.messages, expected.messages);
+    }
+    return expected;
 }
 
 PlainModel meshOf(std::vector<float> positions, std::vector<unsigned> indices,

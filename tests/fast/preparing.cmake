@@ -44,3 +44,8 @@ orv_add_prepare_test(PrepareGeometryTest ${PLAIN_MODEL})
 orv_add_prepare_test(RowWeldingTest ../support/RandomRings.cpp)
 orv_add_prepare_test(VertexNormalsTest ../support/PlainGeometry.cpp ../support/RandomRings.cpp)
 orv_add_prepare_test(WindingTest ../support/RandomRings.cpp)
+
+add_executable(GrowArrayTest GrowArrayTest.cpp)
+orv_target(GrowArrayTest)
+target_link_libraries(GrowArrayTest PRIVATE orv_model_archive orv_test_support)
+orv_register_test(GrowArrayTest)

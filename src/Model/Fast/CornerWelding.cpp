@@ -3,14 +3,13 @@
 // of the tuples in that order numbers them in the order of the corners, too. The
 // vertices before welding, one per corner, are never made.
 //
-// Memory, beside the geometry itself: 4 bytes per position while tuples are
-// found; per tuple 4 to 16 bytes for its indices, 6 for the hash table, and the
-// welded values. Index arrays but the positions' go as soon as the tuples are
-// known; the positions' becomes the result.
+// Memory, beside the geometry itself: 4 bytes per position while tuples are found;
+// per tuple 4 for its position and 4 that serve two purposes one after the other; 6
+// per tuple for the hash table. The other indices of tuples, and in the end the
+// vertices' values, take over the room of the indices of corners.
 #include "CornerWelding.h"
 
 #include "IndexTuples.h"
-#include "LargeMemory.h"
 #include "RowHash.h"
 #include "RowNumbering.h"
 
@@ -24,123 +23,76 @@ namespace Halvard::Orv {
 
 namespace {
 
-/// The values of one attribute before and after welding.
+/// The values that an index per row selects.
 template <unsigned Components>
 class ValueColumn
 {
     static_assert(Components == 2 || Components == 3, "a value is hashed as two words");
 
 public:
-    /// \param values gets a value of zeros appended, which stands for an index
-    ///        that selects nothing.
-    ValueColumn(GrowArray<float> &values, GrowArray<float> &kept, quint32 rowLimit)
-        : _values(appendZeros(values)), _kept(kept)
-    {
-        _begin = reserveLarge(kept, size_t(rowLimit) * Components + Padding);
-        _end = _begin;
-    }
+    /// \param indices of one row each, those that select nothing stand for zeros
+    ///        at the end of `values`.
+    ValueColumn(const GrowArray<float> &values, GrowArray<quint32> &indices)
+        : _values(values.data()), _indices(indices.data())
+    {}
 
-    void prefetch(quint32 index) const { __builtin_prefetch(at(index)); }
+    void prefetch(quint32 row) const { __builtin_prefetch(at(row)); }
 
-    quint64 hash(const RowHash &rowHash, quint64 hash, quint32 index) const
+    quint64 hash(const RowHash &rowHash, quint64 hash, quint32 row) const
     {
-        const float *value = at(index);
+        const float *value = at(row);
         return rowHash.add(hash, RowHash::word(value),
                            Components == 3 ? RowHash::halfWord(value + 2) : 0);
     }
 
-    bool equalsKept(quint32 number, quint32 index) const
+    bool areEqual(quint32 first, quint32 second) const
     {
-        return std::memcmp(_begin + size_t(number) * Components, at(index),
-                           Components * sizeof(float)) == 0;
+        return std::memcmp(at(first), at(second), Components * sizeof(float)) == 0;
     }
 
-    void keep(quint32 index)
-    {
-        std::memcpy(_end, at(index), Components * sizeof(float));
-        _end += Components;
-    }
-
-    void finish()
-    {
-        const auto count = static_cast<size_t>(_end - _begin);
-        std::fill_n(_end, Padding, 0.0f);
-        _kept.resize(count + Padding);
-        _kept.shrink();
-        _kept.resize(count);
-    }
+    void move(quint32 from, quint32 to) { _indices[to] = _indices[from]; }
 
 private:
-    /// Floats that may be read past the end, so that the last value can be loaded
-    /// like any other by what loads four floats.
-    static constexpr size_t Padding = 1;
-
-    static const float *appendZeros(GrowArray<float> &values)
-    {
-        values.resize(values.size() / Components * Components);
-        std::fill_n(values.reserveMore(Components), Components, 0.0f);
-        values.commit(Components);
-        return values.data();
-    }
-
-    const float *at(quint32 index) const { return _values + size_t(index) * Components; }
+    const float *at(quint32 row) const { return _values + size_t(_indices[row]) * Components; }
 
     const float *_values;
-    GrowArray<float> &_kept;
-    float *_begin;
-    float *_end;
+    quint32 *_indices;
 };
 
-/// The GPU vertices of all index tuples.
+/// The GPU vertices of all index tuples. Those that are kept move up, to the place
+/// of their number.
 template <typename... Columns>
 class VertexRows
 {
 public:
-    VertexRows(const IndexTuples &tuples, Columns... columns)
-        : _tuples(tuples.words.data()), _columns(columns...)
-    {}
+    explicit VertexRows(Columns... columns) : _columns(columns...) {}
 
     void prefetch(quint32 row) const
     {
-        const quint32 *indices = at(row);
-        forEach([&](const auto &column) { column.prefetch(*indices++); });
+        forEach([&](const auto &column) { column.prefetch(row); });
     }
 
     quint64 hash(quint32 row) const
     {
-        const quint32 *indices = at(row);
         quint64 value = _hash.start();
-        forEach([&](const auto &column) { value = column.hash(_hash, value, *indices++); });
+        forEach([&](const auto &column) { value = column.hash(_hash, value, row); });
         return value;
     }
 
     bool equalsKept(quint32 number, quint32 row) const
     {
-        const quint32 *indices = at(row);
         bool equal = true;
-        forEach([&](const auto &column) {
-            equal = equal && column.equalsKept(number, *indices);
-            ++indices;
-        });
+        forEach([&](const auto &column) { equal = equal && column.areEqual(number, row); });
         return equal;
     }
 
     void keep(quint32 row)
     {
-        const quint32 *indices = at(row);
-        forEach([&](auto &column) { column.keep(*indices++); });
-    }
-
-    void finish()
-    {
-        forEach([](auto &column) { column.finish(); });
+        forEach([&](auto &column) { column.move(row, _kept); });
+        ++_kept;
     }
 
 private:
-    static constexpr unsigned Stride = sizeof...(Columns) == 1 ? 1 : sizeof...(Columns) + 1;
-
-    const quint32 *at(quint32 row) const { return _tuples + size_t(row) * Stride; }
-
     template <typename Function>
     void forEach(const Function &function) const
     {
@@ -153,49 +105,81 @@ private:
     }
 
     const RowHash _hash;
-    const quint32 *_tuples;
     std::tuple<Columns...> _columns;
+    quint32 _kept = 0;
 };
 
 template <typename... Columns>
 quint32 weldTuples(IndexTuples &tuples, Columns... columns)
 {
-    VertexRows<Columns...> rows(tuples, columns...);
-    const quint32 count = numberRows(rows, tuples.count(), tuples.words.data());
-    rows.finish();
-    return count;
+    VertexRows<Columns...> rows(columns...);
+    return numberRows(rows, tuples.count(), tuples.spare.data());
 }
 
-/// The indices of an attribute, without those of corners that the file has not.
-CornerIndices cornerIndices(const OBJAttribute &attribute, quint32 cornerCount)
+/// One index per corner, whatever the file has.
+void completeIndices(OBJAttribute &attribute, quint32 cornerCount)
 {
-    return {attribute.indices.data(), std::min<size_t>(attribute.indices.size(), cornerCount),
-            attribute.valueCount()};
-}
-
-/// One position index per corner, whatever the file has.
-GrowArray<quint32> takePositionIndices(OBJGeometry &geometry)
-{
-    GrowArray<quint32> indices = std::move(geometry.positions.indices);
-    const size_t given = std::min<size_t>(indices.size(), geometry.cornerCount);
-    indices.resize(geometry.cornerCount);
-    std::fill(indices.data() + given, indices.data() + indices.size(),
+    GrowArray<quint32> &indices = attribute.indices;
+    const size_t given = std::min<size_t>(indices.size(), cornerCount);
+    indices.resize(cornerCount);
+    std::fill(indices.data() + given, indices.data() + cornerCount,
               static_cast<quint32>(OBJReader::AbsentIndex));
-    return indices;
 }
 
-/// The tuples of all corners, whose numbers replace the position indices.
-IndexTuples takeTuples(OBJGeometry &geometry, GrowArray<quint32> &corners)
+/// The tuples of all corners, whose numbers replace the position indices. The other
+/// attributes' indices are those of the tuples afterwards.
+IndexTuples findTuples(OBJGeometry &geometry, GrowArray<quint32> &corners)
 {
     std::vector<CornerIndices> others;
-    for (const OBJAttribute *attribute : {&geometry.normals, &geometry.texCoords}) {
-        if (attribute->exists())
-            others.push_back(cornerIndices(*attribute, geometry.cornerCount));
+    for (OBJAttribute *attribute : {&geometry.normals, &geometry.texCoords}) {
+        if (attribute->exists()) {
+            completeIndices(*attribute, geometry.cornerCount);
+            others.push_back({attribute->indices, attribute->valueCount()});
+        }
     }
-    IndexTuples tuples = numberIndexTuples(corners, geometry.positions.valueCount(), others);
-    geometry.normals.indices = {};
-    geometry.texCoords.indices = {};
-    return tuples;
+    return numberIndexTuples(corners, geometry.positions.valueCount(), others);
+}
+
+/// What an index that selects no value selects.
+void appendZeros(OBJAttribute &attribute)
+{
+    GrowArray<float> &values = attribute.values;
+    values.resize(size_t(attribute.valueCount()) * attribute.components);
+    std::fill_n(values.reserveMore(attribute.components), attribute.components, 0.0f);
+    values.commit(attribute.components);
+}
+
+/// The value of each vertex.
+/// \param indices used up: what is gathered takes over their memory.
+template <unsigned Components>
+GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<float> &values,
+                              quint32 count)
+{
+    /// Floats that may be read past the end, so that the last value can be loaded
+    /// like any other by what loads four floats.
+    constexpr size_t Padding = 1;
+    constexpr size_t Ahead = 32;
+
+    GrowArray<float> gathered = std::move(indices).template recast<float>();
+    const size_t size = size_t(count) * Components;
+    gathered.resize(size + Padding);
+    gathered[size] = 0.0f;
+    // From the last one on: a value covers only indices that have been used.
+    const auto indexAt = [&](size_t vertex) {
+        quint32 index;
+        std::memcpy(&index, gathered.data() + vertex, sizeof index);
+        return index;
+    };
+    for (size_t vertex = count; vertex-- > 0;) {
+        if (vertex >= Ahead)
+            __builtin_prefetch(values.data() + size_t(indexAt(vertex - Ahead)) * Components);
+        const quint32 index = indexAt(vertex);
+        std::memcpy(gathered.data() + vertex * Components,
+                    values.data() + size_t(index) * Components, Components * sizeof(float));
+    }
+    gathered.shrink();
+    gathered.resize(size);
+    return gathered;
 }
 
 void renumber(GrowArray<quint32> &corners, const quint32 *numbers)
@@ -205,39 +189,53 @@ void renumber(GrowArray<quint32> &corners, const quint32 *numbers)
         *corner = numbers[*corner];
 }
 
+/// Numbers the different vertices among those of the tuples; their indices come
+/// first then.
+quint32 weld(OBJGeometry &geometry, IndexTuples &tuples)
+{
+    const ValueColumn<3> positions(geometry.positions.values, tuples.positions);
+    const ValueColumn<3> normals(geometry.normals.values, geometry.normals.indices);
+    const ValueColumn<2> texCoords(geometry.texCoords.values, geometry.texCoords.indices);
+    if (geometry.normals.exists() && geometry.texCoords.exists())
+        return weldTuples(tuples, positions, normals, texCoords);
+    if (geometry.normals.exists())
+        return weldTuples(tuples, positions, normals);
+    if (geometry.texCoords.exists())
+        return weldTuples(tuples, positions, texCoords);
+    return weldTuples(tuples, positions);
+}
+
 } // namespace
 
 WeldedCorners weldCorners(OBJGeometry &geometry)
 {
+    completeIndices(geometry.positions, geometry.cornerCount);
     WeldedCorners welded;
-    welded.vertexOfCorner = takePositionIndices(geometry);
-    IndexTuples tuples = takeTuples(geometry, welded.vertexOfCorner);
-    const quint32 tupleCount = tuples.count();
-
-    const auto positions = [&] {
-        return ValueColumn<3>(geometry.positions.values, welded.positions, tupleCount);
-    };
-    const auto normals = [&] {
-        return ValueColumn<3>(geometry.normals.values, welded.normals, tupleCount);
-    };
-    const auto texCoords = [&] {
-        return ValueColumn<2>(geometry.texCoords.values, welded.texCoords, tupleCount);
-    };
-    if (geometry.normals.exists() && geometry.texCoords.exists())
-        welded.vertexCount = weldTuples(tuples, positions(), normals(), texCoords());
-    else if (geometry.normals.exists())
-        welded.vertexCount = weldTuples(tuples, positions(), normals());
-    else if (geometry.texCoords.exists())
-        welded.vertexCount = weldTuples(tuples, positions(), texCoords());
-    else
-        welded.vertexCount = weldTuples(tuples, positions());
-
-    geometry.positions.values = {};
-    geometry.normals.values = {};
-    geometry.texCoords.values = {};
+    welded.vertexOfCorner = std::move(geometry.positions.indices);
+    IndexTuples tuples = findTuples(geometry, welded.vertexOfCorner);
+    for (OBJAttribute *attribute : {&geometry.positions, &geometry.normals, &geometry.texCoords}) {
+        if (attribute->exists())
+            appendZeros(*attribute);
+    }
+    welded.vertexCount = weld(geometry, tuples);
     // Where all tuples differ in their bytes, their numbers stay as they are.
-    if (welded.vertexCount < tupleCount)
-        renumber(welded.vertexOfCorner, tuples.words.data());
+    if (welded.vertexCount < tuples.count())
+        renumber(welded.vertexOfCorner, tuples.spare.data());
+    tuples.spare = {};
+
+    const quint32 count = welded.vertexCount;
+    if (geometry.texCoords.exists())
+        welded.texCoords = gatherValues<2>(std::move(geometry.texCoords.indices),
+                                           geometry.texCoords.values, count);
+    geometry.texCoords.values = {};
+    if (geometry.normals.exists())
+        welded.normals =
+            gatherValues<3>(std::move(geometry.normals.indices), geometry.normals.values, count);
+    geometry.normals.values = {};
+    welded.positions =
+        gatherValues<3>(std::move(tuples.positions), geometry.positions.values, count);
+    welded.spare = std::move(geometry.positions.values);
+    welded.spare.resize(0);
     return welded;
 }
 

@@ -2,16 +2,16 @@
 /// A plain array that grows cheaply.
 #pragma once
 
+#include "LargeMemory.h"
+
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <type_traits>
 #include <utility>
 
 namespace Halvard::Orv {
 
-/// Elements in one block of memory, grown with realloc.
+/// Elements in one block of memory.
 ///
 /// Large blocks are moved by remapping their pages, not by copying, and room that
 /// was never written takes no memory: growing by doubling costs what is used, no
@@ -23,7 +23,7 @@ class GrowArray
 
 public:
     GrowArray() = default;
-    ~GrowArray() { std::free(_data); }
+    ~GrowArray() { freeBlock(_data, _capacity * sizeof(T)); }
     GrowArray(GrowArray &&other) noexcept { swap(other); }
     GrowArray &operator=(GrowArray &&other) noexcept
     {
@@ -33,6 +33,16 @@ public:
     }
     GrowArray(const GrowArray &) = delete;
     GrowArray &operator=(const GrowArray &) = delete;
+
+    /// \param elements a block of memory with room for `count` elements exactly, which
+    ///        is the array's from now on.
+    static GrowArray adopt(T *elements, size_t count)
+    {
+        GrowArray array;
+        array._data = elements;
+        array._size = array._capacity = count;
+        return array;
+    }
 
     T *data() { return _data; }
     const T *data() const { return _data; }
@@ -57,10 +67,8 @@ public:
     {
         if (count <= _capacity || count > static_cast<size_t>(-1) / sizeof(T))
             return;
-        if (void *moved = std::realloc(_data, count * sizeof(T))) {
-            _data = static_cast<T *>(moved);
-            _capacity = count;
-        }
+        if (void *moved = resizeBlock(_data, _capacity * sizeof(T), count * sizeof(T)))
+            take(moved, count);
     }
 
     size_t capacity() const { return _capacity; }
@@ -78,6 +86,18 @@ public:
         _size = count;
     }
 
+    /// The same memory as elements of another type of the same size.
+    template <typename U>
+    GrowArray<U> recast() &&
+    {
+        static_assert(sizeof(U) == sizeof(T) && alignof(U) == alignof(T));
+        GrowArray<U> other;
+        other._data = reinterpret_cast<U *>(std::exchange(_data, nullptr));
+        other._size = std::exchange(_size, 0);
+        other._capacity = std::exchange(_capacity, 0);
+        return other;
+    }
+
     /// Gives back the room beyond the elements.
     void shrink()
     {
@@ -88,6 +108,9 @@ public:
     }
 
 private:
+    template <typename U>
+    friend class GrowArray;
+
     void swap(GrowArray &other) noexcept
     {
         std::swap(_data, other._data);
@@ -99,10 +122,15 @@ private:
     {
         if (capacity > static_cast<size_t>(-1) / sizeof(T))
             throw std::bad_alloc();
-        void *moved = std::realloc(_data, capacity * sizeof(T));
+        void *moved = resizeBlock(_data, _capacity * sizeof(T), capacity * sizeof(T));
         if (!moved)
             throw std::bad_alloc();
-        _data = static_cast<T *>(moved);
+        take(moved, capacity);
+    }
+
+    void take(void *block, size_t capacity)
+    {
+        _data = static_cast<T *>(block);
         _capacity = capacity;
     }
 

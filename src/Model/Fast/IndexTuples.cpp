@@ -5,9 +5,11 @@
 // Tuples of one position form a chain. A position has few of them, unless the file
 // was made to hurt, or is the tip of a large fan: a chain that has its full length
 // grows no more, and further tuples of that position go into a hash table.
+//
+// There are no more tuples than corners read so far, so the indices of a tuple go
+// where those of an earlier corner were: untouched memory is what costs most here.
 #include "IndexTuples.h"
 
-#include "LargeMemory.h"
 #include "RowHash.h"
 #include "RowSlots.h"
 #include "ZeroedArray.h"
@@ -22,51 +24,39 @@ namespace Halvard::Orv {
 namespace {
 
 /// Tuples beyond the ends of full chains.
-template <unsigned Others>
 class OverflowTuples
 {
 public:
-    using Indices = std::array<quint32, Others>;
-
     explicit OverflowTuples(quint32 tupleLimit)
         : _tupleLimit(tupleLimit), _slots(tupleLimit, FirstRoom)
     {}
 
     /// The number of the tuple, or `candidate` if it is new here.
-    /// \param words all tuples by number, for comparing and for growing.
-    quint32 findOrInsert(quint32 position, const Indices &others, quint32 candidate,
-                         const quint32 *words, unsigned stride)
+    /// \param hashOf the hash of a tuple by its number.
+    /// \param isEqual whether a tuple, by its number, is the one sought.
+    template <typename HashOf, typename IsEqual>
+    quint32 findOrInsert(quint64 hash, quint32 candidate, const HashOf &hashOf,
+                         const IsEqual &isEqual)
     {
         if (_slots.isFull())
-            grow(words, stride);
-        return _slots.findOrInsert(hash(position, others.data()), candidate, [&](quint32 number) {
-            const quint32 *tuple = words + static_cast<size_t>(number) * stride;
-            return tuple[0] == position && std::equal(others.begin(), others.end(), tuple + 1);
-        });
+            grow(hashOf);
+        return _slots.findOrInsert(hash, candidate, isEqual);
     }
 
 private:
     static constexpr size_t FirstRoom = 1024;
 
-    quint64 hash(quint32 position, const quint32 *others) const
-    {
-        quint64 second = 0;
-        std::memcpy(&second, others, sizeof(Indices));
-        return _hash.add(_hash.start(), position, second);
-    }
-
-    void grow(const quint32 *words, unsigned stride)
+    template <typename HashOf>
+    void grow(const HashOf &hashOf)
     {
         _room *= 2;
         RowSlots larger(_tupleLimit, _room);
         _slots.forEach([&](quint32 number) {
-            const quint32 *tuple = words + static_cast<size_t>(number) * stride;
-            larger.findOrInsert(hash(tuple[0], tuple + 1), number, [](quint32) { return false; });
+            larger.findOrInsert(hashOf(number), number, [](quint32) { return false; });
         });
         _slots = std::move(larger);
     }
 
-    const RowHash _hash;
     quint32 _tupleLimit;
     size_t _room = FirstRoom;
     RowSlots _slots;
@@ -79,14 +69,14 @@ class TupleChains
 public:
     using Indices = std::array<quint32, Others>;
 
-    /// Position, other indices, and 1 + the number of the next tuple in the chain.
-    static constexpr unsigned Stride = Others + 2;
-
     /// \param expectedCount tuples that there will probably be.
-    TupleChains(quint32 positionCount, quint32 cornerCount, size_t expectedCount)
-        : _heads(static_cast<size_t>(positionCount) + 1), _overflow(cornerCount)
+    /// \param others where the other indices of the tuples go.
+    TupleChains(quint32 positionCount, quint32 cornerCount, size_t expectedCount,
+                const std::array<quint32 *, Others> &others)
+        : _heads(static_cast<size_t>(positionCount) + 1), _others(others), _overflow(cornerCount)
     {
-        reserveLarge(_words, expectedCount * Stride);
+        _positions.reserveMore(expectedCount);
+        _next.reserveMore(expectedCount);
     }
 
     void prefetch(quint32 position) const { __builtin_prefetch(_heads.data() + position); }
@@ -95,168 +85,114 @@ public:
     {
         quint32 &head = _heads[position];
         unsigned length = 0;
-        for (quint32 entry = head; entry != 0;) {
-            const quint32 *tuple = at(entry - 1);
-            if (std::equal(others.begin(), others.end(), tuple + 1))
+        for (quint32 entry = head; entry != 0; entry = _next[entry - 1]) {
+            if (at(entry - 1) == others)
                 return entry - 1;
             if (++length == FullLength)
                 return findInOverflow(position, others);
-            entry = tuple[1 + Others];
         }
         head = 1 + append(position, others, head);
         return head - 1;
     }
 
-    GrowArray<quint32> takeWords() { return std::move(_words); }
+    IndexTuples take() { return {std::move(_positions), std::move(_next)}; }
 
 private:
     static constexpr unsigned FullLength = 16;
 
-    const quint32 *at(quint32 number) const
+    Indices at(quint32 number) const
     {
-        return _words.data() + static_cast<size_t>(number) * Stride;
+        Indices indices;
+        for (unsigned i = 0; i < Others; ++i)
+            indices[i] = _others[i][number];
+        return indices;
     }
 
     quint32 append(quint32 position, const Indices &others, quint32 next)
     {
-        quint32 *tuple = _words.reserveMore(Stride);
-        tuple[0] = position;
-        std::copy(others.begin(), others.end(), tuple + 1);
-        tuple[1 + Others] = next;
-        _words.commit(Stride);
-        return _count++;
+        const auto number = static_cast<quint32>(_positions.size());
+        _positions.append(position);
+        _next.append(next);
+        for (unsigned i = 0; i < Others; ++i)
+            _others[i][number] = others[i];
+        return number;
+    }
+
+    quint64 hash(quint32 position, const Indices &others) const
+    {
+        quint64 second = 0;
+        std::memcpy(&second, others.data(), sizeof others);
+        return _hash.add(_hash.start(), position, second);
     }
 
     Q_NEVER_INLINE quint32 findInOverflow(quint32 position, const Indices &others)
     {
-        const quint32 number =
-            _overflow.findOrInsert(position, others, _count, _words.data(), Stride);
-        if (number == _count)
+        const auto candidate = static_cast<quint32>(_positions.size());
+        const quint32 number = _overflow.findOrInsert(
+            hash(position, others), candidate,
+            [this](quint32 known) { return hash(_positions[known], at(known)); },
+            [&](quint32 known) { return _positions[known] == position && at(known) == others; });
+        if (number == candidate)
             append(position, others, 0);
         return number;
     }
 
+    const RowHash _hash;
     ZeroedArray<quint32> _heads; ///< per position 1 + the number of the first tuple
-    GrowArray<quint32> _words;
-    quint32 _count = 0;
-    OverflowTuples<Others> _overflow;
+    std::array<quint32 *, Others> _others;
+    GrowArray<quint32> _positions;
+    GrowArray<quint32> _next; ///< 1 + the number of the next tuple in the chain
+    OverflowTuples _overflow;
 };
 
-/// One attribute's indices during the walk over the corners. Past their end it
-/// stands still on an index that selects nothing.
-class IndexCursor
+/// Most values belong to one tuple only, so the largest number of values is close
+/// to the number of tuples.
+size_t expectedTuples(size_t positionCount, const std::vector<CornerIndices> &others)
 {
-public:
-    explicit IndexCursor(const CornerIndices &corners)
-        : _at(corners.indices), _end(corners.count), _nothing(corners.valueCount)
-    {}
-
-    /// Prepares for the corners from `corner` on.
-    void enter(size_t corner)
-    {
-        if (corner >= _end) {
-            _at = &NoIndex;
-            _step = 0;
-        }
-    }
-
-    quint32 next()
-    {
-        const quint32 index = *_at;
-        _at += _step;
-        return std::min(index, _nothing);
-    }
-
-    size_t end() const { return _end; }
-
-private:
-    static constexpr quint32 NoIndex = ~0u;
-
-    const quint32 *_at;
-    size_t _end;
-    quint32 _nothing;
-    size_t _step = 1;
-};
+    size_t largest = positionCount;
+    for (const CornerIndices &column : others)
+        largest = std::max<size_t>(largest, column.valueCount);
+    return largest + largest / 8;
+}
 
 template <unsigned Others>
-class CornerWalk
+IndexTuples numberTuples(GrowArray<quint32> &corners, quint32 positionCount,
+                         const std::vector<CornerIndices> &others)
 {
-public:
-    CornerWalk(GrowArray<quint32> &corners, quint32 positionCount,
-               const std::vector<CornerIndices> &others)
-        : _corners(corners), _positionCount(positionCount),
-          _chains(positionCount, static_cast<quint32>(corners.size()),
-                  expectedTuples(positionCount, others))
-    {
-        for (const CornerIndices &indices : others)
-            _cursors.emplace_back(indices);
-    }
-
-    IndexTuples run()
-    {
-        // Between two ends of index arrays, all cursors do the same at each corner.
-        std::vector<size_t> ends = {_corners.size()};
-        for (const IndexCursor &cursor : _cursors)
-            ends.push_back(cursor.end());
-        std::sort(ends.begin(), ends.end());
-        size_t corner = 0;
-        for (const size_t end : ends) {
-            for (IndexCursor &cursor : _cursors)
-                cursor.enter(corner);
-            walk(corner, end);
-            corner = end;
-        }
-        return {TupleChains<Others>::Stride, _chains.takeWords()};
-    }
-
-private:
     /// Corners ahead of which a chain's head is fetched.
-    static constexpr size_t Ahead = 16;
+    constexpr size_t Ahead = 16;
 
-    /// Most values belong to one tuple only, so the largest number of values is
-    /// close to the number of tuples.
-    static size_t expectedTuples(size_t positionCount, const std::vector<CornerIndices> &others)
-    {
-        size_t largest = positionCount;
-        for (const CornerIndices &indices : others)
-            largest = std::max<size_t>(largest, indices.valueCount);
-        return largest + largest / 8;
+    std::array<quint32 *, Others> indicesOf;
+    std::array<quint32, Others> nothing;
+    for (unsigned i = 0; i < Others; ++i) {
+        indicesOf[i] = others[i].indices.data();
+        nothing[i] = others[i].valueCount;
     }
-
-    void walk(size_t begin, size_t end)
-    {
-        quint32 *corners = _corners.data();
-        // Copies: what the loop changes stays in registers.
-        std::array<IndexCursor, Others> cursors = copyCursors(std::make_index_sequence<Others>());
-        for (size_t corner = begin; corner < end; ++corner) {
-            if (end - corner > Ahead)
-                _chains.prefetch(std::min(corners[corner + Ahead], _positionCount));
-            typename TupleChains<Others>::Indices indices;
-            for (unsigned i = 0; i < Others; ++i)
-                indices[i] = cursors[i].next();
-            corners[corner] = _chains.find(std::min(corners[corner], _positionCount), indices);
-        }
-        std::copy(cursors.begin(), cursors.end(), _cursors.begin());
+    const size_t count = corners.size();
+    TupleChains<Others> chains(positionCount, static_cast<quint32>(count),
+                               expectedTuples(positionCount, others), indicesOf);
+    quint32 *const positions = corners.data();
+    for (size_t corner = 0; corner < count; ++corner) {
+        if (count - corner > Ahead)
+            chains.prefetch(std::min(positions[corner + Ahead], positionCount));
+        // Read before find() may put a tuple where they are.
+        typename TupleChains<Others>::Indices indices;
+        for (unsigned i = 0; i < Others; ++i)
+            indices[i] = std::min(indicesOf[i][corner], nothing[i]);
+        positions[corner] = chains.find(std::min(positions[corner], positionCount), indices);
     }
-
-    template <size_t... I>
-    std::array<IndexCursor, Others> copyCursors(std::index_sequence<I...>) const
-    {
-        return {_cursors[I]...};
-    }
-
-    GrowArray<quint32> &_corners;
-    quint32 _positionCount;
-    TupleChains<Others> _chains;
-    std::vector<IndexCursor> _cursors;
-};
+    IndexTuples tuples = chains.take();
+    for (const CornerIndices &column : others)
+        column.indices.resize(tuples.count());
+    return tuples;
+}
 
 /// Without other attributes: the positions in use.
 IndexTuples numberPositions(GrowArray<quint32> &corners, quint32 positionCount)
 {
     ZeroedArray<quint32> numbersPlusOne(static_cast<size_t>(positionCount) + 1);
-    IndexTuples tuples = {1, {}};
-    quint32 *const positions = reserveLarge(tuples.words, static_cast<size_t>(positionCount) + 2);
+    IndexTuples tuples;
+    quint32 *const positions = tuples.positions.reserveMore(size_t(positionCount) + 2);
     quint32 count = 0;
     quint32 *const end = corners.data() + corners.size();
     for (quint32 *corner = corners.data(); corner != end; ++corner) {
@@ -271,7 +207,9 @@ IndexTuples numberPositions(GrowArray<quint32> &corners, quint32 positionCount)
         numberPlusOne |= count & (0 - isNew);
         *corner = numberPlusOne - 1;
     }
-    tuples.words.commit(count);
+    tuples.positions.commit(count);
+    tuples.spare = std::move(numbersPlusOne).intoArray();
+    tuples.spare.resize(count);
     return tuples;
 }
 
@@ -284,9 +222,9 @@ IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount
     case 0:
         return numberPositions(corners, positionCount);
     case 1:
-        return CornerWalk<1>(corners, positionCount, others).run();
+        return numberTuples<1>(corners, positionCount, others);
     default:
-        return CornerWalk<2>(corners, positionCount, others).run();
+        return numberTuples<2>(corners, positionCount, others);
     }
 }
 

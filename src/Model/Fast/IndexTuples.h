@@ -13,29 +13,28 @@ namespace Halvard::Orv {
 /// Indices into one kind of values, one per corner.
 struct CornerIndices
 {
-    /// For the first corners; the others select nothing.
-    const quint32 *indices;
-    size_t count;
+    /// Receives one per tuple in their place, and keeps its room.
+    GrowArray<quint32> &indices;
     quint32 valueCount;
 };
 
 /// The distinct index tuples of a model, numbered in the order in which they
 /// first appear.
-///
-/// An index that selects no value stands as the number of values, whatever it was.
 struct IndexTuples
 {
-    /// Words from one tuple to the next. The first words are the indices, the
-    /// position's first.
-    unsigned stride;
-    GrowArray<quint32> words;
+    GrowArray<quint32> positions; ///< position index of each tuple
+    GrowArray<quint32> spare;     ///< one entry per tuple, of no meaning: scratch memory
 
-    quint32 count() const { return static_cast<quint32>(words.size() / stride); }
+    quint32 count() const { return static_cast<quint32>(positions.size()); }
 };
 
 /// Finds the distinct tuples of a position index and those of `others`, at most two.
 ///
+/// An index that selects no value stands in its tuple as the number of values,
+/// whatever it was.
+///
 /// \param corners per corner the position index; receives the tuple's number.
+/// \param others as many indices as corners each.
 IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount,
                               const std::vector<CornerIndices> &others);
 

@@ -1,27 +1,28 @@
 /// \file
-/// Memory of many megabytes.
+/// Blocks of memory of any size.
 #pragma once
-
-#include "GrowArray.h"
 
 #include <cstddef>
 
 namespace Halvard::Orv {
 
-/// Asks the system to back large memory with large pages. Touching fresh memory
-/// page by page is otherwise a large part of loading a file. Small memory, and a
-/// system that has no large pages, are left alone.
-///
-/// \param memory a block of its own from the allocator, with all its bytes.
-void preferLargePages(void *memory, size_t bytes);
+// Small blocks are the allocator's. Large ones come from the system and go back to it
+// as soon as they are freed: an allocator keeps some tens of megabytes in case they are
+// wanted again, which for the arrays of a model they are not. Growing moves the pages
+// of a large block, not its bytes, and pages that nothing was written to take no memory.
 
-/// Makes room for `count` more elements in an array that may become large.
-template <typename T>
-T *reserveLarge(GrowArray<T> &array, size_t count)
-{
-    T *const room = array.reserveMore(count);
-    preferLargePages(array.data(), (array.size() + count) * sizeof(T));
-    return room;
-}
+/// Memory of any content. Null when there is none to be had.
+///
+/// \param block null, or a block from here, which keeps its bytes up to the smaller of
+///        the two sizes, and is left as it is when null is returned.
+/// \param oldBytes the size that the block was asked for with; 0 for null.
+/// \param newBytes above 0.
+void *resizeBlock(void *block, size_t oldBytes, size_t newBytes);
+
+/// A block of zeros. Null when there is none to be had, or `bytes` is 0.
+void *zeroedBlock(size_t bytes);
+
+/// \param block null, or from here.
+void freeBlock(void *block, size_t bytes);
 
 } // namespace Halvard::Orv

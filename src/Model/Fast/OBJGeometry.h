@@ -77,6 +77,8 @@ struct OBJGeometry
     OBJAttribute texCoords{2};
     CornerCounts cornerCounts;
     quint32 cornerCount = 0;
+    /// Size of the file. What is made of it should take no more.
+    size_t textBytes = 0;
     /// Groups that have at least one face, in the order of their first face.
     std::vector<FaceGroup> groups;
 

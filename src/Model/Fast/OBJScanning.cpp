@@ -5,7 +5,6 @@
 #include "DigitMarks.h"
 #include "FaceGrouping.h"
 #include "FaceLines.h"
-#include "LargeMemory.h"
 #include "LineChunks.h"
 #include "LineReading.h"
 #include "SingleFaces.h"
@@ -40,14 +39,6 @@ private:
     const bool _textMode;
 };
 
-/// Makes room in an array that will probably become large.
-template <typename T>
-void expect(GrowArray<T> &array, size_t count)
-{
-    array.tryReserve(count);
-    preferLargePages(array.data(), array.capacity() * sizeof(T));
-}
-
 /// Makes room for what a file of `bytes` bytes may hold, by the length that numbers
 /// have in large files. Room that is not used takes no memory, while arrays that
 /// grow by moving lose their large pages.
@@ -57,11 +48,11 @@ void expectValues(OBJGeometry &geometry, size_t bytes)
     if (bytes < Large)
         return;
     for (OBJAttribute *attribute : {&geometry.positions, &geometry.normals, &geometry.texCoords})
-        expect(attribute->values, bytes / 8);
-    expect(geometry.positions.indices, bytes / 6);
-    expect(geometry.normals.indices, bytes / 12);
-    expect(geometry.texCoords.indices, bytes / 12);
-    expect(geometry.cornerCounts.small, bytes / 12);
+        attribute->values.tryReserve(bytes / 8);
+    geometry.positions.indices.tryReserve(bytes / 6);
+    geometry.normals.indices.tryReserve(bytes / 12);
+    geometry.texCoords.indices.tryReserve(bytes / 12);
+    geometry.cornerCounts.small.tryReserve(bytes / 12);
 }
 
 /// Whether the token [`begin`, `end`) is `keyword`.
@@ -265,7 +256,8 @@ OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuild
     if (device.atEnd()) // so says a file of size 0, even if it has bytes
         return Outcome::Finished;
     const RawReading raw(device);
-    expectValues(geometry, static_cast<size_t>(device.size()));
+    geometry.textBytes = static_cast<size_t>(device.size());
+    expectValues(geometry, geometry.textBytes);
     Scanner scanner(baseDir, builder, geometry);
     const Outcome outcome = scanner.scan(device, limits);
     detail = scanner.detail();

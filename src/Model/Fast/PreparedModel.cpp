@@ -1,9 +1,8 @@
 // Memory in bytes, the geometry included:
 //
 //   while tuples are found    4 a corner for each attribute that has indices,
-//                             8 or 12 a value, 4 a position, 4 to 16 a tuple
-//   while vertices are welded 4 a corner, 8 or 12 a value, the same again for each
-//                             vertex, 10 to 22 a tuple
+//                             8 or 12 a value, 4 a position, 8 a tuple
+//   while vertices are welded the same, but 6 a tuple more and nothing a position
 //   while faces are cut       4 a corner, 12 a triangle unless triangles can take
 //                             the place of their corners, the vertices' values
 //
@@ -16,7 +15,6 @@
 #include "CornerWelding.h"
 #include "FaceSums.h"
 #include "FaceTriangles.h"
-#include "LargeMemory.h"
 #include "OwnedStream.h"
 #include "VertexNormalSums.h"
 
@@ -95,15 +93,14 @@ public:
         weld(builder);
         const QVector<const FaceGroup *> groups = orderedGroups(_geometry, groupOrder);
         const bool inPlace = !_sums.hasLargerThanTriangles && areInFileOrder(groups);
+        reuseSpareMemory(inPlace);
         if (_hasNormals) {
             triangulate(groups, inPlace, nullptr);
-        } else if (inPlace || _hasTexCoords) {
+        } else if (inPlace || fitNormals()) {
             VertexNormalSums normals = startNormals();
             triangulate(groups, inPlace, &normals);
             finishNormals(normals);
         } else {
-            // Normals beside corners and triangles, in a file of positions and
-            // faces only, would be more than the file.
             triangulate(groups, inPlace, nullptr);
             VertexNormalSums normals = startNormals();
             addAllTriangles(normals);
@@ -121,16 +118,36 @@ private:
                       static_cast<int>(_welded.vertexCount), sizeof(quint32));
     }
 
+    /// Puts what welding has used up where the largest array still to be made goes.
+    void reuseSpareMemory(bool inPlace)
+    {
+        GrowArray<float> spare = std::move(_welded.spare);
+        if (!inPlace)
+            _indices = std::move(spare).recast<quint32>();
+        else if (!_hasNormals)
+            _welded.normals = std::move(spare);
+    }
+
+    /// Whether normals, beside corners and triangles, still take less than the file,
+    /// with an eighth left for what is not counted here.
+    bool fitNormals() const
+    {
+        const size_t floats =
+            2 * _welded.positions.size() + _welded.texCoords.size(); // positions and normals
+        const size_t corners = _welded.vertexOfCorner.size();
+        return 4 * (floats + corners + 3 * _sums.triangles) + _geometry.faceCount() <=
+               _geometry.textBytes / 8 * 7;
+    }
+
     /// The triangles of all groups, and a command for each.
     void triangulate(const QVector<const FaceGroup *> &groups, bool inPlace,
                      VertexNormalSums *normals)
     {
         const StageTimer timer(&LoadReport::Stages::triangulate);
         GrowArray<quint32> corners = std::move(_welded.vertexOfCorner);
-        GrowArray<quint32> separate;
         if (!inPlace)
-            reserveLarge(separate, 3 * _sums.triangles);
-        GrowArray<quint32> &indices = inPlace ? corners : separate;
+            _indices.reserveMore(3 * _sums.triangles);
+        GrowArray<quint32> &indices = inPlace ? corners : _indices;
 
         FaceTriangles triangles(_geometry.cornerCounts, corners.data(), _welded.positions.data(),
                                 indices.data(), normals);
@@ -143,7 +160,8 @@ private:
         }
         indices.resize(triangles.size());
         indices.shrink();
-        _indices = std::move(indices);
+        if (inPlace)
+            _indices = std::move(corners);
         _geometry = {};
     }
 
@@ -151,8 +169,8 @@ private:
     {
         const StageTimer timer(&LoadReport::Stages::normals);
         const size_t count = 3 * size_t(_welded.vertexCount);
-        reserveLarge(_welded.normals, count);
-        _welded.normals.commit(count);
+        _welded.normals.resize(count);
+        _welded.normals.shrink();
         return {_welded.vertexCount, _welded.positions.data(), _welded.normals.data()};
     }
 

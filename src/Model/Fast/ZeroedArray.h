@@ -2,19 +2,18 @@
 /// Scratch memory that starts as zeros.
 #pragma once
 
-#include "LargeMemory.h"
+#include "GrowArray.h"
 
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace Halvard::Orv {
 
-/// A fixed number of elements, all zero at first. Large arrays come from the
-/// system as untouched pages that are zero already, so nothing is spent on the
-/// parts that are never used. Throws std::bad_alloc.
+/// A fixed number of elements, all zero at first. Large arrays are untouched pages
+/// that are zero already, so nothing is spent on the parts that are never used.
+/// Throws std::bad_alloc.
 template <typename T>
 class ZeroedArray
 {
@@ -22,27 +21,26 @@ class ZeroedArray
 
 public:
     explicit ZeroedArray(size_t count)
-        : _data(static_cast<T *>(std::calloc(count, sizeof(T)))), _size(count)
     {
-        if (!_data && count > 0)
+        if (count > static_cast<size_t>(-1) / sizeof(T))
             throw std::bad_alloc();
-        preferLargePages(_data.get(), count * sizeof(T));
+        auto *const block = static_cast<T *>(zeroedBlock(count * sizeof(T)));
+        if (!block && count > 0)
+            throw std::bad_alloc();
+        _elements = GrowArray<T>::adopt(block, count);
     }
 
-    T *data() { return _data.get(); }
-    const T *data() const { return _data.get(); }
-    size_t size() const { return _size; }
-    T &operator[](size_t i) { return _data.get()[i]; }
-    const T &operator[](size_t i) const { return _data.get()[i]; }
+    /// The elements as an array for other use.
+    GrowArray<T> intoArray() && { return std::move(_elements); }
+
+    T *data() { return _elements.data(); }
+    const T *data() const { return _elements.data(); }
+    size_t size() const { return _elements.size(); }
+    T &operator[](size_t i) { return _elements[i]; }
+    const T &operator[](size_t i) const { return _elements[i]; }
 
 private:
-    struct Free
-    {
-        void operator()(T *data) const { std::free(data); }
-    };
-
-    std::unique_ptr<T, Free> _data;
-    size_t _size;
+    GrowArray<T> _elements;
 };
 
 } // namespace Halvard::Orv

@@ -1,0 +1,129 @@
+// Arrays on both sides of the size from which memory comes straight from the system.
+#include "Fast/GrowArray.h"
+#include "Fast/ZeroedArray.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+using namespace Halvard::Orv;
+
+namespace {
+
+/// Elements of 4 bytes: far below one MiB, around it, and far above.
+const std::size_t Counts[] = {1, 1000, (1 << 18) - 1, 1 << 18, (1 << 18) + 1, 3 << 20};
+
+GrowArray<std::uint32_t> counted(std::size_t count)
+{
+    GrowArray<std::uint32_t> array;
+    array.resize(count);
+    std::iota(array.data(), array.data() + count, 7u);
+    return array;
+}
+
+/// How many of the first `count` elements are what counted() made them.
+std::size_t countedElements(const std::uint32_t *elements, std::size_t count)
+{
+    std::size_t right = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        right += elements[i] == 7u + i ? 1 : 0;
+    return right;
+}
+
+TEST(GrowArrayTest, keepsItsElementsFromAnySizeToAnyOther)
+{
+    for (const std::size_t from : Counts) {
+        for (const std::size_t to : Counts) {
+            GrowArray<std::uint32_t> array = counted(from);
+            array.resize(to);
+            array.shrink();
+            EXPECT_EQ(array.size(), to);
+            EXPECT_EQ(array.capacity(), to);
+            const std::size_t common = std::min(from, to);
+            EXPECT_EQ(countedElements(array.data(), common), common) << from << " to " << to;
+            array.data()[to - 1] = 1; // is there
+        }
+    }
+}
+
+TEST(GrowArrayTest, growsElementByElement)
+{
+    GrowArray<std::uint32_t> array;
+    for (std::uint32_t i = 0; i < 700000; ++i)
+        array.append(7 + i);
+    EXPECT_EQ(countedElements(array.data(), array.size()), 700000u);
+}
+
+TEST(GrowArrayTest, reservesAndCommits)
+{
+    for (const std::size_t count : Counts) {
+        GrowArray<std::uint32_t> array = counted(5);
+        array.tryReserve(count + 5);
+        EXPECT_GE(array.capacity(), count + 5);
+        std::uint32_t *const room = array.reserveMore(count);
+        EXPECT_EQ(room, array.data() + 5);
+        std::iota(room, room + count, 12u);
+        array.commit(count);
+        EXPECT_EQ(countedElements(array.data(), array.size()), count + 5);
+    }
+}
+
+TEST(GrowArrayTest, canReserveNothingBeyondTheAddressSpace)
+{
+    GrowArray<std::uint32_t> array = counted(3);
+    const std::uint32_t *const before = array.data();
+    array.tryReserve(std::numeric_limits<std::size_t>::max() / 8);
+    array.tryReserve(std::numeric_limits<std::size_t>::max() / 2);
+    EXPECT_EQ(array.data(), before);
+    EXPECT_EQ(countedElements(array.data(), 3), 3u);
+}
+
+TEST(GrowArrayTest, isRecastWithItsMemory)
+{
+    for (const std::size_t count : Counts) {
+        GrowArray<std::uint32_t> array = counted(count);
+        const void *const memory = array.data();
+        GrowArray<float> floats = std::move(array).recast<float>();
+        EXPECT_EQ(array.data(), nullptr);
+        EXPECT_EQ(array.size(), 0u);
+        EXPECT_EQ(floats.data(), memory);
+        EXPECT_EQ(floats.size(), count);
+        const GrowArray<std::uint32_t> back = std::move(floats).recast<std::uint32_t>();
+        EXPECT_EQ(countedElements(back.data(), count), count);
+    }
+}
+
+TEST(GrowArrayTest, movesWithoutCopying)
+{
+    GrowArray<std::uint32_t> array = counted(9);
+    const void *const memory = array.data();
+    GrowArray<std::uint32_t> other = counted(1 << 19);
+    other = std::move(array);
+    EXPECT_EQ(other.data(), memory);
+    EXPECT_TRUE(array.isEmpty());
+    EXPECT_EQ(countedElements(other.data(), other.size()), 9u);
+}
+
+TEST(ZeroedArrayTest, isZeroInAllSizes)
+{
+    for (const std::size_t count : Counts) {
+        // Memory that others have used before is not what one gets.
+        GrowArray<std::uint32_t> used = counted(count);
+        used = {};
+        ZeroedArray<std::uint32_t> array(count);
+        EXPECT_EQ(array.size(), count);
+        EXPECT_EQ(std::count(array.data(), array.data() + count, 0u),
+                  static_cast<std::ptrdiff_t>(count));
+        GrowArray<std::uint32_t> rest = std::move(array).intoArray();
+        rest.resize(2 * count);
+        EXPECT_EQ(std::count(rest.data(), rest.data() + count, 0u),
+                  static_cast<std::ptrdiff_t>(count));
+    }
+    EXPECT_EQ(ZeroedArray<std::uint32_t>(0).size(), 0u);
+}
+
+} // namespace
