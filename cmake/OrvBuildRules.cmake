@@ -27,7 +27,7 @@ if(ORV_SANITIZE)
     -fsanitize=${ORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     # GCC loses track of initialisation in instrumented code and warns of the
     # standard library's own headers. The release build keeps the warning.
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(orv_build_rules INTERFACE -fsanitize=${ORV_SANITIZE})
 endif()
 

@@ -51,6 +51,16 @@ struct ModelBuilderInspector
     {
         return builder._drawCommandGroups;
     }
+    /// The part of upload() that needs no OpenGL: streams, triangles and normals are
+    /// built where they are not yet. False when there is nothing to upload.
+    static bool prepare(ModelBuilder &builder, const QString &positionAttribute)
+    {
+        if (!builder.isValid() || !builder.isPositionAttribute(positionAttribute))
+            return false;
+        const bool isPrepared = builder._gpuIndices && !builder._gpuIndices->isEmpty();
+        return (isPrepared || builder.prepareForUpload(positionAttribute)) &&
+               builder.hasGPUStreams();
+    }
     static quint64 flagsMask(const ModelBuilder &builder) { return builder._flagsMask; }
 };
 

@@ -1,0 +1,82 @@
+/// \file
+/// An OBJ text on either road of the loader, up to what would go to the GPU.
+#pragma once
+
+#include "support/MessageCapture.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace OrvFuzz {
+
+/// Everything that comes of a text, floats and indices as bytes.
+struct PreparedOBJ
+{
+    struct Command
+    {
+        QString group;
+        unsigned firstIndex;
+        unsigned count;
+    };
+
+    /// Whether the text must be read by lines; then nothing else is set.
+    bool needsLineReader = false;
+    bool isLibraryMissing = false;
+    QString libraryPath;
+    /// Per material group what its record holds, one line a member.
+    std::map<QString, std::vector<QString>> materials;
+    std::map<QString, QByteArray> attributes;
+    QByteArray indices;
+    std::vector<Command> commands;
+    std::vector<OrvTest::Message> messages;
+};
+
+/// A model in one input: the text up to a line "#mtl" is the OBJ file, and what
+/// follows it a library that this file finds under the name "m.mtl".
+struct ModelText
+{
+    explicit ModelText(const QByteArray &input);
+
+    QByteArray obj;
+    QByteArray mtl;
+};
+
+/// Where a model's library lies: a directory in memory.
+class LibraryDirectory
+{
+public:
+    static LibraryDirectory &instance();
+
+    const QString &path() const { return _path; }
+    /// Makes `contents` the library "m.mtl".
+    void write(const QByteArray &contents);
+
+private:
+    LibraryDirectory();
+
+    QString _path;
+    QByteArray _contents;
+};
+
+/// Whether the text names a library by a path. Such texts are not loaded: a path may
+/// lead to any file of the machine, also to one that never ends.
+bool namesLibraryByPath(const QByteArray &obj);
+
+/// A chunk that holds all of an input, but takes less time to make than a loader's.
+constexpr std::size_t LargeChunk = std::size_t(1) << 14;
+
+/// Reads the text as bytes, `chunkBytes` at a time, and prepares it.
+PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::size_t chunkBytes);
+
+/// Pours the text line by line into a builder, and prepares that.
+PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir);
+
+/// What differs first; empty when nothing does.
+std::string difference(const PreparedOBJ &first, const PreparedOBJ &second);
+
+} // namespace OrvFuzz
