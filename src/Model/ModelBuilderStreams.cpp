@@ -69,8 +69,7 @@ public:
     ValueCopier(const StreamPointer &values, unsigned type, int components,
                 const StreamPointer &target)
         : _target(target), _components(components),
-          _valueBytes(ModelDataStream::typeSize(type) * static_cast<unsigned long>(components)),
-          _nothing(_valueBytes, '\0')
+          _valueBytes(ModelDataStream::typeSize(type) * static_cast<unsigned long>(components))
     {
         if (values && components > 0) {
             _values = static_cast<const char *>(values->data(0));
@@ -82,12 +81,20 @@ public:
     /// no value selects zeros.
     void copy(unsigned index, int vertex)
     {
-        const char *source = index < _valueCount ? _values + index * _valueBytes : _nothing.data();
         _target->setData(static_cast<unsigned long>(_components * vertex),
-                         static_cast<unsigned long>(_components), source);
+                         static_cast<unsigned long>(_components),
+                         index < _valueCount ? _values + index * _valueBytes : zeros());
     }
 
 private:
+    /// A value of zeros, made when there is a vertex that needs it: the components of a
+    /// model without corners may be more than memory holds.
+    const char *zeros()
+    {
+        _nothing.resize(_valueBytes, '\0');
+        return _nothing.data();
+    }
+
     const StreamPointer &_target;
     int _components;
     unsigned long _valueBytes;
