@@ -2,13 +2,15 @@
 """Runs the contestants of benchmarks/compare.sh side by side and writes what they took.
 
 compare.py PROGRAMS OUT [--sizes 3,30,200] [--rounds N] [--lines-up-to MB]
-           [--assimp-up-to MB] [--small FILE.obj...] MODEL.obj...
+           [--rules-up-to MB] [--assimp-up-to MB] [--growth MB,MB...]
+           [--small FILE.obj...] MODEL.obj...
 
 PROGRAMS is the folder with the built programs. OUT receives results.json, table.md
 and chart.svg; the repeated models are made in OUT/models and stay there.
 
-A round runs every contestant once (files above 100 MB have half as many rounds), so that what else the machine does falls on all
-of them alike. Nobody is measured before a first reading has brought the file into
+A round runs every contestant once, so that what else the machine does falls on all
+of them alike. Files above 100 MB have half as many rounds, and only one for those who
+take many seconds. Nobody is measured before a first reading has brought the file into
 the page cache.
 """
 import argparse
@@ -26,9 +28,13 @@ import report
 CONTESTANTS = {
     "bytes": ["load_orv", "{file}", "bytes"],
     "lines": ["load_orv", "{file}", "lines"],
+    "rules": ["load_rules", "{file}"],
     "tinyobj": ["load_tinyobj", "{file}"],
     "assimp": ["load_assimp", "{file}"],
 }
+
+
+SLOW = {"lines", "rules", "assimp"}
 
 
 def run(programs, contestant, file, *more):
@@ -54,8 +60,10 @@ def measure(programs, file, names, rounds):
     file.read_bytes()
     runs = {name: [] for name in names}
     loads = []
-    for _ in range(rounds):
+    for number in range(rounds):
         for name in names:
+            if number > 0 and name in SLOW and file.stat().st_size > 100e6:
+                continue
             loads.append(os.getloadavg()[0])
             runs[name].append(run(programs, name, file))
     return runs, loads
@@ -83,7 +91,7 @@ def summary(runs):
 
 
 def check(result):
-    """The two roads agree entirely; others on the triangles, and on the vertices where they weld
+    """The library's roads and the rules agree entirely; others on the triangles, and on the vertices where they weld
     by bytes too and read numbers as exactly."""
     own = result["contestants"]["bytes"]
     for name, other in result["contestants"].items():
@@ -92,9 +100,10 @@ def check(result):
                 f"{name}: {other['triangles']} triangles, not {own['triangles']}")
         if other["vertices"] != own["vertices"]:
             result["remarks"].append(f"{name}: {other['vertices']} vertices, not {own['vertices']}")
-    lines = result["contestants"].get("lines")
-    if lines and (lines["vertices"], lines["triangles"]) != (own["vertices"], own["triangles"]):
-        sys.exit(f"{result['model']}: the two roads differ")
+    for name in ("lines", "rules"):
+        other = result["contestants"].get(name, own)
+        if (other["vertices"], other["triangles"]) != (own["vertices"], own["triangles"]):
+            sys.exit(f"{result['model']}: '{name}' has another result")
 
 
 def machine():
@@ -115,7 +124,9 @@ def main():
     parser.add_argument("--sizes", default="3,30,200")
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--lines-up-to", type=float, default=30)
-    parser.add_argument("--assimp-up-to", type=float, default=200)
+    parser.add_argument("--rules-up-to", type=float, default=200)
+    parser.add_argument("--assimp-up-to", type=float, default=30)
+    parser.add_argument("--growth", default="3,30,300")
     parser.add_argument("--small", nargs="*", type=pathlib.Path, default=[])
     options = parser.parse_args()
 
@@ -123,10 +134,11 @@ def main():
     folder = options.out / "models"
     folder.mkdir(parents=True, exist_ok=True)
     limits = {"bytes": float("inf"), "tinyobj": float("inf"),
-              "lines": options.lines_up_to, "assimp": options.assimp_up_to}
+              "lines": options.lines_up_to, "rules": options.rules_up_to,
+              "assimp": options.assimp_up_to}
     available = [name for name, command in CONTESTANTS.items()
                  if (options.programs / command[0]).exists()]
-    results = {"machine": machine(), "files": [], "small": [], "loads": []}
+    results = {"machine": machine(), "files": [], "growth": [], "small": [], "loads": []}
 
     def write():
         results["load"] = [min(results["loads"]), max(results["loads"])] if results["loads"] else []
@@ -145,6 +157,15 @@ def main():
             results["loads"] += loads
             write()
             print(report.line(result), flush=True)
+    for model in options.models:
+        for size in [int(s) for s in options.growth.split(",") if s]:
+            file = repeated(options.programs, folder, model, size)
+            file.read_bytes()
+            # Many loads in one process: what its first load pays for is not the file's.
+            load = run(options.programs, "bytes", file, str(max(8, 120 // size)))
+            results["growth"].append({"model": model.stem, "bytes": file.stat().st_size,
+                                      "leastCPU": load["leastCPU"]})
+        write()
     for file in options.small:
         load = run(options.programs, "bytes", file, "301")
         results["small"].append({"file": file.name, "bytes": file.stat().st_size,

@@ -3,12 +3,14 @@
 # and a chart of what they took.
 #
 #     benchmarks/compare.sh [--sizes MB,MB...] [--rounds N] [--lines-up-to MB]
-#                           [--assimp-up-to MB] [MODEL.obj...]
+#                           [--rules-up-to MB] [--assimp-up-to MB] [--growth MB,MB...]
+#                           [MODEL.obj...]
 #
-# Each model is repeated side by side up to each size. Without a model there are four
-# of samples/: positions only, normals, texture coordinates, many materials. What comes
-# out is build/compare/table.md, chart.svg and results.json. Other build and result
-# folders: ORV_BENCH_BUILD and ORV_BENCH_OUT.
+# Each model is repeated side by side up to each size, and loaded once more with the
+# sizes of --growth, by this library only, many times in one process. Without a model
+# there are four of samples/: positions only, normals, texture coordinates, many
+# materials. What comes out is build/compare/table.md, chart.svg and results.json. Other
+# build and result folders: ORV_BENCH_BUILD and ORV_BENCH_OUT.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
@@ -41,7 +43,7 @@ fi
 
 "$root/scripts/setup.sh" build bench
 (cd "$root" && cmake --preset release -B "$build" -DORV_BUILD_BENCHMARKS=ON -DORV_BUILD_TESTS=OFF) >&2
-cmake --build "$build" --target repeat_model load_orv load_tinyobj load_assimp >&2
+cmake --build "$build" --target repeat_model load_orv load_rules load_tinyobj load_assimp >&2
 python3 "$root/benchmarks/compare.py" "$build/benchmarks" "$out" "${models[@]}" \
   ${options[@]+"${options[@]}"} --small "$root/samples/negative_indices.obj" \
   "$root/samples/concave_polygons.obj"

@@ -9,11 +9,13 @@ import sys
 
 NAMES = {
     "bytes": "this library",
-    "lines": "line by line",
+    "lines": "this library, line by line",
+    "rules": "the rules word for word",
     "tinyobj": "tinyobjloader + meshoptimizer",
     "assimp": "Assimp",
 }
-COLOURS = {"bytes": "#1b7837", "lines": "#999999", "tinyobj": "#2166ac", "assimp": "#b2182b"}
+COLOURS = {"bytes": "#1b7837", "lines": "#999999", "rules": "#555555",
+           "tinyobj": "#2166ac", "assimp": "#b2182b"}
 
 
 def line(result):
@@ -51,6 +53,14 @@ def stage_table(results):
             f"| {1e6 * own['cpuMinimum'] / result['bytes']:.2f} "
             f"| {stages['read']:.1f} | {stages['weld']:.1f} | {stages['triangulate']:.1f} "
             f"| {stages['normals']:.1f} | {own['driverCPU']:.1f} |")
+    return rows
+
+
+def growth_table(results):
+    rows = ["| model | MB | least CPU, ms | ns per byte |", "|---|--:|--:|--:|"]
+    for r in results.get("growth", []):
+        rows.append(f"| {r['model']} | {r['bytes'] / 1e6:.0f} | {r['leastCPU']:.1f} "
+                    f"| {1e6 * r['leastCPU'] / r['bytes']:.2f} |")
     return rows
 
 
@@ -105,6 +115,8 @@ def chart(results):
 
 def write(results, out):
     text = table(results) + [""] + stage_table(results) + [""]
+    if results.get("growth"):
+        text += growth_table(results) + [""]
     if results["small"]:
         text += ["| small file | kB | load without the driver, ms | with it, ms |",
                  "|---|--:|--:|--:|"]
