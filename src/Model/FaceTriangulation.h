@@ -3,7 +3,7 @@
 /// caller of many faces keeps.
 #pragma once
 
-#include <OrvModel/Triangulate2D.h>
+#include "Ears/EarClipping.h"
 
 #include <QtCore/QVector>
 #include <QtGui/QVector2D>
@@ -26,7 +26,7 @@ public:
 
 private:
     QVector<QVector2D> _projected;
-    QVector<Vertex> _ring;
+    EarClipping _clipping;
     QVector<int> _triangles;
 };
 

@@ -1,6 +1,5 @@
 #include <OrvModel/Triangulate3D.h>
 
-#include "EarClipping.h"
 #include "FaceTriangulation.h"
 
 #include <QtGui/QVector3D>
@@ -97,7 +96,7 @@ const QVector<int> &FaceTriangulation::triangulate(QVector3D const &normal, int 
                                                    int const *indices, float const *positions)
 {
     project(PlaneAxes(normal), count, indices, positions, _projected);
-    clipEars(count, _projected.constData(), _triangles, runsClockwise(_projected), _ring);
+    _clipping.triangulate(count, _projected.constData(), _triangles, runsClockwise(_projected));
     return _triangles;
 }
 
