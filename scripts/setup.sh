@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that this project needs, those that are missing only.
 #
-#     scripts/setup.sh [build] [test] [bench] [coverage]
+#     scripts/setup.sh [build] [test] [fuzz] [bench] [coverage]
 #
 #   build     what compiling the libraries and the `orv` command line takes, and an
 #             OpenGL driver that runs without a graphics card or a display
 #   test      what the tests take beyond that
+#   fuzz      clang, whose libFuzzer the fuzz targets are linked with
 #   bench     Google Benchmark, and the libraries that benchmarks/compare.sh measures
 #   coverage  what scripts/coverage.sh counts with
 #
@@ -28,6 +29,9 @@ build_packages=(
   libegl1 libegl-mesa0 libgl1-mesa-dri
 )
 test_packages=(libgtest-dev libgmock-dev)
+# The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
+# lines of the addresses in reports.
+fuzz_packages=(clang libclang-rt-14-dev llvm)
 bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev python3)
 coverage_packages=(gcovr)
 
@@ -78,6 +82,7 @@ for group in "${@:-all}"; do
       ;;
     build) wanted+=("${build_packages[@]}") ;;
     test) wanted+=("${test_packages[@]}") ;;
+    fuzz) wanted+=("${fuzz_packages[@]}") ;;
     bench) wanted+=("${bench_packages[@]}") ;;
     coverage) wanted+=("${coverage_packages[@]}") ;;
     all) wanted+=("${build_packages[@]}" "${test_packages[@]}") ;;

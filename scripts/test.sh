@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Builds everything, with warnings as errors, and runs every test: first the release
 # build, then the tests of concurrent use under the thread sanitizer, then every test
-# under the address and undefined-behaviour sanitizers.
+# under the address and undefined-behaviour sanitizers. Before all of them, what fuzzing
+# has found once is tried again, and every fuzz target runs for a moment.
 #
 #     scripts/test.sh
 #
 # Installs the packages that are missing first. Stops at the first build or test run that
 # fails, with a non-zero exit status; the last lines are always the summary of the last
-# test run. Builds in build/test-release, build/test-tsan and build/test-asan.
+# test run. Builds in build/test-release, build/test-tsan, build/test-asan and build/fuzz.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -46,6 +47,8 @@ if command -v python3 >/dev/null; then
   say "samples: comparing with what their generator writes"
   python3 "$repository/samples/make_samples.py" --check >&2
 fi
+
+bash "$repository/scripts/fuzz.sh" --replay >&2
 
 # The sanitizers' own settings also hold while building: listing the cases of a test
 # program runs it. A leak in the OpenGL driver is not ours to mend.
