@@ -1,105 +1,14 @@
 // The loader's two roads on the same files: everything on the GPU, every record
 // and every message must be the same.
+#include "support/BothRoads.h"
 #include "support/GLTest.h"
-#include "support/GPUReadBack.h"
-#include "support/LoadedOBJ.h"
-#include "support/MessageCapture.h"
-#include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <OBJRoads.h>
-
-#include <OrvCore/InstanceDataCollection.h>
-#include <OrvGL/GPUModel.h>
-
-#include <gmock/gmock.h>
-
-#include <QtCore/QDir>
 #include <QtCore/QDirIterator>
 
-#include <map>
-#include <memory>
-
-using namespace Halvard::Orv;
 using namespace OrvTest;
-using ::testing::ElementsAreArray;
 
 namespace {
-
-/// What one road makes of a file.
-struct Outcome
-{
-    bool isModel = false;
-    QString errorMessage;
-    std::vector<Message> messages;
-    int bundleCount = 0;
-    unsigned vertexCount = 0;
-    unsigned indexType = 0;
-    QByteArray indices;
-    std::map<QString, QByteArray> attributes;
-    QVector<DrawElementsIndirectCommand> commands;
-    std::vector<QString> materialNames;
-    std::vector<std::vector<std::string>> records;
-};
-
-/// The statistics line begins with the address of a builder, which differs.
-void forgetAddress(Message &message)
-{
-    if (message.text.rfind("0x", 0) == 0)
-        message.text.erase(0, message.text.find(' '));
-}
-
-void readBundle(GPUModel &model, Outcome &outcome)
-{
-    const DrawBuffers &bundle = *model.bundle(0);
-    outcome.vertexCount = bundle.vertexCount();
-    outcome.indexType = bundle.indexType();
-    outcome.indices = bundle.indexBuffer()->download();
-    outcome.commands = bundle.commands();
-    for (const auto &attribute : bundle.VAO()->attributes())
-        outcome.attributes[attribute.name] = attribute.buffer->download();
-    for (int slot = 0; slot < outcome.commands.size(); ++slot)
-        outcome.materialNames.push_back(model.materialName(0, slot));
-    for (InstanceDataCollection *collection : {model.materials(0), model.instances(0)}) {
-        for (const InstanceData &record : collection->records())
-            outcome.records.push_back(described(record));
-    }
-}
-
-Outcome load(const QString &fileName, OBJRoad road)
-{
-    Outcome outcome;
-    outcome.errorMessage = QStringLiteral("untouched");
-    MessageCapture capture;
-    const std::unique_ptr<GPUModel> model(
-        loadModelFromOBJFile(fileName, outcome.errorMessage, road));
-    outcome.messages = capture.messages();
-    for (Message &message : outcome.messages)
-        forgetAddress(message);
-    outcome.isModel = model != nullptr;
-    outcome.bundleCount = model ? model->bundleCount() : 0;
-    if (outcome.bundleCount == 1)
-        readBundle(*model, outcome);
-    return outcome;
-}
-
-void expectSameOnBothRoads(const QString &fileName)
-{
-    SCOPED_TRACE(fileName.toStdString());
-    const Outcome bytes = load(fileName, OBJRoad::Bytes);
-    const Outcome lines = load(fileName, OBJRoad::Lines);
-    EXPECT_EQ(bytes.isModel, lines.isModel);
-    EXPECT_EQ(bytes.errorMessage, lines.errorMessage);
-    EXPECT_THAT(bytes.messages, ElementsAreArray(lines.messages));
-    EXPECT_EQ(bytes.bundleCount, lines.bundleCount);
-    EXPECT_EQ(bytes.vertexCount, lines.vertexCount);
-    EXPECT_EQ(bytes.indexType, lines.indexType);
-    EXPECT_TRUE(bytes.indices == lines.indices);
-    EXPECT_TRUE(bytes.attributes == lines.attributes);
-    EXPECT_TRUE(bytes.commands == lines.commands);
-    EXPECT_EQ(bytes.materialNames, lines.materialNames);
-    EXPECT_EQ(bytes.records, lines.records);
-}
 
 /// Every OBJ file below a folder.
 QStringList modelsBelow(const QString &folder)
