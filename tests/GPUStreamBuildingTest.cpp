@@ -490,6 +490,77 @@ TEST_F(RecordedBuildingTest, withoutMemoryTheAttributesStayUnbuilt)
     EXPECT_THAT(gpuIndices(builder, vertexName()), ElementsAre(0, 1, 0));
 }
 
+TEST_F(RecordedBuildingTest, withStreamsThatAreTooShortTheAttributesStayUnbuilt)
+{
+    for (const bool merging : {true, false}) {
+        // Indices, values, welded values: a write beyond any of them would be noticed.
+        for (unsigned long whole = 0; whole < 3; ++whole) {
+            allocator->shortenAfter(whole);
+            builder.buildGPUFriendlyStreams(merging);
+            const auto attribute = Inspector::vertexAttribute(builder, vertexName());
+            EXPECT_FALSE(attribute.gpuValues) << whole;
+            EXPECT_FALSE(attribute.gpuIndices) << whole;
+        }
+    }
+    EXPECT_THAT(silence.messages(), IsEmpty());
+}
+
+// Offsets into a stream are signed 32-bit numbers.
+TEST_P(BothFormsTest, whatHasMoreElementsThanOffsetsReachIsNotBuilt)
+{
+    struct Row
+    {
+        const char *name;
+        unsigned corners;
+        int components;
+        bool isTried;
+    };
+    const Row rows[] = {
+        {"2^31 - 2^15 elements", 1u << 15, (1 << 16) - 1, true},
+        {"2^31 elements", 1u << 15, 1 << 16, false},
+        {"2^32 elements", 1u << 16, 1 << 16, false},
+    };
+    for (const Row &row : rows) {
+        const auto allocator = QSharedPointer<RecordingAllocator>::create();
+        ModelBuilder builder(allocator, 0);
+        addFaces(builder, {row.corners});
+        addAttribute(builder, vertexName(), row.components, {}, {});
+        allocator->failAfter(0);
+        allocator->log().clear();
+        builder.buildGPUFriendlyStreams(GetParam());
+        EXPECT_EQ(!allocator->log().changes().empty(), row.isTried) << row.name;
+        EXPECT_FALSE(Inspector::vertexAttribute(builder, vertexName()).gpuIndices) << row.name;
+    }
+}
+
+// Only a want of memory leaves an attribute without a stream of values.
+TEST_P(BothFormsTest, anAttributeWithoutAValueStreamBecomesFloatsOfZero)
+{
+    const MessageCapture silence;
+    ModelBuilder builder({}, 0);
+    addFaces(builder, {3});
+    addAttribute(builder, vertexName(), 1, {1, 2, 3}, {0, 1, 2});
+    addAttribute(builder, normalName(), 2, {4, 5}, {0, 0, 0});
+    Inspector::vertexAttributes(builder)[normalName()].values.clear();
+    builder.buildGPUFriendlyStreams(GetParam());
+    const auto normals = Inspector::vertexAttribute(builder, normalName()).gpuValues;
+    ASSERT_TRUE(normals);
+    EXPECT_EQ(normals->type(), typeFloat);
+    EXPECT_THAT(floats(normals), areFloats({0, 0, 0, 0, 0, 0}));
+}
+
+TEST_P(BothFormsTest, anAttributeOfLessThanNoComponentsHasNoValues)
+{
+    const MessageCapture silence;
+    ModelBuilder builder({}, 0);
+    addFaces(builder, {3});
+    addAttribute(builder, vertexName(), 1, {1, 2, 3}, {0, 1, 2});
+    addAttribute(builder, normalName(), -1, {4, 5}, {0, 0, 0});
+    builder.buildGPUFriendlyStreams(GetParam());
+    EXPECT_TRUE(Inspector::vertexAttribute(builder, vertexName()).gpuIndices);
+    EXPECT_THAT(gpuValues(builder, normalName()), IsEmpty());
+}
+
 // A slower truth
 
 struct SlowVertices

@@ -292,6 +292,22 @@ TEST_F(UploadBatchesTest, withoutMemoryTheModelStaysAsItWasAndALaterUploadWorks)
     EXPECT_THAT(messages.texts(QtWarningMsg), IsEmpty());
 }
 
+TEST_F(UploadBatchesTest, withStreamsThatAreTooShortTheModelStaysAsItWas)
+{
+    // Those of the list above that are made at their final size.
+    for (const unsigned long whole : {0ul, 1ul, 2ul, 4ul, 5ul}) {
+        const auto allocator = QSharedPointer<RecordingAllocator>::create();
+        ModelBuilder builder(allocator, 0);
+        addSquareWithGroup(builder);
+        builder.generateNormals(normalName());
+        allocator->shortenAfter(whole);
+        GPUModel uploaded;
+        builder.upload(&uploaded, instanceRecord(), vertexName(), QString(), GL_STATIC_DRAW,
+                       GL_TRIANGLES);
+        EXPECT_EQ(uploaded.bundleCount(), 0) << whole;
+    }
+}
+
 /// Streams that keep what they were made with and take nothing more, once told to.
 class FullAllocator : public Halvard::Orv::ModelDataArrayAllocator
 {

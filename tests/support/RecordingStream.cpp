@@ -201,7 +201,8 @@ void RecordingStream::checkGuards() const
 }
 
 RecordingAllocator::RecordingAllocator()
-    : _log(std::make_shared<CallLog>()), _remaining(std::numeric_limits<unsigned long>::max())
+    : _log(std::make_shared<CallLog>()), _remaining(std::numeric_limits<unsigned long>::max()),
+      _remainingWhole(std::numeric_limits<unsigned long>::max())
 {}
 
 Halvard::Orv::ModelDataStream *RecordingAllocator::alloc(unsigned type, unsigned long count)
@@ -212,6 +213,10 @@ Halvard::Orv::ModelDataStream *RecordingAllocator::alloc(unsigned type, unsigned
         return nullptr;
     }
     --_remaining;
+    if (_remainingWhole > 0)
+        --_remainingWhole;
+    else if (count > 0)
+        --count;
     const std::string name = 's' + std::to_string(_handedOut++);
     _log->add(call + name);
     return new RecordingStream(type, count, name, _log);
@@ -225,6 +230,11 @@ CallLog &RecordingAllocator::log()
 void RecordingAllocator::failAfter(unsigned long count)
 {
     _remaining = count;
+}
+
+void RecordingAllocator::shortenAfter(unsigned long count)
+{
+    _remainingWhole = count;
 }
 
 } // namespace OrvTest

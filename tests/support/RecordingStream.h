@@ -74,7 +74,7 @@ private:
     std::vector<unsigned char> _memory;
 };
 
-/// Hands out RecordingStream objects, and null once told to.
+/// Hands out RecordingStream objects, and null or too short ones once told to.
 class RecordingAllocator : public Halvard::Orv::ModelDataStreamAllocator
 {
 public:
@@ -85,11 +85,14 @@ public:
     CallLog &log();
     /// After `count` more streams every alloc() gives null.
     void failAfter(unsigned long count);
+    /// After `count` more streams every stream holds an element less than asked for.
+    void shortenAfter(unsigned long count);
 
 private:
     std::shared_ptr<CallLog> _log;
     unsigned long _handedOut = 0;
     unsigned long _remaining;
+    unsigned long _remainingWhole;
 };
 
 } // namespace OrvTest
