@@ -9,10 +9,39 @@
 
 #include <QtGui/QVector2D>
 
+#include <algorithm>
+
 using namespace Halvard::Orv;
 using namespace OrvFuzz;
 
 namespace {
+
+/// A ring around the origin, which can be cut however far out its corners lie: a byte
+/// each.
+std::vector<QVector2D> takeStar(Input &input)
+{
+    const std::size_t count = std::min(input.size(), MaxCorners);
+    std::vector<QVector2D> points;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double angle =
+            6.283185307179586 * static_cast<double>(i) / static_cast<double>(count);
+        const double radius = 1.0 + input.byte();
+        points.emplace_back(static_cast<float>(radius * std::cos(angle)),
+                            static_cast<float>(radius * std::sin(angle)));
+    }
+    return points;
+}
+
+std::vector<QVector2D> takeRing(Input &input)
+{
+    Coordinates coordinates(input);
+    std::vector<QVector2D> points;
+    while (!input.isAtEnd() && points.size() < MaxCorners) {
+        const float x = coordinates.next();
+        points.emplace_back(x, coordinates.next());
+    }
+    return points;
+}
 
 bool sameNumber(float first, float second)
 {
@@ -36,8 +65,7 @@ void compareCorner(const std::vector<QVector2D> &points, int index)
 }
 
 /// The one message that a ring without a result gives.
-void checkMessages(const std::vector<OrvTest::Message> &messages, std::size_t corners,
-                   bool failed)
+void checkMessages(const std::vector<OrvTest::Message> &messages, std::size_t corners, bool failed)
 {
     require(messages.size() == (failed ? 1u : 0u), "not one message for a failure");
     if (failed)
@@ -55,16 +83,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Input input(data, size);
     const unsigned options = input.byte();
     const bool clockwise = options & 1u;
-    Coordinates coordinates(input);
-    std::vector<QVector2D> points;
-    while (!input.isAtEnd() && points.size() < MaxCorners) {
-        const float x = coordinates.next();
-        points.emplace_back(x, coordinates.next());
-    }
+    const std::vector<QVector2D> points = options & 2u ? takeStar(input) : takeRing(input);
 
     const int count = static_cast<int>(points.size());
     if (count >= 3)
-        compareCorner(points, static_cast<int>(options >> 1) % count);
+        compareCorner(points, static_cast<int>(options >> 2) % count);
 
     const OrvTest::MessageCapture capture;
     QVector<int> triangles{1, 2, 3}; // which must go

@@ -98,9 +98,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const bool isFace = face.corners.size() >= 3;
 
     const OrvTest::MessageCapture capture;
-    const std::vector<int> about = isFace ? OrvTest::plainTriangulate3D(given, face.corners,
-                                                                        face.positions)
-                                          : std::vector<int>();
+    const std::vector<int> about =
+        isFace ? OrvTest::plainTriangulate3D(given, face.corners, face.positions)
+               : std::vector<int>();
     compare<unsigned int>(face, &given, about);
     compare<unsigned short>(face, &given, about);
     QVector<int> positionsInFace{7};

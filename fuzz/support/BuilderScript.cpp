@@ -128,8 +128,8 @@ void BuilderScript::addValues()
         for (char &byte : bytes)
             byte = _input.take<char>();
     }
-    _builder.addValuesToVertexAttribute(name, isHuge() ? hugeCount(type) : count,
-                                        bytes.constData(), type);
+    _builder.addValuesToVertexAttribute(name, isHuge() ? hugeCount(type) : count, bytes.constData(),
+                                        type);
 }
 
 void BuilderScript::addIndices()
@@ -161,8 +161,8 @@ void BuilderScript::addFacesToGroup()
     const std::vector<unsigned> faces = takeNumbers(_input);
     const QString objectNames[] = {QString(), QStringLiteral(""), QStringLiteral("x")};
     const QString &objectName = objectNames[_input.below(3)];
-    _builder.addFacesToMaterialGroup(
-        name, isHuge() ? hugeCount(GL_UNSIGNED_INT) : faces.size(), faces.data(), objectName);
+    _builder.addFacesToMaterialGroup(name, isHuge() ? hugeCount(GL_UNSIGNED_INT) : faces.size(),
+                                     faces.data(), objectName);
 }
 
 /// What a loader does for a face: calls that chance alone rarely brings together.
@@ -173,9 +173,8 @@ void BuilderScript::addWholeFace()
     std::vector<unsigned> indices(count);
     for (unsigned &index : indices)
         index = _input.below(16);
-    const auto face = static_cast<unsigned>(numbersOf<unsigned>(
-                                                Inspector::verticesPerFace(_builder))
-                                                .size());
+    const auto face =
+        static_cast<unsigned>(numbersOf<unsigned>(Inspector::verticesPerFace(_builder)).size());
     _builder.addVertexCountsToFaces(1, &count);
     const QStringList names = Inspector::vertexAttributes(_builder).keys();
     for (const QString &name : names)
@@ -199,9 +198,9 @@ void BuilderScript::prepareGroup()
     const std::vector<unsigned> offsets = takeNumbers(_input);
     if (attribute.gpuValues && attribute.gpuValues->type() != GL_FLOAT)
         return; // positions are floats
-    _builder.prepareMaterialGroupForUpload(
-        name, Inspector::materialGroup(_builder, name), attribute.gpuValues, indices,
-        QVector<unsigned>(offsets.begin(), offsets.end()));
+    _builder.prepareMaterialGroupForUpload(name, Inspector::materialGroup(_builder, name),
+                                           attribute.gpuValues, indices,
+                                           QVector<unsigned>(offsets.begin(), offsets.end()));
 }
 
 /// All that upload() does before it needs OpenGL, and a look at all that it would read.
@@ -241,9 +240,8 @@ void BuilderScript::ask()
 
 QString BuilderScript::attributeName()
 {
-    static const QString names[] = {positionsName(), positionsName(),
-                                    QStringLiteral("va_Normal"), QStringLiteral("va_TexCoord"),
-                                    QString()};
+    static const QString names[] = {positionsName(), positionsName(), QStringLiteral("va_Normal"),
+                                    QStringLiteral("va_TexCoord"), QString()};
     return names[_input.below(5)];
 }
 
@@ -256,10 +254,9 @@ QString BuilderScript::groupName()
 
 unsigned BuilderScript::elementType()
 {
-    static const unsigned types[] = {GL_FLOAT,         GL_FLOAT, GL_FLOAT,
-                                     GL_FLOAT,         GL_FLOAT, GL_UNSIGNED_INT,
-                                     GL_UNSIGNED_BYTE, GL_SHORT, GL_DOUBLE,
-                                     0x1407 /* GL_2_BYTES */};
+    static const unsigned types[] = {GL_FLOAT,  GL_FLOAT,        GL_FLOAT,         GL_FLOAT,
+                                     GL_FLOAT,  GL_UNSIGNED_INT, GL_UNSIGNED_BYTE, GL_SHORT,
+                                     GL_DOUBLE, 0x1407 /* GL_2_BYTES */};
     const unsigned choice = _input.below(11);
     return choice < std::size(types) ? types[choice] : _input.take<std::uint16_t>();
 }

@@ -8,8 +8,9 @@
 
 namespace OrvFuzz {
 
-/// Rings are cut in a time that grows with the square of their corners at least.
-constexpr std::size_t MaxCorners = 300;
+/// The plain algorithm takes a time that grows with the square of the corners at least.
+/// Beyond 256 of them the library looks at some only.
+constexpr std::size_t MaxCorners = 330;
 
 /// Turns bytes into coordinates in one of several ways, which the input chooses:
 /// floats of any bits hardly ever make a ring that can be cut, and numbers of a small

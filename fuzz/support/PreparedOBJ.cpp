@@ -197,8 +197,8 @@ PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::s
     const OrvTest::MessageCapture capture;
     switch (scanOBJFile(buffer, baseDir, builder, geometry, result.libraryPath, limits)) {
     case OBJScanOutcome::Finished:
-        keepPrepared(prepareGeometry(std::move(geometry),
-                                     Inspector::materialGroups(builder).keys(), &builder),
+        keepPrepared(prepareGeometry(std::move(geometry), Inspector::materialGroups(builder).keys(),
+                                     &builder),
                      result);
         break;
     case OBJScanOutcome::LibraryMissing:

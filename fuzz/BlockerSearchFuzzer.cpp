@@ -1,0 +1,106 @@
+// Whether something blocks a corner of a large ring, as the library looks it up and as a
+// loop over all corners says, while corners go. Most such rings cannot be cut, so that
+// their triangles alone would tell little.
+#include "support/Coordinates.h"
+#include "support/Fuzzing.h"
+
+#include "support/PlainGeometry.h"
+
+#include <Ears/BlockerSearch.h>
+#include <Ears/CornerEvaluation.h>
+
+using namespace Halvard::Orv;
+using namespace OrvFuzz;
+
+namespace {
+
+/// So many that the search looks at some of them only.
+constexpr int FewestCorners = 260;
+constexpr unsigned MoreCorners = 100;
+
+/// A pattern of points, repeated a step further each time: combs, stairs, zigzags, and
+/// rings that run over the same points again.
+std::vector<QVector2D> takePoints(Input &input, std::size_t count)
+{
+    Coordinates coordinates(input);
+    const float stepX = coordinates.next();
+    const QVector2D step(stepX, coordinates.next());
+    std::vector<QVector2D> points;
+    do {
+        const float x = coordinates.next();
+        points.emplace_back(x, coordinates.next());
+    } while (!input.isAtEnd() && points.size() < count);
+    const std::size_t pattern = points.size();
+    while (points.size() < count)
+        points.push_back(points[points.size() - pattern] + step);
+    return points;
+}
+
+class Ring
+{
+public:
+    explicit Ring(std::vector<QVector2D> points)
+        : _points(std::move(points)), _active(_points.size(), true)
+    {
+        const int count = static_cast<int>(_points.size());
+        for (int i = 0; i < count; ++i)
+            _corners.push_back({(i + 1) % count, (i + count - 1) % count, 0.0f, 0.0f, true, false});
+        _blockers.reset(_points.data(), count);
+    }
+
+    /// The corner `number`, or the next one that is still there.
+    int corner(unsigned number) const
+    {
+        std::size_t i = number % _corners.size();
+        while (!_active[i])
+            i = (i + 1) % _corners.size();
+        return static_cast<int>(i);
+    }
+
+    void compare(int index)
+    {
+        Vertex &corner = _corners[static_cast<std::size_t>(index)];
+        evaluateCorner(corner, _points.data(), index, [&](const CornerTriangle &triangle) {
+            return _blockers.isBlocked(index, triangle);
+        });
+        const OrvTest::PlainCorner plain =
+            OrvTest::plainCorner(_points, _active, index, corner.next, corner.prev);
+        require(corner.isEar == plain.isEar, "an ear for one of the two only");
+    }
+
+    void remove(int index)
+    {
+        const Vertex &corner = _corners[static_cast<std::size_t>(index)];
+        _corners[static_cast<std::size_t>(corner.prev)].next = corner.next;
+        _corners[static_cast<std::size_t>(corner.next)].prev = corner.prev;
+        _active[static_cast<std::size_t>(index)] = false;
+        _blockers.remove(index);
+        compare(corner.prev);
+        compare(corner.next);
+    }
+
+private:
+    std::vector<QVector2D> _points;
+    std::vector<bool> _active;
+    std::vector<Vertex> _corners;
+    BlockerSearch _blockers;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Input input(data, size);
+    std::vector<std::uint16_t> calls(input.below(48));
+    for (std::uint16_t &call : calls)
+        call = input.take<std::uint16_t>();
+    Ring ring(takePoints(input, FewestCorners + input.below(MoreCorners)));
+    for (const std::uint16_t call : calls) {
+        const int corner = ring.corner(call >> 1);
+        if (call & 1u)
+            ring.remove(corner);
+        else
+            ring.compare(corner);
+    }
+    return 0;
+}
