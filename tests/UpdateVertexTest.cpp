@@ -50,6 +50,8 @@ const AngleCase AngleCases[] = {
     {"both neighbours in the same place", {0, 0}, {0, 0}, 0.0f, 0.0f, false},
     // Directions up to a length of 1e-6 are none.
     {"neighbour at 1e-7", {0, 1e-7f}, {1, 0}, 0.0f, 0.0f, false},
+    // The squares are (1 - 5.05e-9) * 1e-12 and 5.05e-21: added up, the double 1e-12.
+    {"neighbour at exactly 1e-6", {0x1.38866p-34f, 0x1.0c6f7ap-20f}, {1, 0}, 0, 0, false},
     {"neighbour at 1e-5", {0, 1e-5f}, {1, 0}, 1.0f, 0.0f, true},
     {"neighbour at FLT_MAX", {0, std::numeric_limits<float>::max()}, {1, 0}, 1.0f, 0.0f, true},
 };
