@@ -23,7 +23,7 @@ replay_seconds=20
 # Beyond these an input is a finding, too.
 limits=(-timeout=10 -rss_limit_mb=2048)
 # Long inputs are slow ones; long lines and large counts have tests of their own.
-most_bytes=2048
+most_bytes=1024
 
 build_dir=$repository/build/fuzz
 seeds_dir=$repository/fuzz/corpora
