@@ -129,8 +129,8 @@ bool load(const char *fileName, Model &model)
     triangulate(poured, model);
     Column &normals = model.columns[QStringLiteral("va_Normal")];
     if (normals.values.empty()) {
-        normals = {3, smoothNormals(model.columns[QStringLiteral("va_Vertex")].values,
-                                    model.indices)};
+        normals = {3,
+                   smoothNormals(model.columns[QStringLiteral("va_Vertex")].values, model.indices)};
     }
     return true;
 }

@@ -1,4 +1,4 @@
-// Arrays on both sides of the size from which memory comes straight from the system.
+// Arrays of sizes whose memory comes from different places.
 #include "Fast/GrowArray.h"
 #include "Fast/ZeroedArray.h"
 
@@ -14,8 +14,9 @@ using namespace Halvard::Orv;
 
 namespace {
 
-/// Elements of 4 bytes: far below one MiB, around it, and far above.
-const std::size_t Counts[] = {1, 1000, (1 << 18) - 1, 1 << 18, (1 << 18) + 1, 3 << 20};
+/// Elements of 4 bytes: around 64 KiB and four MiB, and far from both.
+const std::size_t Counts[] = {1,       1000,          (1 << 14) - 1, 1 << 14,       (1 << 14) + 1,
+                              200'000, (1 << 20) - 1, 1 << 20,       (1 << 20) + 1, 5 << 20};
 
 GrowArray<std::uint32_t> counted(std::size_t count)
 {
@@ -53,9 +54,9 @@ TEST(GrowArrayTest, keepsItsElementsFromAnySizeToAnyOther)
 TEST(GrowArrayTest, growsElementByElement)
 {
     GrowArray<std::uint32_t> array;
-    for (std::uint32_t i = 0; i < 700000; ++i)
+    for (std::uint32_t i = 0; i < 2500000; ++i)
         array.append(7 + i);
-    EXPECT_EQ(countedElements(array.data(), array.size()), 700000u);
+    EXPECT_EQ(countedElements(array.data(), array.size()), 2500000u);
 }
 
 TEST(GrowArrayTest, reservesAndCommits)
@@ -101,7 +102,7 @@ TEST(GrowArrayTest, movesWithoutCopying)
 {
     GrowArray<std::uint32_t> array = counted(9);
     const void *const memory = array.data();
-    GrowArray<std::uint32_t> other = counted(1 << 19);
+    GrowArray<std::uint32_t> other = counted(1 << 21);
     other = std::move(array);
     EXPECT_EQ(other.data(), memory);
     EXPECT_TRUE(array.isEmpty());

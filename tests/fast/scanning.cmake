@@ -4,15 +4,17 @@
 set(scan_dir ${PROJECT_SOURCE_DIR}/src/Model/Fast)
 foreach(variant scan portable_scan)
   add_library(orv_${variant} STATIC
+    ${scan_dir}/BlockPool.cpp
     ${scan_dir}/FaceGrouping.cpp
     ${scan_dir}/FaceLines.cpp
-    ${scan_dir}/LargeMemory.cpp
     ${scan_dir}/LineChunks.cpp
     ${scan_dir}/LineDecoding.cpp
     ${scan_dir}/LineReading.cpp
+    ${scan_dir}/MemoryBlocks.cpp
     ${scan_dir}/NumberConversion.cpp
     ${scan_dir}/OBJScanning.cpp
     ${scan_dir}/SingleFaces.cpp
+    ${scan_dir}/SystemMemory.cpp
     ${scan_dir}/ValueLines.cpp
     ${scan_dir}/../MaterialLibraries.cpp
     ${scan_dir}/../OBJScanLimits.cpp)

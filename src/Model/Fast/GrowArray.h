@@ -2,7 +2,7 @@
 /// A plain array that grows cheaply.
 #pragma once
 
-#include "LargeMemory.h"
+#include "MemoryBlocks.h"
 
 #include <cstddef>
 #include <new>

@@ -6,10 +6,11 @@
 
 namespace Halvard::Orv {
 
-// Small blocks are the allocator's. Large ones come from the system and go back to it
-// as soon as they are freed: an allocator keeps some tens of megabytes in case they are
-// wanted again, which for the arrays of a model they are not. Growing moves the pages
-// of a large block, not its bytes, and pages that nothing was written to take no memory.
+// Small blocks are the allocator's, larger ones a BlockPool's. The largest come from the
+// system and go back to it as soon as they are freed: an allocator keeps some tens of
+// megabytes in case they are wanted again, which for the arrays of a model they are not.
+// Growing then moves pages, not bytes, and room that nothing was written to takes no
+// memory.
 
 /// Memory of any content. Null when there is none to be had.
 ///
