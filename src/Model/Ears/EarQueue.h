@@ -47,8 +47,12 @@ public:
     {
         size_t node = _leaves + static_cast<size_t>(position);
         _cosines[node] = cosine;
-        for (node /= 2; node > 0; node /= 2)
-            _cosines[node] = greaterChild(node);
+        for (node /= 2; node > 0; node /= 2) {
+            const float greater = greaterChild(node);
+            if (_cosines[node] == greater)
+                return;
+            _cosines[node] = greater;
+        }
     }
 
     void remove(int position) { set(position, NoEar); }

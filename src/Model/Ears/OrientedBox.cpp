@@ -41,9 +41,15 @@ QVector2D mainAxis(const QVector2D *points, const int *first, const int *last, p
         xy += offset.x * offset.y;
         yy += offset.y * offset.y;
     }
-    const double angle =
-        0.5 * std::atan2(2.0 * (xy - x * y / n), (xx - x * x / n) - (yy - y * y / n));
-    return {static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle))};
+    // The axis lies at half the angle of this vector.
+    const double difference = (xx - x * x / n) - (yy - y * y / n);
+    const double twice = 2.0 * (xy - x * y / n);
+    const double length = std::sqrt(difference * difference + twice * twice);
+    if (!(length > 0.0))
+        return {1.0f, 0.0f};
+    const double cosine = std::sqrt(std::max(0.0, 0.5 + 0.5 * difference / length));
+    const double sine = std::sqrt(std::max(0.0, 0.5 - 0.5 * difference / length));
+    return {static_cast<float>(cosine), static_cast<float>(twice < 0.0 ? -sine : sine)};
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace Halvard::Orv {
 namespace {
 
 /// How many points tell how to split a node. Only speed depends on it.
-constexpr ptrdiff_t SampleSize = 64;
+constexpr ptrdiff_t SampleSize = 32;
 
 /// A coordinate of points, by number; of equal ones the lower number comes first.
 class AlongAxis

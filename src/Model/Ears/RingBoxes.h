@@ -3,6 +3,7 @@
 #pragma once
 
 #include "TriangleReach.h"
+#include "TriangleWindow.h"
 
 #include <QtGui/QVector2D>
 
@@ -61,6 +62,7 @@ bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &rea
 {
     // Splitting halves, so that the depth is that of the number of points in base 4,
     // and every level leaves at most three children waiting.
+    const TriangleWindow window(triangle);
     int waiting[Fanout * 16];
     int count = 0;
     waiting[count++] = 0;
@@ -72,7 +74,7 @@ bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &rea
             continue;
         }
         const Node &node = _nodes[static_cast<size_t>(next)];
-        const unsigned within = reach.boxesWithin(node.boxes);
+        const unsigned within = reach.boxesWithin(node.boxes) & window.boxesWithin(node.boxes);
         for (int child = node.childCount - 1; child >= 0; --child) {
             if ((within >> child & 1u) == 0)
                 continue;

@@ -18,36 +18,42 @@
 //     products     of components, rounded; together at most |e| |unit(w)|:   u
 //     difference   of two floats has the sign of the exact difference:       0
 //
-// where cross(a, b) <= |a.x b.y| + |a.y b.x| <= |a| |b| bounds each sum. So (1) implies
+// where |a.x b.y| + |a.y b.x| <= |a| |b| bounds each sum. One case is different: a w
+// up to 1e-6 long becomes the zero vector, and (1) is true. So (1) implies one of
 //
-//     cross(e, D) >= -3 u |D| - 2^-148 |D|,
+//     far:   cross(e, D) >= -3 u |D|
+//     near:  |D| <= 1.000001e-6
 //
-// the last for products that underflow. One case is different: a w up to 1e-6 long
-// becomes the zero vector, and (1) is true. |D| is then at most 1e-6 (1 + u), and
+// (Products that underflow are off by 2^-150, nothing beside 3 u |D| when D is far.)
+// Nothing is asked of the triangle: slivers and edges without length, whose e is
+// zero, are covered.
 //
-//     cross(e, D) >= -1.000001e-6.
+// What is computed for a point is t = cross(e, d) + 5.5 u |d|_1 + near, d = fl(D) and
+// |d|_1 = |d.x| + |d.y| >= |d|. Errors: d u |D|, products u |D|; the difference and the
+// sums are of the size of the result, and floats keep the sign of a sum. Where X is
+// far, 3 u |D| + 2 u |D| leave t >= 0. Where it is near, |d|_1 <= 1.415e-6, so that
 //
-// Neither case asks anything of the triangle: slivers and edges without length, whose
-// e is zero, are covered.
+//     near = 2.5e-6 - |d|_1, at least 0, at most 1.1e-6
 //
-// What is computed below has errors of its own. For a point: D 1 u |D|, products
-// 1 u |D|, their difference and two sums 3 u |D|_1. For a box with centre C, axis a,
-// and half extents h (along) and k (across), all its points are
+// exceeds 1.08e-6, and t >= 0 again.
 //
-//     X = C + (s a + t a') / |a|^2,    |s| <= h, |t| <= k, a' across a,
+// A box with centre C, axis a, and half extents h (along) and k (across) has only
+// points X for which, the factor 1 / |a|^2 being in h and k already,
 //
-// the factor 1 / |a|^2 being in h and k already, so that with D = C - V and
-// R = |D|_1 + h + k >= |X - V|
+//     X = C + (s a + t a') / |a|^2,    |s| <= h, |t| <= k, a' across a.
+//
+// With D = C - V and R = |D|_1 + h + k >= |X - V|:
 //
 //     cross(e, X - V) <= cross(e, D) + h |cross(e, a)| + k |dot(e, a)|.
 //
-// Errors: the first term 3 u |D|, the others 3 u (h + k), their sums 4 u R. With the
-// 3 u |X - V| of (1) that is less than 11 u R = 6.6e-7 R. Hence the limit: where the
-// float sum
+// Errors: the first term 3 u |D|, the others 3 u (h + k), their sums u |D| + 2 u (h + k).
+// With the 3 u |X - V| of a far point that is at most 8 u R, and the sum on the right
+// with 9.2 u R added is not below 0. If the box has a point near V, then
+// |D|_1 <= 1.415 (1.000001e-6 + h + k), and
 //
-//     t = cross(e, D) + h |cross(e, a)| + k |dot(e, a)| + 1e-6 R + 1.3e-6
+//     near = 2.5e-6 + 1.5 (h + k) - |D|_1, at least 0, at most 1.1e-6
 //
-// is below 0 for one edge, (1) is false for that edge and every point of the box.
+// is again enough.
 //
 // Numbers that are not finite: a point with such a coordinate gives unit() a NaN, which
 // makes (1) false, whatever the edge: it never blocks. A D that overflows does the same
@@ -62,8 +68,8 @@
 
 namespace Halvard::Orv {
 
-/// Four oriented boxes. A box holds every point X with |dot(a, X - C)| <= h and
-/// |cross(a, X - C)| <= k in exact arithmetic, and is h |a|^-2 by k |a|^-2 at least.
+/// Four oriented boxes. Their half extents are greater by a factor of 1 + 1e-6 than
+/// those of their points, which is more than the 1 / |a|^2 above.
 struct Boxes4
 {
     Float4 centreX;
@@ -79,6 +85,15 @@ inline Float4 absolute(Float4 value)
     constexpr int AllButSign = 0x7fffffff;
     return reinterpret_cast<Float4>(reinterpret_cast<Mask4>(value) &
                                     Mask4{AllButSign, AllButSign, AllButSign, AllButSign});
+}
+
+/// Between 0 and `limit`.
+inline Float4 clamped(Float4 value, float limit)
+{
+    const Float4 zero = {};
+    const Float4 top = {limit, limit, limit, limit};
+    const Float4 positive = value > zero ? value : zero;
+    return positive < top ? positive : top;
 }
 
 inline Float4 four(float value)
@@ -111,8 +126,10 @@ public:
     }
 
 private:
-    static constexpr float Slope = 1e-6f;
-    static constexpr float Floor = 1.3e-6f;
+    static constexpr float PointSlope = 5.5f * 0x1p-24f;
+    static constexpr float BoxSlope = 9.2f * 0x1p-24f;
+    static constexpr float NearEnd = 2.5e-6f;
+    static constexpr float NearLimit = 1.1e-6f;
 
     struct Edge
     {
@@ -125,7 +142,9 @@ private:
         {
             const Float4 dx = pointX - startX;
             const Float4 dy = pointY - startY;
-            return x * dy - y * dx + (Slope * (absolute(dx) + absolute(dy)) + Floor);
+            const Float4 distance = absolute(dx) + absolute(dy);
+            return x * dy - y * dx +
+                   (PointSlope * distance + clamped(NearEnd - distance, NearLimit));
         }
 
         Float4 reach(const Boxes4 &boxes) const
@@ -134,9 +153,11 @@ private:
             const Float4 dy = boxes.centreY - startY;
             const Float4 sine = absolute(x * boxes.axisY - y * boxes.axisX);
             const Float4 cosine = absolute(x * boxes.axisX + y * boxes.axisY);
-            const Float4 extent = absolute(dx) + absolute(dy) + (boxes.along + boxes.across);
+            const Float4 distance = absolute(dx) + absolute(dy);
+            const Float4 extent = boxes.along + boxes.across;
+            const Float4 near = clamped(NearEnd + 1.5f * extent - distance, NearLimit);
             return x * dy - y * dx + (boxes.along * sine + boxes.across * cosine) +
-                   (Slope * extent + Floor);
+                   (BoxSlope * (distance + extent) + near);
         }
 
         Float4 startX;
