@@ -10,7 +10,9 @@ bool MaterialLibraries::load(const QString &path)
 {
     if (_loaded.contains(path))
         return true;
-    const QString canonical = QFileInfo(path).canonicalFilePath();
+    // Opening the file says what there is to say about a name with a zero byte.
+    const QString canonical =
+        path.contains(QChar::Null) ? QString() : QFileInfo(path).canonicalFilePath();
     if (!canonical.isEmpty() && _loaded.contains(canonical))
         return true;
     if (!loadMaterialsFromMTLFile(path, _builder))
