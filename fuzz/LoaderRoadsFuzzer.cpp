@@ -5,6 +5,8 @@
 
 #include <QtCore/QTextCodec>
 
+#include <vector>
+
 using namespace OrvFuzz;
 
 namespace {
@@ -16,6 +18,24 @@ void chooseCodec(unsigned choice)
         QTextCodec::codecForName("UTF-8"), QTextCodec::codecForName("ISO-8859-1"),
         QTextCodec::codecForName("windows-1251"), QTextCodec::codecForName("Shift_JIS")};
     QTextCodec::setCodecForLocale(codecs[choice % 16 < 12 ? 0 : choice % 4]);
+}
+
+/// QTextStream decodes this many bytes at a time.
+constexpr int PieceBytes = 1 << 14;
+
+/// The text behind a comment so long that a piece ends somewhere in the text: at a byte
+/// beyond ASCII if there is one, since characters are cut there.
+QByteArray withBorderInside(const QByteArray &obj, unsigned choice)
+{
+    std::vector<int> places;
+    for (int i = 0; i < obj.size(); ++i) {
+        if (obj.at(i) & 0x80)
+            places.push_back(i);
+    }
+    if (places.empty())
+        places.push_back(obj.size() / 2);
+    const int before = places[choice % places.size()];
+    return '#' + QByteArray(PieceBytes - 2 - before, '-') + '\n' + obj;
 }
 
 /// Chunks so small that lines are cut everywhere, and one that holds the whole text.
@@ -36,10 +56,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     LibraryDirectory &libraries = LibraryDirectory::instance();
     libraries.write(text.mtl);
 
-    const PreparedOBJ bytes = prepareByBytes(text.obj, libraries.path(), chunkOf(choice & 0xff));
+    const bool hasBorder = choice % 5 == 0;
+    const QByteArray obj = hasBorder ? withBorderInside(text.obj, choice >> 4) : text.obj;
+    const PreparedOBJ bytes =
+        prepareByBytes(obj, libraries.path(), hasBorder ? LargeChunk : chunkOf(choice & 0xff));
     if (bytes.needsLineReader)
         return 0; // the line road is all there is
-    const std::string differs = difference(bytes, prepareByLines(text.obj, libraries.path()));
+    const std::string differs = difference(bytes, prepareByLines(obj, libraries.path()));
     if (!differs.empty())
         fail("as bytes and by lines: " + differs);
     return 0;

@@ -67,8 +67,8 @@ private:
 /// lead to any file of the machine, also to one that never ends.
 bool namesLibraryByPath(const QByteArray &obj);
 
-/// A chunk that holds all of an input, but takes less time to make than a loader's.
-constexpr std::size_t LargeChunk = std::size_t(1) << 14;
+/// A chunk that holds all of a text, but takes less time to make than a loader's.
+constexpr std::size_t LargeChunk = std::size_t(1) << 15;
 
 /// Reads the text as bytes, `chunkBytes` at a time, and prepares it.
 PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::size_t chunkBytes);
