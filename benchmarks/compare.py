@@ -5,8 +5,8 @@ compare.py PROGRAMS OUT [--sizes 3,30,200] [--rounds N] [--lines-up-to MB]
            [--rules-up-to MB] [--assimp-up-to MB] [--growth MB,MB...]
            [--small FILE.obj...] MODEL.obj...
 
-PROGRAMS is the folder with the built programs. OUT receives results.json, table.md
-and chart.svg; the repeated models are made in OUT/models and stay there.
+PROGRAMS is the folder with the built programs. MODEL.obj:v/vt is the model without its
+normals. OUT receives results.json, table.md and chart.svg; the repeated models are made in OUT/models and stay there.
 
 A round runs every contestant once, so that what else the machine does falls on all
 of them alike. Files above 100 MB have half as many rounds, and only one for those who
@@ -46,12 +46,23 @@ def run(programs, contestant, file, *more):
     return json.loads(done.stdout)
 
 
+class Model:
+    """A model as given on the command line: FILE.obj or FILE.obj:v/vt."""
+
+    def __init__(self, text):
+        file, _, form = text.partition(":")
+        self.file = pathlib.Path(file)
+        self.options = [form] if form else []
+        self.name = self.file.stem + (f" {form}" if form else "")
+
+
 def repeated(programs, folder, model, megabytes):
     """The model repeated up to a size; made only if it is not there yet."""
-    out = folder / f"{model.stem}-{megabytes}.obj"
+    out = folder / f"{model.name.replace(' ', '-').replace('/', '-')}-{megabytes}.obj"
     if not out.exists():
-        subprocess.run([programs / "repeat_model", model, out, str(megabytes * 1e6)], check=True)
-        for library in model.parent.glob("*.mtl"):
+        subprocess.run([programs / "repeat_model", model.file, out, str(megabytes * 1e6),
+                        *model.options], check=True)
+        for library in model.file.parent.glob("*.mtl"):
             shutil.copy(library, folder)
     return out
 
@@ -120,7 +131,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("programs", type=pathlib.Path)
     parser.add_argument("out", type=pathlib.Path)
-    parser.add_argument("models", nargs="+", type=pathlib.Path)
+    parser.add_argument("models", nargs="+", type=Model)
     parser.add_argument("--sizes", default="3,30,200")
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--lines-up-to", type=float, default=30)
@@ -150,7 +161,7 @@ def main():
             names = [name for name in available if size <= limits[name]]
             rounds = options.rounds if size < 100 else max(2, options.rounds // 2)
             runs, loads = measure(options.programs, file, names, rounds)
-            result = {"model": model.stem, "size": size, "bytes": file.stat().st_size,
+            result = {"model": model.name, "size": size, "bytes": file.stat().st_size,
                       "contestants": {name: summary(runs[name]) for name in names}, "remarks": []}
             check(result)
             results["files"].append(result)
@@ -163,7 +174,7 @@ def main():
             file.read_bytes()
             # Many loads in one process: what its first load pays for is not the file's.
             load = run(options.programs, "bytes", file, str(max(8, 120 // size)))
-            results["growth"].append({"model": model.stem, "bytes": file.stat().st_size,
+            results["growth"].append({"model": model.name, "bytes": file.stat().st_size,
                                       "leastCPU": load["leastCPU"]})
         write()
     for file in options.small:

@@ -8,9 +8,10 @@
 #
 # Each model is repeated side by side up to each size, and loaded once more with the
 # sizes of --growth, by this library only, many times in one process. Without a model
-# there are four of samples/: positions only, normals, texture coordinates, many
-# materials. What comes out is build/compare/table.md, chart.svg and results.json. Other
-# build and result folders: ORV_BENCH_BUILD and ORV_BENCH_OUT.
+# there are five of samples/: positions only, normals, texture coordinates, many
+# materials, and those without normals ("MODEL.obj:v/vt"). What comes out is
+# build/compare/table.md, chart.svg and results.json. Other build and result folders:
+# ORV_BENCH_BUILD and ORV_BENCH_OUT.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
@@ -39,6 +40,7 @@ if ((${#models[@]} == 0)); then
   for name in generated_normals quad_sphere specular_map lighthouse; do
     models+=("$root/samples/$name.obj")
   done
+  models+=("$root/samples/lighthouse.obj:v/vt")
 fi
 
 "$root/scripts/setup.sh" build bench

@@ -1,9 +1,11 @@
 // Repeats an OBJ model side by side until the file has a size.
 //
-//     repeat_model MODEL.obj OUT.obj BYTES
+//     repeat_model MODEL.obj OUT.obj BYTES [v/vt]
 //
 // Positions move and keep as many decimals as they have; texture coordinates and
 // normals stay; indices are counted up. Materials are selected again in each copy.
+// With "v/vt" the model loses its normals.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -25,7 +27,27 @@ bool starts(const std::string &line, const char *keyword)
     return line.rfind(keyword, 0) == 0;
 }
 
-Model read(const char *fileName)
+/// A line without normals: none for a line of them, faces with what is left of their
+/// corners.
+std::string withoutNormals(const std::string &line)
+{
+    if (starts(line, "vn "))
+        return {};
+    if (!starts(line, "f "))
+        return line;
+    std::istringstream words(line.substr(2));
+    std::string out = "f";
+    for (std::string word; words >> word;) {
+        const size_t second = word.find('/', word.find('/') + 1);
+        word.erase(std::min(word.size(), second));
+        if (word.back() == '/')
+            word.pop_back();
+        out += ' ' + word;
+    }
+    return out;
+}
+
+Model read(const char *fileName, bool hasNormals)
 {
     Model model;
     std::ifstream file(fileName);
@@ -34,6 +56,8 @@ Model read(const char *fileName)
     for (std::string line; std::getline(file, line);) {
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
+        if (!hasNormals)
+            line = withoutNormals(line);
         if (starts(line, "v ")) {
             ++model.count[0];
             std::istringstream words(line.substr(2));
@@ -109,7 +133,7 @@ int main(int argc, char *argv[])
 {
     if (argc < 4)
         return 2;
-    const Model model = read(argv[1]);
+    const Model model = read(argv[1], argc < 5);
     const double bytes = std::atof(argv[3]);
     FILE *out = std::fopen(argv[2], "w");
     if (!out || model.lines.empty())
