@@ -284,8 +284,8 @@ struct Lifted
 Lifted lift(Dice &dice, const std::vector<QVector2D> &ring)
 {
     const auto direction = [&] {
-        return QVector3D(static_cast<float>(dice.real(-1, 1)), static_cast<float>(dice.real(-1, 1)),
-                         static_cast<float>(dice.real(-1, 1)));
+        return QVector3D{static_cast<float>(dice.real(-1, 1)), static_cast<float>(dice.real(-1, 1)),
+                         static_cast<float>(dice.real(-1, 1))};
     };
     const double distances[] = {0, 0, 1, 1e3, 1e5};
     const auto distance = static_cast<float>(distances[dice.below(5)]);

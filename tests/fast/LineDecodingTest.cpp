@@ -124,10 +124,10 @@ TEST(LineDecoding, DecodesAcrossThePiecesOfTheStream)
     const ScopedLocaleCodec locale("UTF-8");
     Dice dice(12);
     for (int i = 0; i < 400; ++i) {
-        const int padding =
-            static_cast<int>(LineDecoder::PieceBytes) * dice.between(1, 2) - dice.below(40);
-        const QByteArray text = QByteArray(padding, dice.oneIn(2) ? 'x' : ' ') +
-                                (dice.oneIn(2) ? "\n" : "") + randomText(dice, 60);
+        const int pieces = static_cast<int>(LineDecoder::PieceBytes) * dice.between(1, 2);
+        QByteArray text(pieces - dice.below(40), dice.oneIn(2) ? 'x' : ' ');
+        text += dice.oneIn(2) ? "\n" : "";
+        text += randomText(dice, 60);
         EXPECT_EQ(expectSameLines(text, "round " + std::to_string(i)), 0);
     }
 }

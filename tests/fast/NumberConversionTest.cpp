@@ -99,8 +99,10 @@ TEST(NumberConversion, EveryCountOfDigits)
         for (int decimals = 0; decimals <= 24; ++decimals) {
             for (int i = 0; i < 12; ++i) {
                 const std::string sign = i % 2 == 0 ? "" : "-";
-                tokens.push_back(sign + digits(dice, whole) + "." + digits(dice, decimals));
-                tokens.push_back(sign + digits(dice, whole) + digits(dice, decimals));
+                for (const char *point : {".", ""}) {
+                    const std::string front = sign + digits(dice, whole) + point;
+                    tokens.push_back(front + digits(dice, decimals));
+                }
             }
         }
     }
@@ -146,7 +148,8 @@ TEST(NumberConversion, TwoRoundings)
         tokens.push_back(std::to_string((half << shift) - 1));
         tokens.push_back(std::to_string(half << shift) + ".0000000001");
         char text[64];
-        std::snprintf(text, sizeof text, "%.*f", dice.between(1, 25),
+        const int decimals = dice.between(1, 25);
+        std::snprintf(text, sizeof text, "%.*f", decimals,
                       static_cast<double>(half) / static_cast<double>(1u << dice.between(1, 30)));
         tokens.push_back(text);
     }

@@ -51,7 +51,8 @@ std::string index(Dice &dice)
 {
     if (dice.oneIn(60))
         return "";
-    return (dice.oneIn(25) ? "-" : "") + digits(dice, dice.oneIn(20) ? 11 : dice.between(1, 8));
+    const std::string sign = dice.oneIn(25) ? "-" : "";
+    return sign + digits(dice, dice.oneIn(20) ? 11 : dice.between(1, 8));
 }
 
 /// One of the forms, which a line keeps for the most part.
@@ -91,8 +92,10 @@ std::string numbers(Dice &dice, const std::string &keyword, int count)
     if (dice.oneIn(50))
         count = dice.below(7);
     std::string text = keyword;
-    for (int i = 0; i < count; ++i)
-        text += blank(dice) + number(dice);
+    for (int i = 0; i < count; ++i) {
+        text += blank(dice);
+        text += number(dice);
+    }
     return text;
 }
 
@@ -101,8 +104,10 @@ std::string face(Dice &dice)
     std::string text = "f";
     const int form = dice.below(4);
     const int count = dice.oneIn(2) ? 3 : dice.oneIn(3) ? dice.below(12) : 4;
-    for (int i = dice.oneIn(200) ? 300 : count; i > 0; --i)
-        text += blank(dice) + corner(dice, form);
+    for (int i = dice.oneIn(200) ? 300 : count; i > 0; --i) {
+        text += blank(dice);
+        text += corner(dice, form);
+    }
     return text;
 }
 

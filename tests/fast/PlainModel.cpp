@@ -84,8 +84,10 @@ float randomNumber(Dice &dice, Numbers numbers)
         return static_cast<float>(dice.real(-1.0, 1.0));
     case Numbers::FarAway:
         return static_cast<float>(1000.0 + dice.real(-0.01, 0.01));
-    case Numbers::Scaled:
-        return static_cast<float>(dice.real(-1.0, 1.0) * std::pow(10.0, dice.real(-25.0, 25.0)));
+    case Numbers::Scaled: {
+        const double scale = std::pow(10.0, dice.real(-25.0, 25.0));
+        return static_cast<float>(scale * dice.real(-1.0, 1.0));
+    }
     case Numbers::Sick:
         break;
     }

@@ -24,12 +24,6 @@ namespace {
 
 constexpr std::uint32_t Seed = 20240718;
 
-std::uint32_t randomBits(Dice &dice)
-{
-    return static_cast<std::uint32_t>(dice.below(0x10000)) << 16 |
-           static_cast<std::uint32_t>(dice.below(0x10000));
-}
-
 float floatOf(std::uint32_t bits)
 {
     float value;
@@ -70,9 +64,11 @@ float anyNumber(Dice &dice)
     case 0:
         return Specials[dice.below(SpecialCount)];
     case 1:
-        return floatOf(randomBits(dice));
-    case 2:
-        return static_cast<float>(dice.real(-1.0, 1.0) * std::pow(10.0, dice.real(-44.0, 38.0)));
+        return floatOf(dice.bits());
+    case 2: {
+        const double scale = std::pow(10.0, dice.real(-44.0, 38.0));
+        return static_cast<float>(scale * dice.real(-1.0, 1.0));
+    }
     default:
         return static_cast<float>(dice.real(-1.0, 1.0));
     }
@@ -226,7 +222,7 @@ TEST(VertexNormalSumsTest, piecesGiveTheSameAsTheWhole)
         Mesh mesh = randomMesh(dice, dice.oneIn(3));
         for (unsigned &index : mesh.indices) {
             if (dice.oneIn(100))
-                index = randomBits(dice);
+                index = dice.bits();
         }
         const std::vector<float> whole = normalsOf(mesh);
         std::vector<float> normals(mesh.positions.size());

@@ -76,9 +76,10 @@ void compare(const Face (&faces)[Lanes], int count, Tally &tally)
     }
 }
 
-Point point(double x, double y, double z)
+Point point(const std::array<double, 3> &coordinates)
 {
-    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+    return {static_cast<float>(coordinates[0]), static_cast<float>(coordinates[1]),
+            static_cast<float>(coordinates[2])};
 }
 
 /// Coordinates up to 1, times a factor of the face, about a centre.
@@ -97,8 +98,8 @@ Face scatteredFace(Dice &dice, double scale, double offset)
 /// A convex quad in a plane, or nearly so.
 Face planeFace(Dice &dice, double scale, double offset)
 {
-    const Point u = point(dice.real(-1, 1), dice.real(-1, 1), dice.real(-1, 1));
-    const Point v = point(dice.real(-1, 1), dice.real(-1, 1), dice.real(-1, 1));
+    const Point u = point({dice.real(-1, 1), dice.real(-1, 1), dice.real(-1, 1)});
+    const Point v = point({dice.real(-1, 1), dice.real(-1, 1), dice.real(-1, 1)});
     const double turn = dice.real(0, 6.28);
     Face face;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -150,7 +151,8 @@ Face latticeFace(Dice &dice)
 {
     Face face;
     for (Point &corner : face)
-        corner = point(dice.below(3), dice.below(3), dice.below(2));
+        corner = {static_cast<float>(dice.below(3)), static_cast<float>(dice.below(3)),
+                  static_cast<float>(dice.below(2))};
     return face;
 }
 
@@ -162,8 +164,7 @@ Face bitFace(Dice &dice)
     const bool alike = dice.oneIn(2);
     for (Point &corner : face) {
         for (float &coordinate : corner) {
-            std::uint32_t bits = static_cast<std::uint32_t>(dice.below(0x10000)) << 16 |
-                                 static_cast<std::uint32_t>(dice.below(0x10000));
+            std::uint32_t bits = dice.bits();
             if (alike)
                 bits = (bits & 0x807fffffu) | sameExponent;
             std::memcpy(&coordinate, &bits, sizeof coordinate);
@@ -183,7 +184,8 @@ struct FaceKind
 
 Face farFace(Dice &dice, Face (*make)(Dice &, double, double))
 {
-    return make(dice, std::pow(10.0, dice.real(-4, 1)), std::pow(10.0, dice.real(0, 6)));
+    const double scale = std::pow(10.0, dice.real(-4, 1));
+    return make(dice, scale, std::pow(10.0, dice.real(0, 6)));
 }
 
 Face faceOfAnySize(Dice &dice)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QCryptographicHash>
 #include <QtCore/QHashFunctions>
 
 #include <algorithm>
@@ -58,6 +59,16 @@ TEST(ModelGenerator, GivesTheSameForTheSameSeed)
     for (quint32 seed = 1; seed <= 20; ++seed)
         EXPECT_EQ(printable(generateModel(seed)), printable(generateModel(seed)));
     EXPECT_NE(printable(generateModel(1)), printable(generateModel(2)));
+}
+
+/// What gcc and clang both make of these seeds: a seed that someone reports means the same model
+/// to everybody. Whoever changes the generator puts the new value here, having seen both agree.
+TEST(ModelGenerator, GivesTheSameWithEveryCompiler)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    for (quint32 seed = 1; seed <= 1000; ++seed)
+        hash.addData(QByteArray::fromStdString(printable(generateModel(seed))));
+    EXPECT_EQ(hash.result().toHex().toStdString(), "b80bf18e1c79bc006ee4f6f51d20b1b59d597d30");
 }
 
 } // namespace

@@ -32,8 +32,8 @@ QString mapLine(Dice &dice)
                                  "c:\\a.png",
                                  "b\u00fcro.png",
                                  "~/a.png"};
-    return QString::fromUtf8(oneOf(dice, keywords)) + QLatin1Char(' ') +
-           QString::fromUtf8(oneOf(dice, paths));
+    const QString keyword = QString::fromUtf8(oneOf(dice, keywords));
+    return keyword + QLatin1Char(' ') + QString::fromUtf8(oneOf(dice, paths));
 }
 
 QString oddLine(Dice &dice)
@@ -79,6 +79,7 @@ QString oddLine(Dice &dice)
 QString valueLine(Dice &dice, const Oddness &oddness)
 {
     const char *const colours[] = {"Ka", "Kd", "Ks"};
+    QString line;
     switch (dice.below(4)) {
     case 0:
         return QStringLiteral("Ns") + numbers(dice, 1, oddness);
@@ -87,7 +88,8 @@ QString valueLine(Dice &dice, const Oddness &oddness)
     case 2:
         return mapLine(dice);
     default:
-        return QString::fromUtf8(oneOf(dice, colours)) + numbers(dice, 3, oddness);
+        line = QString::fromUtf8(oneOf(dice, colours));
+        return line + numbers(dice, 3, oddness);
     }
 }
 

@@ -45,8 +45,8 @@ Placement anyPlacement(Dice &dice)
         placement.x = QVector3D(1.0f, 0.0f, 0.0f);
         placement.y = dice.oneIn(2) ? QVector3D(0.0f, 1.0f, 0.0f) : QVector3D(0.0f, 0.0f, 1.0f);
     } else {
-        placement.x = QVector3D(part(), part(), part()).normalized();
-        placement.y = QVector3D::crossProduct(placement.x, QVector3D(part(), part(), part()));
+        placement.x = QVector3D{part(), part(), part()}.normalized();
+        placement.y = QVector3D::crossProduct(placement.x, QVector3D{part(), part(), part()});
     }
     const double scales[] = {1.0, 1.0, 1.0, 10.0, 100.0, 1e-2, 1e-3, 2e-4, 1e-6, 1e5};
     const double offsets[] = {0.0, 0.0, 0.0, 1.0, 10.0, 1e3, 1e5, 1e7};
@@ -89,6 +89,13 @@ std::vector<QVector2D> anyPolygon(Dice &dice)
     return dice.oneIn(4) ? reversed(points) : points;
 }
 
+struct Point
+{
+    double x;
+    double y;
+    double z;
+};
+
 class ModelText
 {
 public:
@@ -106,7 +113,7 @@ private:
     void addOddLine();
     void addMaterialSelection();
     void addValues(const char *keyword, int components, int &count);
-    void addVertex(double x, double y, double z);
+    void addVertex(const Point &point);
     void addPolygon();
     void addGrid();
     void addSoup();
@@ -135,9 +142,12 @@ QString ModelText::number(double value)
     return chance(_dice, _oddness.numbers) ? oddNumber(_dice) : numberText(value, _style);
 }
 
-void ModelText::addVertex(double x, double y, double z)
+void ModelText::addVertex(const Point &point)
 {
-    _lines << QStringLiteral("v %1 %2 %3").arg(number(x), number(y), number(z));
+    QString line = QStringLiteral("v");
+    for (const double coordinate : {point.x, point.y, point.z})
+        line += QLatin1Char(' ') + number(coordinate);
+    _lines << line;
     ++_numV;
 }
 
@@ -197,7 +207,7 @@ void ModelText::addPolygon()
     };
     std::vector<int> vertices;
     for (const QVector2D &point : polygon) {
-        addVertex(coordinate(point, 0), coordinate(point, 1), coordinate(point, 2));
+        addVertex({coordinate(point, 0), coordinate(point, 1), coordinate(point, 2)});
         vertices.push_back(first + static_cast<int>(vertices.size()));
     }
     const int turn = _dice.below(static_cast<int>(vertices.size()));
@@ -215,7 +225,7 @@ void ModelText::addGrid()
     const int first = _numV + 1;
     for (int y = 0; y <= height; ++y) {
         for (int x = 0; x <= width; ++x)
-            addVertex(x, y, _dice.oneIn(2) ? 0.0 : _dice.real(-1.0, 1.0));
+            addVertex({double(x), double(y), _dice.oneIn(2) ? 0.0 : _dice.real(-1.0, 1.0)});
     }
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -235,7 +245,8 @@ void ModelText::addGrid()
 void ModelText::addSoup()
 {
     for (int count = _dice.between(2, 8); count > 0; --count)
-        addVertex(_dice.between(-1, 1), _dice.between(-1, 1), _dice.between(0, 1));
+        addVertex({double(_dice.between(-1, 1)), double(_dice.between(-1, 1)),
+                   double(_dice.between(0, 1))});
     addFaces();
 }
 

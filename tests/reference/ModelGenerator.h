@@ -7,8 +7,7 @@
 
 namespace OrvReference {
 
-/// The same files for the same seed. Another compiler may make others of it: the order in which a
-/// call's arguments roll the dice is its choice.
+/// The same files for the same seed, whatever the compiler.
 ModelFiles generateModel(quint32 seed);
 
 /// The lines of a material library.

@@ -93,7 +93,8 @@ QString exactText(double value)
 /// first makes of it shows.
 QString nearMiddleOfFloats(Dice &dice)
 {
-    const auto low = static_cast<float>(std::ldexp(dice.real(1.0, 2.0), dice.between(-20, 30)));
+    const double mantissa = dice.real(1.0, 2.0);
+    const auto low = static_cast<float>(std::ldexp(mantissa, dice.between(-20, 30)));
     const float high = std::nextafter(low, INFINITY);
     const double middle = (static_cast<double>(low) + static_cast<double>(high)) / 2.0;
     const double values[] = {middle, std::nextafter(middle, 0.0), std::nextafter(middle, 1e300)};
@@ -129,8 +130,7 @@ QString longDigits(Dice &dice)
 /// Any float at all, by its bits.
 QString anyFloat(Dice &dice)
 {
-    const quint32 bits = (static_cast<quint32>(dice.below(1 << 16)) << 16) |
-                         static_cast<quint32>(dice.below(1 << 16));
+    const quint32 bits = dice.bits();
     float value;
     std::memcpy(&value, &bits, sizeof value);
     return QString::number(static_cast<double>(value), 'g', dice.between(6, 17));

@@ -133,9 +133,11 @@ void damage(Dice &dice, QByteArray &bytes)
             if (dice.oneIn(4))
                 bytes.truncate(place);
             break;
-        case 4:
-            bytes.insert(place, bytes.mid(dice.below(bytes.size() + 1), dice.between(1, 60)));
+        case 4: {
+            const int copied = dice.below(bytes.size() + 1);
+            bytes.insert(place, bytes.mid(copied, dice.between(1, 60)));
             break;
+        }
         default:
             bytes.insert(place, oneOf(dice, snippets));
             break;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace OrvTest {
 
@@ -48,6 +49,58 @@ void poison(Dice &dice, Ring &ring)
     ring.name += ", poisoned";
 }
 
+/// A random tree that connects all cells of a square lattice.
+class LatticeTree
+{
+public:
+    LatticeTree(Dice &dice, int size) : _size(size), _group(cellCount())
+    {
+        std::iota(_group.begin(), _group.end(), 0);
+        _opensEast.resize(cellCount());
+        _opensNorth.resize(cellCount());
+        std::vector<int> walls(2 * cellCount());
+        std::iota(walls.begin(), walls.end(), 0);
+        for (int left = static_cast<int>(walls.size()); left > 1; --left)
+            std::swap(walls[static_cast<std::size_t>(left - 1)],
+                      walls[static_cast<std::size_t>(dice.below(left))]);
+        for (const int wall : walls)
+            openUnlessConnected(wall / 2, wall % 2 == 0);
+    }
+
+    bool opensEast(int x, int y) const { return isCell(x, y) && _opensEast[at(x, y)]; }
+    bool opensNorth(int x, int y) const { return isCell(x, y) && _opensNorth[at(x, y)]; }
+
+private:
+    std::size_t cellCount() const { return static_cast<std::size_t>(_size * _size); }
+    std::size_t at(int x, int y) const { return static_cast<std::size_t>(y * _size + x); }
+    bool isCell(int x, int y) const { return x >= 0 && x < _size && y >= 0 && y < _size; }
+
+    int groupOf(int cell)
+    {
+        int &parent = _group[static_cast<std::size_t>(cell)];
+        return parent == cell ? cell : parent = groupOf(parent);
+    }
+
+    void openUnlessConnected(int cell, bool east)
+    {
+        const int x = cell % _size + (east ? 1 : 0);
+        const int y = cell / _size + (east ? 0 : 1);
+        if (!isCell(x, y))
+            return;
+        const int first = groupOf(cell);
+        const int second = groupOf(static_cast<int>(at(x, y)));
+        if (first == second)
+            return;
+        _group[static_cast<std::size_t>(first)] = second;
+        (east ? _opensEast : _opensNorth)[static_cast<std::size_t>(cell)] = true;
+    }
+
+    int _size;
+    std::vector<int> _group;
+    std::vector<bool> _opensEast;
+    std::vector<bool> _opensNorth;
+};
+
 } // namespace
 
 int Dice::below(int limit)
@@ -63,6 +116,12 @@ int Dice::between(int low, int high)
 double Dice::real(double low, double high)
 {
     return low + (high - low) * (static_cast<double>(_engine()) / 4294967296.0);
+}
+
+std::uint32_t Dice::bits()
+{
+    const auto high = static_cast<std::uint32_t>(below(0x10000));
+    return high << 16 | static_cast<std::uint32_t>(below(0x10000));
 }
 
 Ring convexRing(Dice &dice, int count)
@@ -118,12 +177,41 @@ Ring spiralRing(int count)
     return ring;
 }
 
+Ring windingRing(Dice &dice, int count)
+{
+    const int size = static_cast<int>(std::sqrt(count / 4.0));
+    const LatticeTree tree(dice, size);
+    Ring ring{"winding", {}};
+    // Four corners stand in each cell. From each the way goes on to the next of the
+    // cell, or, where the tree does, to the next cell.
+    int x = 0;
+    int y = 0;
+    do {
+        // Edges that do not meet are at least 1 apart, and get at most 0.85 closer.
+        ring.points.push_back(QVector2D{static_cast<float>(x + dice.real(-0.3, 0.3)),
+                                        static_cast<float>(y + dice.real(-0.3, 0.3))});
+        const bool isEast = x % 2 == 1;
+        const bool isNorth = y % 2 == 1;
+        const int cellX = x / 2;
+        const int cellY = y / 2;
+        if (!isEast && !isNorth)
+            tree.opensNorth(cellX, cellY - 1) ? --y : ++x;
+        else if (isEast && !isNorth)
+            tree.opensEast(cellX, cellY) ? ++x : ++y;
+        else if (isEast)
+            tree.opensNorth(cellX, cellY) ? ++y : --x;
+        else
+            tree.opensEast(cellX - 1, cellY) ? --x : --y;
+    } while (x != 0 || y != 0);
+    return ring;
+}
+
 Ring crossingRing(Dice &dice, int count)
 {
     Ring ring{"crossing", {}};
     for (int i = 0; i < count; ++i)
-        ring.points.emplace_back(static_cast<float>(dice.real(-1.0, 1.0)),
-                                 static_cast<float>(dice.real(-1.0, 1.0)));
+        ring.points.push_back(
+            {static_cast<float>(dice.real(-1.0, 1.0)), static_cast<float>(dice.real(-1.0, 1.0))});
     return ring;
 }
 
@@ -132,8 +220,8 @@ Ring latticeRing(Dice &dice, int count)
     Ring ring{"lattice", {}};
     const int size = dice.between(2, 6);
     for (int i = 0; i < count; ++i)
-        ring.points.emplace_back(static_cast<float>(dice.below(size)),
-                                 static_cast<float>(dice.below(size)));
+        ring.points.push_back(
+            {static_cast<float>(dice.below(size)), static_cast<float>(dice.below(size))});
     return ring;
 }
 
@@ -148,8 +236,8 @@ Ring stutteringRing(Dice &dice, int count)
             ring.points[i] = before;
             break;
         case 1:
-            ring.points[i] = before + QVector2D(static_cast<float>(dice.real(-1e-6, 1e-6)),
-                                                static_cast<float>(dice.real(-1e-6, 1e-6)));
+            ring.points[i] = before + QVector2D{static_cast<float>(dice.real(-1e-6, 1e-6)),
+                                                static_cast<float>(dice.real(-1e-6, 1e-6))};
             break;
         case 2:
             ring.points[i] = 0.5f * (before + ring.points[i + 1]);

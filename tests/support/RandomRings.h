@@ -12,6 +12,10 @@
 namespace OrvTest {
 
 /// Random numbers that come out the same with every standard library.
+///
+/// And with every compiler, as long as no two rolls are arguments of one call or operands of
+/// one "+", whose order is the compiler's choice. Within braces it is not: they may stand in
+/// `Point{dice.real(0, 1), dice.real(0, 1)}`.
 class Dice
 {
 public:
@@ -24,6 +28,8 @@ public:
     /// From `low` up to `high`.
     double real(double low, double high);
     bool oneIn(int chances) { return below(chances) == 0; }
+    /// Any 32 bits.
+    std::uint32_t bits();
 
 private:
     std::mt19937 _engine;
@@ -44,6 +50,10 @@ Ring latticeStarRing(Dice &dice, int count);
 /// Teeth upon a bar.
 Ring combRing(int teeth);
 Ring spiralRing(int count);
+/// The way around a random tree on a lattice, each corner moved a little: it winds
+/// everywhere.
+/// \param count corners at most; the greatest 4 n^2 below is taken.
+Ring windingRing(Dice &dice, int count);
 /// @}
 
 /// \name Rings that may cross, touch and repeat themselves
