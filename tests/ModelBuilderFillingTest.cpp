@@ -1,3 +1,4 @@
+#include "fast/ScopedLocaleCodec.h"
 #include "support/MessageCapture.h"
 #include "support/ModelBuilderInspector.h"
 #include "support/ModelBuilding.h"
@@ -337,6 +338,21 @@ TEST(ModelBuilderFillingTest, theObjectWhoseFacesComeFirstNamesTheGroup)
         EXPECT_EQ(messages.messages().size(), row.warnings.size()) << row.name;
         EXPECT_EQ(uints(group.faces), faces) << row.name << ": the faces are added all the same";
     }
+}
+
+TEST(ModelBuilderFillingTest, objectNamesAreWarnedOfInTheLocalEncoding)
+{
+    // "\u00fc" is the one byte FC in Latin 1, which the logger cannot take for UTF-8.
+    const ScopedLocaleCodec latin1("ISO-8859-1");
+    const MessageCapture messages;
+    ModelBuilder builder({}, 0);
+    builder.createMaterialGroup(a, InstanceData(), -1, 0);
+    const unsigned face = 0;
+    builder.addFacesToMaterialGroup(a, 1, &face, QStringLiteral("gr\u00fcn"));
+    builder.addFacesToMaterialGroup(a, 1, &face, QStringLiteral("bl\u00fc"));
+    EXPECT_THAT(messages.messages(),
+                ElementsAre(Message{QtWarningMsg, "adding object 'bl\uFFFD'' to material group for "
+                                                  "object 'gr\uFFFDn'"}));
 }
 
 } // namespace

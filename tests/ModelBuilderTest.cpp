@@ -9,6 +9,7 @@
 
 #include <OrvCore/InstanceData.h>
 
+#include <new>
 #include <type_traits>
 
 namespace OrvTest {
@@ -304,6 +305,39 @@ TEST_F(RecordedBuilderTest, askingForValidityChangesNothing)
 }
 
 // Memory runs out
+
+/// Hands out recorded streams until it is told to throw.
+class ThrowingAllocator : public RecordingAllocator
+{
+public:
+    explicit ThrowingAllocator(int streams) : _remaining(streams) {}
+
+    Halvard::Orv::ModelDataStream *alloc(unsigned type, unsigned long count) override
+    {
+        if (_remaining-- == 0)
+            throw std::bad_alloc();
+        return RecordingAllocator::alloc(type, count);
+    }
+
+private:
+    int _remaining;
+};
+
+TEST(ModelBuilderTest, aConstructorThatThrowsReleasesWhatItHad)
+{
+    const std::vector<std::vector<std::string>> logs = {
+        {}, // the first of two streams is not to be had
+        {"alloc UINT 0 -> s0", "s0.delete"},
+    };
+    for (std::size_t streams = 0; streams < logs.size(); ++streams) {
+        auto throwing = QSharedPointer<ThrowingAllocator>::create(static_cast<int>(streams));
+        const QWeakPointer<ThrowingAllocator> watched = throwing;
+        EXPECT_THROW(ModelBuilder(throwing, 0), std::bad_alloc);
+        EXPECT_EQ(throwing->log().lines(), logs[streams]);
+        throwing.clear();
+        EXPECT_TRUE(watched.isNull()) << "nobody else holds the allocator";
+    }
+}
 
 TEST(ModelBuilderTest, survivesAnAllocatorThatGivesNothing)
 {

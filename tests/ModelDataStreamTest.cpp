@@ -345,6 +345,38 @@ TEST(ModelDataArrayTest, aLargerByteCountIsCutToThirtyTwoBits)
     EXPECT_EQ(ModelDataArray(typeUnsignedShort, (1ul << 31) + 3).size(), 3u); // 2^32 + 6 bytes
 }
 
+TEST(ModelDataArrayTest, copiesDoNotSeeEachOthersWrites)
+{
+    const std::uint16_t start[] = {1, 2, 3};
+    const std::uint16_t other = 9;
+    struct Row
+    {
+        const char *name;
+        void (*write)(ModelDataArray &array, const void *source);
+        std::vector<std::uint16_t> written;
+    };
+    const Row rows[] = {
+        {"data",
+         [](ModelDataArray &array, const void *source) { std::memcpy(array.data(1), source, 2); },
+         {1, 9, 3}},
+        {"setData",
+         [](ModelDataArray &array, const void *source) { array.setData(1, 1, source); },
+         {1, 9, 3}},
+        {"append",
+         [](ModelDataArray &array, const void *source) { array.append(1, source); },
+         {1, 2, 3, 9}},
+        {"resize", [](ModelDataArray &array, const void *) { array.resize(2); }, {1, 2}},
+    };
+    for (const Row &row : rows) {
+        const auto original = QSharedPointer<ModelDataArray>::create(typeUnsignedShort, 3ul);
+        original->setData(0, 3, start);
+        const auto copy = QSharedPointer<ModelDataArray>::create(*original);
+        row.write(*copy, &other);
+        EXPECT_EQ(elements<std::uint16_t>(copy), row.written) << row.name;
+        EXPECT_THAT(elements<std::uint16_t>(original), ElementsAre(1, 2, 3)) << row.name;
+    }
+}
+
 TEST(ModelDataArrayAllocatorTest, handsOutArraysOfTheTypeAndSize)
 {
     ModelDataArrayAllocator allocator;

@@ -330,6 +330,20 @@ TEST(OBJReader, ReadsFaces)
 }
 
 /// Much more than the hundred corners for which room is kept.
+TEST(OBJReader, ParsesCornersOfWhateverLineIsAtHand)
+{
+    // parseLine() is what remembers the outcome, and what looks at the line's type.
+    Lines reader("f 1 2\nv 7 8 x\n");
+    EXPECT_TRUE(reader->parseVerts());
+    EXPECT_THAT(cornersOf(*reader),
+                ElementsAre(Corner{0, Absent, Absent}, Corner{1, Absent, Absent}));
+    reader->next();
+    EXPECT_FALSE(reader->parseVerts());
+    EXPECT_THAT(cornersOf(*reader),
+                ElementsAre(Corner{6, Absent, Absent}, Corner{7, Absent, Absent}));
+    EXPECT_THAT(reader->getV(), ElementsAre(0, 0, 0));
+}
+
 TEST(OBJReader, ReadsFacesOfManyCorners)
 {
     std::string text = "f";

@@ -192,6 +192,25 @@ TEST_F(TextureLoading, HasFiveMipLevels)
     EXPECT_EQ(widthOfLevel(texture, 5), 0);
 }
 
+/// Rows of three texels are 12 bytes; eight-byte alignment would look for the second
+/// row at byte 16.
+TEST_F(TextureLoading, ReadsRowsWithoutGapsWhateverWasSet)
+{
+    QImage image(3, 2, QImage::Format_ARGB32);
+    image.fill(0xff112233u);
+    for (int column = 0; column < 3; ++column)
+        image.setPixel(column, 1, 0xff445566u);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
+    Texture *texture = load(writePNG(image));
+    GLint alignment = 0;
+    glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    ASSERT_TRUE(texture);
+    EXPECT_EQ(alignment, 1);
+    EXPECT_THAT(pixelsOf(texture), ElementsAre(0x445566ffu, 0x445566ffu, 0x445566ffu, 0x112233ffu,
+                                               0x112233ffu, 0x112233ffu));
+}
+
 TEST_F(TextureLoading, LoadsASinglePixel)
 {
     Texture *texture = load(writePNG(filled(1, 1, QImage::Format_ARGB32, 0x80204060u)));

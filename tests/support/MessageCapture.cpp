@@ -72,12 +72,15 @@ void MessageCapture::clear()
 
 void MessageCapture::handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    Q_UNUSED(context);
     MessageCapture *capture = innermost;
     if (!capture)
         return;
+    std::string words = text.toStdString();
+    // All that the libraries say is in the default category; another shows in the text.
+    if (qstrcmp(context.category, "default") != 0)
+        words = '[' + std::string(context.category ? context.category : "none") + "] " + words;
     const std::lock_guard<std::mutex> lock(capture->_mutex);
-    capture->_messages.push_back({type, text.toStdString()});
+    capture->_messages.push_back({type, words});
 }
 
 } // namespace OrvTest

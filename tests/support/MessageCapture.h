@@ -12,7 +12,8 @@
 
 namespace OrvTest {
 
-/// One logged message, as the handler received it: no pattern applied.
+/// One logged message, as the handler received it: no pattern applied. A message of
+/// another category than "default" has it in front: "[qt.core] text".
 struct Message
 {
     QtMsgType type;
