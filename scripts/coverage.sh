@@ -40,7 +40,7 @@ say "testing"
 # Without optimisation the random models are slow, and the first hundreds reach all that they do.
 ORV_RANDOM_MODELS_COUNT=${ORV_RANDOM_MODELS_COUNT-500} \
   ctest --test-dir "$build_dir/tests" --output-on-failure --no-tests=error \
-  --parallel "$(job_count)" --timeout 600 "$@" >&2
+  --parallel "$(job_count)" "$@" >&2
 
 # report GCOVR_ARGUMENT...: once more from what was counted.
 report() { gcovr --root "$repository" --add-tracefile "$json" "$@"; }
