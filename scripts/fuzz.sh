@@ -142,6 +142,7 @@ say "fuzzing for $seconds seconds each: ${targets[*]}"
 fuzz_all "${targets[@]}"
 print_table "${targets[@]}"
 for target in $(failed_targets); do
-  tail -n 60 "$logs/$target" >&2
-  die "$target found something; the file that the lines above name lies in $findings_dir"
+  # What is said first, with the stack; libFuzzer names the file at the end.
+  awk '/ERROR:|runtime error:|FAILED:/ { shown = 30 } shown-- > 0' "$logs/$target" >&2
+  die "$target: $(grep -ao 'Test unit written.*' "$logs/$target" || echo "no input was written")"
 done
