@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <map>
 
 using namespace Halvard::Orv;
@@ -17,6 +18,19 @@ using Points = std::vector<QVector2D>;
 using Triples = std::vector<int>;
 
 constexpr std::uint32_t Seed = 20240917;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int LargeRing = 1200;
+#else
+constexpr int LargeRing = 2500;
+#endif
+
+/// What the environment asks for, to test more than there is time for every day.
+int countFrom(const char *variable, int usual)
+{
+    const char *text = std::getenv(variable);
+    return text ? std::atoi(text) : usual;
+}
 
 Triples triangulated(const Points &points, bool clockwise)
 {
@@ -67,7 +81,8 @@ TEST(Triangulate2DReference, AgreesOnSmallRings)
     SCOPED_TRACE("seed " + std::to_string(Seed));
     Dice dice(Seed);
     std::map<std::string, Tally> tallies;
-    for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+    const int rings = countFrom("ORV_TEST_SMALL_RINGS", 20000);
+    for (int i = 0; i < rings && !HasFailure(); ++i) {
         const Ring ring = anyRing(dice, dice.between(5, 14));
         const bool sound = expectPlainResult(ring, dice.oneIn(3));
         ++(sound ? tallies[ring.name].sound : tallies[ring.name].stuck);
@@ -96,9 +111,12 @@ TEST(Triangulate2DReference, AgreesOnLargeRings)
 {
     SCOPED_TRACE("seed " + std::to_string(Seed));
     Dice dice(Seed);
-    for (const int count : {600, 1024, 1500}) {
+    for (const int count : {600, 1024, countFrom("ORV_TEST_LARGE_RING", LargeRing)}) {
         SCOPED_TRACE(count);
         EXPECT_TRUE(expectPlainResult(starRing(dice, count), false));
+        EXPECT_TRUE(expectPlainResult(windingRing(dice, count), false));
+        EXPECT_TRUE(expectPlainResult(
+            {"backward winding", reversed(windingRing(dice, count).points)}, true));
         EXPECT_TRUE(expectPlainResult(combRing(count / 2), false));
         EXPECT_TRUE(expectPlainResult(spiralRing(count), false));
         EXPECT_TRUE(
@@ -109,6 +127,16 @@ TEST(Triangulate2DReference, AgreesOnLargeRings)
         expectPlainResult(anyRing(dice, count), false);
     }
     EXPECT_TRUE(expectPlainResult(convexRing(dice, 500), false));
+}
+
+/// Large enough for boxes, and sick in every way.
+TEST(Triangulate2DReference, AgreesOnSickRingsOfManyCorners)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    const int rings = countFrom("ORV_TEST_SICK_RINGS", 150);
+    for (int i = 0; i < rings && !HasFailure(); ++i)
+        expectPlainResult(anyRing(dice, dice.between(257, 400)), dice.oneIn(3));
 }
 
 long long twiceTheArea(const Points &points, int first, int second, int third)
@@ -170,7 +198,7 @@ TEST(Triangulate2DReference, TilesSimpleRings)
 /// Far beyond what the plain rules could do in the time of a test.
 TEST(Triangulate2DReference, TilesACombOfManyCorners)
 {
-    const Ring ring = combRing(2500);
+    const Ring ring = combRing(50000);
     const MessageCapture capture;
     expectTiling(ring.points, triangulated(ring.points, false), false);
     EXPECT_THAT(capture.messages(), ::testing::IsEmpty());

@@ -11,6 +11,9 @@ target_link_libraries(orv_model_archive PUBLIC Orv::Core Orv::GL Qt5::Core Qt5::
 set_target_properties(orv_model_archive PROPERTIES LINKER_LANGUAGE CXX)
 
 add_library(orv_portable_lanes OBJECT
+  ${model_dir}/Ears/BlockerSearch.cpp
+  ${model_dir}/Ears/EarClipping.cpp
+  ${model_dir}/Ears/RingBoxes.cpp
   ${model_dir}/Fast/CornerWelding.cpp
   ${model_dir}/Fast/FaceTriangles.cpp
   ${model_dir}/Fast/IndexTuples.cpp
@@ -35,13 +38,16 @@ function(orv_add_prepare_test name)
 endfunction()
 
 set(PLAIN_MODEL PlainModel.cpp ../support/RandomRings.cpp)
+orv_add_prepare_test(BlockerSearchTest ../support/RandomRings.cpp)
 orv_add_prepare_test(CornerWeldingTest ${PLAIN_MODEL})
+orv_add_prepare_test(EarQueueTest ../support/RandomRings.cpp)
 orv_add_prepare_test(FaceTrianglesTest ../support/RandomRings.cpp)
 orv_add_prepare_test(LoaderThreadsTest)
 set_tests_properties(LoaderThreadsTest PortableLoaderThreadsTest PROPERTIES LABELS threads)
 orv_add_prepare_test(OwnedStreamTest)
 orv_add_prepare_test(PrepareGeometryTest ${PLAIN_MODEL})
 orv_add_prepare_test(RowWeldingTest ../support/RandomRings.cpp)
+orv_add_prepare_test(TriangleReachTest ../support/RandomRings.cpp)
 orv_add_prepare_test(VertexNormalsTest ../support/PlainGeometry.cpp ../support/RandomRings.cpp)
 orv_add_prepare_test(WindingTest ../support/RandomRings.cpp)
 
