@@ -16,11 +16,14 @@ using namespace OrvFuzz;
 
 namespace {
 
+/// From 256 corners on the library looks at some of them only.
+constexpr std::size_t MaxStarCorners = 330;
+
 /// A ring around the origin, which can be cut however far out its corners lie: a byte
 /// each.
 std::vector<QVector2D> takeStar(Input &input)
 {
-    const std::size_t count = std::min(input.size(), MaxCorners);
+    const std::size_t count = std::min(input.size(), MaxStarCorners);
     std::vector<QVector2D> points;
     for (std::size_t i = 0; i < count; ++i) {
         const double angle =

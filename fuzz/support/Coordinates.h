@@ -8,9 +8,9 @@
 
 namespace OrvFuzz {
 
-/// The plain algorithm takes a time that grows with the square of the corners at least.
-/// Beyond 256 of them the library looks at some only.
-constexpr std::size_t MaxCorners = 330;
+/// The plain algorithm takes a time that grows with the square of the corners at least:
+/// many small rings find more than few large ones.
+constexpr std::size_t MaxCorners = 64;
 
 /// Turns bytes into coordinates in one of several ways, which the input chooses:
 /// floats of any bits hardly ever make a ring that can be cut, and numbers of a small
