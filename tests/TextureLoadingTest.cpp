@@ -121,6 +121,18 @@ TEST_F(TextureLoading, PutsTheFirstRowOnTop)
                                                0xff0000ffu, 0x00ff00ffu));
 }
 
+// Rows of 12 bytes: whoever expects them at multiples of 8 or 16 finds other pixels.
+TEST_F(TextureLoading, ReadsRowsOfAnyLength)
+{
+    QImage image = filled(3, 2, QImage::Format_RGB32, 0xffff0000u);
+    for (int x = 0; x < 3; ++x)
+        image.setPixelColor(x, 1, QColor(0, 0, 255));
+    Texture *texture = load(writePNG(image));
+    ASSERT_TRUE(texture);
+    EXPECT_THAT(pixelsOf(texture), ElementsAre(0x0000ffffu, 0x0000ffffu, 0x0000ffffu, //
+                                               0xff0000ffu, 0xff0000ffu, 0xff0000ffu));
+}
+
 TEST_F(TextureLoading, MakesImagesWithoutAlphaOpaque)
 {
     Texture *texture = load(writePNG(filled(3, 1, QImage::Format_RGB32, 0xff123456u)));

@@ -125,6 +125,18 @@ TEST(TriMeshVertexNormals, LeavesOutTrianglesWithCornersBeyondTheCount)
     }
 }
 
+/// One index or two at the end are no triangle, whatever follows them in memory.
+TEST(TriMeshVertexNormals, LeavesOutWhatIsNoWholeTriangle)
+{
+    const std::vector<float> positions{0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
+    const std::vector<unsigned> indices{0, 1, 2, 0, 1, 3};
+    for (const int count : {3, 4, 5}) {
+        std::vector<float> normals(12, Sentinel);
+        TriMeshVertexNormals(4, count, positions.data(), indices.data(), normals.data());
+        EXPECT_EQ(normals, (std::vector<float>{0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, 0})) << count;
+    }
+}
+
 /// Vertex 0 is the first corner of all triangles. About it lie (1, 0, 0), (0, 1, 0),
 /// (0, 0, 1), and (3, 4, 0), which makes an angle with the x axis whose sine is
 /// 4/5. Triangle 0 1 2 gives (0, 0, -1), triangle 0 1 3 (0, 1, 0), triangle 0 1 4
