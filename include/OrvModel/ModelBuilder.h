@@ -211,7 +211,7 @@ private:
     bool isPositionAttribute(const QString &name) const;
     bool hasGPUStreams() const;
     bool prepareForUpload(const QString &positionAttribute);
-    void prepareMaterialGroups(const VertexAttribute &positions);
+    bool prepareMaterialGroups(const VertexAttribute &positions);
     void dropCommands();
     bool computeNormals(const VertexAttribute &positions);
     void addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex, unsigned count);

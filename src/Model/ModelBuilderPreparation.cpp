@@ -174,8 +174,8 @@ bool ModelBuilder::prepareForUpload(const QString &positionAttribute)
         const VertexAttribute positions = _vertexAttributes.value(positionAttribute);
         if (!positions.gpuValues || !positions.gpuIndices)
             return false;
-        prepareMaterialGroups(positions);
-        if (commandsFitIndices() && (_normalsAttribute.isNull() || computeNormals(positions)))
+        if (prepareMaterialGroups(positions) && commandsFitIndices() &&
+            (_normalsAttribute.isNull() || computeNormals(positions)))
             return true;
     } catch (...) {
         dropCommands();
@@ -185,15 +185,20 @@ bool ModelBuilder::prepareForUpload(const QString &positionAttribute)
     return false;
 }
 
-void ModelBuilder::prepareMaterialGroups(const VertexAttribute &positions)
+/// False when a group could not be prepared: the model would lack it.
+bool ModelBuilder::prepareMaterialGroups(const VertexAttribute &positions)
 {
     const StageTimer timer(&LoadReport::Stages::triangulate);
     const QVector<unsigned int> offsets = faceOffsets();
     for (auto it = _materialGroups.cbegin(); it != _materialGroups.cend(); ++it) {
-        if (it->faces && !it->faces->isEmpty())
-            prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
-                                          positions.gpuIndices, offsets);
+        if (!it->faces || it->faces->isEmpty())
+            continue;
+        prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
+                                      positions.gpuIndices, offsets);
+        if (!_gpuIndices)
+            return false;
     }
+    return true;
 }
 
 /// Null stands for an empty index stream, which might not be had now.

@@ -43,21 +43,24 @@ unsigned sumOfCorners(const StreamPointer &verticesPerFace)
 class CornerIndices
 {
 public:
-    CornerIndices(const StreamPointer &stream, unsigned cornerCount)
+    explicit CornerIndices(const StreamPointer &stream) : _available(stream ? stream->size() : 0)
     {
-        const unsigned long available = stream ? stream->size() : 0;
         if (stream)
             _indices = static_cast<const unsigned *>(stream->data(0));
-        if (available < cornerCount) {
-            _padded.assign(cornerCount, static_cast<unsigned>(OBJReader::AbsentIndex));
-            std::copy_n(_indices, available, _padded.begin());
-            _indices = _padded.data();
-        }
     }
 
-    const unsigned *data() const { return _indices; }
+    const unsigned *padded(unsigned cornerCount)
+    {
+        if (_available < cornerCount) {
+            _padded.assign(cornerCount, static_cast<unsigned>(OBJReader::AbsentIndex));
+            std::copy_n(_indices, _available, _padded.begin());
+            _indices = _padded.data();
+        }
+        return _indices;
+    }
 
 private:
+    unsigned long _available;
     const unsigned *_indices = nullptr;
     std::vector<unsigned> _padded;
 };
@@ -185,17 +188,18 @@ void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
         return;
 
     std::vector<CornerIndices> cornerIndices;
-    IndexList indexList;
-    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes)) {
-        cornerIndices.emplace_back(attribute.indices, cornerCount);
-        indexList.append(cornerIndices.back().data());
-    }
-    const GPUVertices vertices =
-        deduplicate ? oneVertexPerTuple(indexList, cornerCount) : oneVertexPerCorner(cornerCount);
-
+    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes))
+        cornerIndices.emplace_back(attribute.indices);
+    // Before memory of our own is asked for: where the faces claim more corners than a
+    // stream holds, nothing else is needed.
     const StreamPointer sharedIndices = allocate(GL_UNSIGNED_INT, cornerCount);
     if (!holds(sharedIndices, cornerCount))
         return;
+    IndexList indexList;
+    for (CornerIndices &indices : cornerIndices)
+        indexList.append(indices.padded(cornerCount));
+    const GPUVertices vertices =
+        deduplicate ? oneVertexPerTuple(indexList, cornerCount) : oneVertexPerCorner(cornerCount);
     fillIndices(vertices, cornerCount, sharedIndices);
 
     QVector<StreamPointer> newValues;

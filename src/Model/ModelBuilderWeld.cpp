@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace Halvard::Orv {
 
@@ -37,11 +38,11 @@ public:
         const size_t available = readableBytes(*values);
         const char *bytes = static_cast<const char *>(values->data(0));
         if (available < needed) {
-            QByteArray padded(static_cast<int>(needed), '\0');
+            std::vector<char> padded(needed);
             if (available > 0)
                 std::memcpy(padded.data(), bytes, available);
-            _padded.append(padded);
-            bytes = _padded.last().constData();
+            _padded.push_back(std::move(padded));
+            bytes = _padded.back().data();
         }
         _columns.append({bytes, rowBytes});
     }
@@ -50,7 +51,7 @@ public:
 
 private:
     QVector<RowColumn> _columns;
-    QVector<QByteArray> _padded;
+    std::vector<std::vector<char>> _padded; // moving keeps their bytes in place
 };
 
 /// Renumbers the indices in place. They are 32-bit numbers whatever the stream
