@@ -56,9 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return 0;
     LibraryDirectory &libraries = LibraryDirectory::instance();
     libraries.write(text.mtl);
-    PreparedOBJ model = prepareByBytes(text.obj, libraries.path(), LargeChunk);
+    PreparedOBJ model = prepareByBytes(text.obj, libraries.path(), largeChunks());
     if (model.needsLineReader)
-        model = prepareByLines(text.obj, libraries.path());
+        model = prepareByLines(text.obj, libraries.path(), largeChunks());
+    require(!model.isTooLarge, "a small text passes a limit");
     checkModel(model);
     return 0;
 }

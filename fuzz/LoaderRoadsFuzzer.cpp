@@ -7,6 +7,7 @@
 
 #include <vector>
 
+using namespace Halvard::Orv;
 using namespace OrvFuzz;
 
 namespace {
@@ -38,10 +39,16 @@ QByteArray withBorderInside(const QByteArray &obj, unsigned choice)
     return '#' + QByteArray(PieceBytes - 2 - before, '-') + '\n' + obj;
 }
 
-/// Chunks so small that lines are cut everywhere, and one that holds the whole text.
-std::size_t chunkOf(unsigned choice)
+/// Chunks so small that lines are cut everywhere, or one that holds the whole text; and
+/// now and then room for a few values only.
+OBJScanLimits limitsOf(unsigned choice)
 {
-    return choice % 3 == 0 ? LargeChunk : 1 + choice / 3 % 97;
+    OBJScanLimits limits = largeChunks();
+    if (choice % 3 != 0)
+        limits.chunkBytes = 1 + choice / 3 % 97;
+    if (choice % 7 == 0)
+        limits.streamElements = 1 + choice / 7 % 50;
+    return limits;
 }
 
 } // namespace
@@ -58,11 +65,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     const bool hasBorder = choice % 5 == 0;
     const QByteArray obj = hasBorder ? withBorderInside(text.obj, choice >> 4) : text.obj;
-    const PreparedOBJ bytes =
-        prepareByBytes(obj, libraries.path(), hasBorder ? LargeChunk : chunkOf(choice & 0xff));
+    const OBJScanLimits limits = hasBorder ? largeChunks() : limitsOf(choice);
+    const PreparedOBJ bytes = prepareByBytes(obj, libraries.path(), limits);
     if (bytes.needsLineReader)
         return 0; // the line road is all there is
-    const std::string differs = difference(bytes, prepareByLines(obj, libraries.path()));
+    const std::string differs = difference(bytes, prepareByLines(obj, libraries.path(), limits));
     if (!differs.empty())
         fail("as bytes and by lines: " + differs);
     return 0;

@@ -95,6 +95,14 @@ void keepPrepared(ModelBuilder &builder, PreparedOBJ &result)
         result.commands.push_back({groups.at(i), commands.at(i).firstIndex, commands.at(i).count});
 }
 
+/// What there is too much of is no part of it: the roads count at different times.
+PreparedOBJ tooLarge()
+{
+    PreparedOBJ result;
+    result.isTooLarge = true;
+    return result;
+}
+
 std::string described(const PreparedOBJ::Command &command)
 {
     return command.group.toStdString() + ' ' + std::to_string(command.firstIndex) + ' ' +
@@ -182,7 +190,15 @@ bool namesLibraryByPath(const QByteArray &obj)
     return false;
 }
 
-PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::size_t chunkBytes)
+OBJScanLimits largeChunks()
+{
+    OBJScanLimits limits;
+    limits.chunkBytes = std::size_t(1) << 15;
+    return limits;
+}
+
+PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
+                           const OBJScanLimits &limits)
 {
     QBuffer buffer;
     buffer.setData(obj);
@@ -190,8 +206,6 @@ PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::s
     ModelBuilder builder({}, 0);
     addDefaultGroup(builder);
     OBJGeometry geometry;
-    OBJScanLimits limits;
-    limits.chunkBytes = chunkBytes;
 
     PreparedOBJ result;
     const OrvTest::MessageCapture capture;
@@ -208,14 +222,15 @@ PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::s
         result.needsLineReader = true;
         return result;
     case OBJScanOutcome::LimitExceeded:
-        fail("a small text passes a limit");
+        return tooLarge();
     }
     keepMaterials(builder, result);
     keepMessages(capture, result);
     return result;
 }
 
-PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir)
+PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
+                           const OBJScanLimits &limits)
 {
     QBuffer buffer;
     buffer.setData(obj);
@@ -226,7 +241,7 @@ PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir)
 
     PreparedOBJ result;
     const OrvTest::MessageCapture capture;
-    switch (pourOBJLines(stream, baseDir, builder, result.libraryPath)) {
+    switch (pourOBJLines(stream, baseDir, builder, result.libraryPath, limits)) {
     case OBJScanOutcome::Finished:
         if (Inspector::prepare(builder, positionsName()))
             keepPrepared(builder, result);
@@ -234,9 +249,10 @@ PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir)
     case OBJScanOutcome::LibraryMissing:
         result.isLibraryMissing = true;
         break;
-    case OBJScanOutcome::NeedsLineReader:
     case OBJScanOutcome::LimitExceeded:
-        fail("a small text cannot be read by lines");
+        return tooLarge();
+    case OBJScanOutcome::NeedsLineReader:
+        fail("lines cannot be read by lines");
     }
     keepMaterials(builder, result);
     keepMessages(capture, result);
@@ -247,6 +263,8 @@ std::string difference(const PreparedOBJ &first, const PreparedOBJ &second)
 {
     if (first.needsLineReader != second.needsLineReader)
         return "only one must be read by lines";
+    if (first.isTooLarge != second.isTooLarge)
+        return "only one passes a limit";
     if (first.isLibraryMissing != second.isLibraryMissing ||
         first.libraryPath != second.libraryPath)
         return "missing libraries: '" + first.libraryPath.toStdString() + "' and '" +

@@ -4,10 +4,11 @@
 
 #include "support/MessageCapture.h"
 
+#include <OBJScanLimits.h>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -24,8 +25,10 @@ struct PreparedOBJ
         unsigned count;
     };
 
-    /// Whether the text must be read by lines; then nothing else is set.
+    /// Whether the text must be read by lines, or passes a limit; then nothing else is
+    /// set.
     bool needsLineReader = false;
+    bool isTooLarge = false;
     bool isLibraryMissing = false;
     QString libraryPath;
     /// Per material group what its record holds, one line a member.
@@ -67,14 +70,17 @@ private:
 /// lead to any file of the machine, also to one that never ends.
 bool namesLibraryByPath(const QByteArray &obj);
 
-/// A chunk that holds all of a text, but takes less time to make than a loader's.
-constexpr std::size_t LargeChunk = std::size_t(1) << 15;
-
-/// Reads the text as bytes, `chunkBytes` at a time, and prepares it.
-PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir, std::size_t chunkBytes);
+/// Reads the text as bytes, and prepares it.
+PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
+                           const Halvard::Orv::OBJScanLimits &limits);
 
 /// Pours the text line by line into a builder, and prepares that.
-PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir);
+PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
+                           const Halvard::Orv::OBJScanLimits &limits);
+
+/// The limits of a loader, but for chunks that hold all of a text and take less time to
+/// make.
+Halvard::Orv::OBJScanLimits largeChunks();
 
 /// What differs first; empty when nothing does.
 std::string difference(const PreparedOBJ &first, const PreparedOBJ &second);
