@@ -65,7 +65,8 @@ configure fuzz "$build_dir" -DORV_WERROR=ON
 build "$build_dir" --target orv_fuzzers
 
 export UBSAN_OPTIONS=print_stacktrace=1
-logs=$(mktemp -d)
+# In memory where that can be: material libraries are written there, one for each input.
+logs=$(mktemp -d -p /dev/shm 2>/dev/null || mktemp -d)
 trap 'rm -rf "$logs"' EXIT
 mkdir -p "$findings_dir"
 
@@ -97,7 +98,7 @@ fuzz() {
     [[ ! -d $directory ]] || inputs+=("$directory")
   done
   [[ ! -e $repository/fuzz/$kind.dict ]] || options+=("-dict=$repository/fuzz/$kind.dict")
-  "$build_dir/fuzz/${target}Fuzzer" "${limits[@]}" "${options[@]}" -max_len="$most_bytes" \
+  TMPDIR=$logs "$build_dir/fuzz/${target}Fuzzer" "${limits[@]}" "${options[@]}" -max_len="$most_bytes" \
     -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$findings_dir/$target-" \
     "$corpus" "${inputs[@]}" >"$logs/$target" 2>&1 </dev/null
 }

@@ -163,8 +163,8 @@ LibraryDirectory &LibraryDirectory::instance()
 
 LibraryDirectory::LibraryDirectory()
 {
-    static QTemporaryDir directory(QStringLiteral("/dev/shm/orv-fuzz-XXXXXX"));
-    require(directory.isValid(), "no directory for material libraries in /dev/shm");
+    static QTemporaryDir directory;
+    require(directory.isValid(), "no temporary directory for material libraries");
     _path = directory.path();
     _contents = QByteArrayLiteral("nothing yet");
     write({});

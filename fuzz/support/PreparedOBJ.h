@@ -49,7 +49,7 @@ struct ModelText
     QByteArray mtl;
 };
 
-/// Where a model's library lies: a directory in memory.
+/// Where a model's library lies: a temporary directory, which should be in memory.
 class LibraryDirectory
 {
 public:
