@@ -48,6 +48,9 @@ const AngleCase AngleCases[] = {
     {"hardly open", {1, 0x1p-20f}, {1, 0}, 0x1p-20f, 1.0f, true},
     {"neighbour in the same place", {0, 0}, {1, 0}, 0.0f, 0.0f, false},
     {"both neighbours in the same place", {0, 0}, {0, 0}, 0.0f, 0.0f, false},
+    // (3/5, 4/5) and (-7/25, 24/25): products rounded to float make 4/5 a bit more than
+    // 0.8f, and 3/5 0.6f. In double they would be 0.8f and a bit less than 0.6f.
+    {"products are rounded", {-7, 24}, {3, 4}, 0x1.99999cp-1f, 0.6f, true},
     // Directions up to a length of 1e-6 are none.
     {"neighbour at 1e-7", {0, 1e-7f}, {1, 0}, 0.0f, 0.0f, false},
     // The squares are (1 - 5.05e-9) * 1e-12 and 5.05e-21: added up, the double 1e-12.
