@@ -45,8 +45,40 @@ AlongAxis longerAxis(const QVector2D *points, const int *first, const int *last)
     return {points, high.y() - low.y() > high.x() - low.x()};
 }
 
-/// How many neighbours in the ring a split in space would part, of a sample.
-int partedNeighbours(const AlongAxis &axis, const int *first, const int *last)
+float sizeOf(const OrientedBox &box)
+{
+    return box.along + box.across;
+}
+
+/// What a way to split a node would give, from a sample of its points.
+struct Halves
+{
+    /// How often a triangle in the one half would meet the other.
+    int meetings;
+    /// Extents of the two boxes.
+    float size;
+};
+
+/// The first points of the ring and the last. Points of one half lie in the box of
+/// the other.
+Halves halvesInRingOrder(const QVector2D *points, const int *first, const int *middle,
+                         const int *last)
+{
+    const ptrdiff_t step = std::max<ptrdiff_t>(1, (last - first) / SampleSize);
+    const OrientedBox firstBox = OrientedBox::around(points, first, middle, step);
+    const OrientedBox secondBox = OrientedBox::around(points, middle, last, step);
+    int strays = 0;
+    for (ptrdiff_t i = 0; i < middle - first; i += step)
+        strays += secondBox.holds(points[first[i]]) ? 1 : 0;
+    for (ptrdiff_t i = 0; i < last - middle; i += step)
+        strays += firstBox.holds(points[middle[i]]) ? 1 : 0;
+    return {strays, sizeOf(firstBox) + sizeOf(secondBox)};
+}
+
+/// The lower points along an axis and the higher ones. Neighbours in the ring are
+/// parted.
+Halves halvesInSpace(const QVector2D *points, const AlongAxis &axis, const int *first,
+                     const int *last)
 {
     const ptrdiff_t count = last - first;
     const ptrdiff_t step = std::max<ptrdiff_t>(1, count / SampleSize);
@@ -61,21 +93,8 @@ int partedNeighbours(const AlongAxis &axis, const int *first, const int *last)
         if (first[i + 1] == first[i] + 1 && axis(first[i], *median) != axis(first[i + 1], *median))
             ++parted;
     }
-    return parted;
-}
-
-/// How many points of a sample of each half lie in the box of the other.
-int straysInRingOrder(const QVector2D *points, const int *first, const int *middle, const int *last)
-{
-    const ptrdiff_t step = std::max<ptrdiff_t>(1, (last - first) / SampleSize);
-    const OrientedBox firstBox = OrientedBox::around(points, first, middle, step);
-    const OrientedBox secondBox = OrientedBox::around(points, middle, last, step);
-    int strays = 0;
-    for (ptrdiff_t i = 0; i < middle - first; i += step)
-        strays += secondBox.holds(points[first[i]]) ? 1 : 0;
-    for (ptrdiff_t i = 0; i < last - middle; i += step)
-        strays += firstBox.holds(points[middle[i]]) ? 1 : 0;
-    return strays;
+    return {parted, sizeOf(OrientedBox::around(points, sample, median)) +
+                        sizeOf(OrientedBox::around(points, median, sampleEnd))};
 }
 
 } // namespace
@@ -125,18 +144,20 @@ void RingBoxes::addChild(int parent, int *first, int *last)
 }
 
 /// Parts the points into two halves of whole leaves, each in ring order. In ring
-/// order there is nothing to move. In space the halves do not overlap, but a box of
-/// one has edges of the ring that leave it, and along each of them a triangle that
-/// touches it.
+/// order there is nothing to move. In space it has to be worth it: fewer meetings, or
+/// by far smaller boxes, which lines from afar miss.
 int *RingBoxes::split(int *first, int *last)
 {
+    constexpr float BySize = 4.0f;
     const ptrdiff_t half = (last - first + 1) / 2;
     int *const middle =
         first + std::min<ptrdiff_t>(last - first, (half + LeafSize - 1) / LeafSize * LeafSize);
     if (middle == last)
         return middle;
     const AlongAxis axis = longerAxis(_points, first, last);
-    if (straysInRingOrder(_points, first, middle, last) <= partedNeighbours(axis, first, last))
+    const Halves inRingOrder = halvesInRingOrder(_points, first, middle, last);
+    const Halves inSpace = halvesInSpace(_points, axis, first, last);
+    if (inRingOrder.meetings <= inSpace.meetings && inRingOrder.size <= BySize * inSpace.size)
         return middle;
     _sorted.assign(first, last);
     const auto pivot = _sorted.begin() + (middle - first);

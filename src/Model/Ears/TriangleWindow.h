@@ -15,18 +15,18 @@
 //
 // Let l be the longest edge, s the sum of the two longest, and A the doubled area. The
 // barycentric coordinates of X add up to 1; each is the distance from an edge over the
-// height upon it, which is A over the length of the edge. At most two are negative. So
-// if the negative ones add up to -n,
+// height upon it, which is A over the length of the edge. At most two are negative. If
+// the negative ones add up to -n, the positive ones add up to 1 + n: seen along any
+// direction, X is out of the triangle's range by at most n times the length of that
+// range. So no corner is farther from X than (1 + n) l, and
 //
-//     n <= c M s / A,    M = max |X - V_i| <= (1 + 2 n) l,
+//     n <= c (1 + n) l s / A,    or    n <= q / (1 - q)    with q = c l s / A < 1.
 //
-// hence n <= q (1 + 2 n) with q = c l s / A, and n <= q / (1 - 2 q) for q < 1/2. As the
-// positive ones add up to 1 + n, no coordinate of X leaves the range of the corners' by
-// more than n l: X lies in the triangle's bounding box, extended by
+// X lies in the triangle's bounding box, extended by
 //
 //     max(n l, 1.1e-6),
 //
-// the latter for what is near a corner. With q > 0.45 or an edge without direction
+// the latter for what is near a corner. With q > 0.95 or an edge without direction
 // there is no window. All this is computed in double, whose errors vanish in what is
 // left of c.
 #pragma once
@@ -89,7 +89,7 @@ private:
     static double extension(const CornerTriangle &triangle)
     {
         constexpr double Deviation = 3.1e-7;
-        constexpr double Thinnest = 0.45;
+        constexpr double Thinnest = 0.95;
         constexpr double NearCorner = 1.1e-6;
         constexpr double None = std::numeric_limits<double>::max();
         double x[3];
@@ -110,7 +110,7 @@ private:
         const double q = Deviation * longest * sum / area;
         if (!(area > 0.0 && q <= Thinnest))
             return None;
-        return std::max(NearCorner, q / (1.0 - 2.0 * q) * longest);
+        return std::max(NearCorner, q / (1.0 - q) * longest);
     }
 
     Range _x;
