@@ -167,6 +167,18 @@ TEST_F(TexturingTest, SoIsAFileThatIsNoImage)
     EXPECT_GT(centre(picture).blue(), 200);
 }
 
+TEST_F(TexturingTest, SoIsAnImageThatClaimsTooManyPixels)
+{
+    files.write(QStringLiteral("bomb.ppm"), "P6 20000 20000 255\nabc");
+    const MessageCapture messages;
+    const QImage picture = drawWith("Kd 0 0 1\nmap_Kd bomb.ppm\n");
+    EXPECT_THAT(messages.texts(QtWarningMsg),
+                ElementsAre(::testing::StartsWith(
+                    "'" + files.path(QStringLiteral("bomb.ppm")).toStdString() +
+                    "' is not loaded: its 20000 x 20000 pixels are more than")));
+    EXPECT_GT(centre(picture).blue(), 200);
+}
+
 TEST_F(TexturingTest, NeighboursKeepTheirTextures)
 {
     QImage red(4, 4, QImage::Format_RGB32);

@@ -152,6 +152,51 @@ InstanceData material(std::initializer_list<float> colour)
     return record;
 }
 
+class GPUModelUploadTest : public GLFixture
+{
+protected:
+    /// A buffer that nobody could fill: 2^61 bytes are more than any machine has.
+    QSharedPointer<BufferObject> makeFailed(GLenum target) const
+    {
+        const MessageCapture quiet;
+        auto buffer = _device->createBufferObject();
+        buffer->setTarget(target);
+        buffer->uploadArbitraryData(nullptr, 2, GL_STATIC_DRAW, 1ul << 60);
+        EXPECT_TRUE(buffer->uploadFailed());
+        return buffer;
+    }
+
+    /// Adds a bundle of these, and collections, to the model.
+    static int add(GPUModel &model, const QSharedPointer<BufferObject> &indices,
+                   const QSharedPointer<BufferObject> &vertices)
+    {
+        auto *bundle = new DrawBuffers(nullptr);
+        bundle->setVAO(OpenGLDeviceContext::current()->createVertexArrayObject());
+        bundle->VAO()->registerBO(QStringLiteral("va_Vertex"), vertices, 3, GL_FLOAT);
+        bundle->setIndexedDraw(indices, 1, GL_UNSIGNED_INT);
+        return model.add(bundle, 1, makeCollection(QStringLiteral("materials")),
+                         makeCollection(QStringLiteral("instances")), 0);
+    }
+};
+
+TEST_F(GPUModelUploadTest, AddsNoBundleThatLacksABuffer)
+{
+    const auto indices = makeBuffer<unsigned>(GL_ELEMENT_ARRAY_BUFFER, {0});
+    const auto vertices = makeBuffer<float>(GL_ARRAY_BUFFER, {1, 2, 3});
+    const auto noIndices = makeFailed(GL_ELEMENT_ARRAY_BUFFER);
+    const auto noVertices = makeFailed(GL_ARRAY_BUFFER);
+    GPUModel model;
+    const MessageCapture log;
+    EXPECT_EQ(add(model, noIndices, vertices), -1);
+    EXPECT_EQ(add(model, indices, noVertices), -1);
+    EXPECT_EQ(model.bundleCount(), 0);
+    const std::string refusal = "GPUModel::add: the bundle is not added, since a buffer of it "
+                                "could not be uploaded";
+    EXPECT_THAT(log.texts(QtWarningMsg), ElementsAre(refusal, refusal));
+    EXPECT_EQ(add(model, indices, vertices), 0);
+    EXPECT_EQ(add(model, {}, {}), 1) << "what is not there has not failed";
+}
+
 class GPUModelDrawTest : public GLFixture
 {
 protected:
