@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Loads one model repeated 1, 4, 16 and 64 times and prints, as a table, what it takes for
+# each byte of the file: CPU time and peak memory, without those of the graphics driver.
+#
+#     benchmarks/scaling.sh [MODEL.obj...]
+#
+# Without a model: two of samples/, repeated until they have 2 MB, are the models. The
+# times are minima of ORV_SCALING_ROUNDS rounds (5), in each of which every size has its
+# turn, so that what else the machine does falls on all alike. The build folder is
+# build/bench, or ORV_BENCH_BUILD.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
+
+case ${1-} in
+  -h | --help)
+    print_usage
+    exit 0
+    ;;
+  -*) wrong_usage "unexpected argument '$1'" ;;
+esac
+
+build_dir=${ORV_BENCH_BUILD:-$repository/build/bench}
+rounds=${ORV_SCALING_ROUNDS:-5}
+base_bytes=2000000
+
+configure release "$build_dir" -DORV_BUILD_BENCHMARKS=ON
+build "$build_dir" --target repeat_model load_orv
+programs=$build_dir/benchmarks
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+models=("$@")
+if ((${#models[@]} == 0)); then
+  for name in lighthouse generated_normals; do
+    "$programs/repeat_model" "$repository/samples/$name.obj" "$folder/$name.obj" "$base_bytes"
+    cp "$repository/samples/$name".mtl "$folder" 2>/dev/null || true
+    models+=("$folder/$name.obj")
+  done
+fi
+
+# measure FILE LOADS: "seconds KiB" of the least CPU time and the peak without the driver.
+measure() {
+  "$programs/load_orv" "$1" bytes "$2" |
+    sed -E 's/.*"peakBeforeDriver": ([0-9]+).*"leastCPU": ([0-9.]+).*/\2 \1/'
+}
+
+printf '| model | times | MB | CPU, ns a byte | peak, bytes a byte |\n|---|---:|---:|---:|---:|\n'
+for model in "${models[@]}"; do
+  [[ -r $model ]] || die "cannot read '$model'"
+  name=$(basename "$model" .obj)
+  size=$(stat -c %s "$model")
+  files=()
+  for times in 1 4 16 64; do
+    file=$folder/$name-$times.obj
+    "$programs/repeat_model" "$model" "$file" "$((times * size - size / 2))"
+    files+=("$file")
+  done
+  cp "$(dirname "$model")"/*.mtl "$folder" 2>/dev/null || true
+  for ((round = 0; round < rounds; ++round)); do
+    for file in "${files[@]}"; do
+      printf '%s %s\n' "$file" "$(measure "$file" 1)"
+    done
+  done | awk -v name="$name" '
+    !($1 in cpu) { order[++count] = $1; cpu[$1] = $2; peak[$1] = $3 }
+    $2 < cpu[$1] { cpu[$1] = $2 }
+    $3 < peak[$1] { peak[$1] = $3 }
+    END {
+      for (i = 1; i <= count; ++i) {
+        "stat -c %s " order[i] | getline bytes
+        printf "| %s | %d | %.1f | %.2f | %.2f |\n", name, 4 ^ (i - 1), bytes / 1e6,
+               cpu[order[i]] * 1e6 / bytes, peak[order[i]] * 1024 / bytes
+      }
+    }'
+  rm -f "${files[@]}"
+done
