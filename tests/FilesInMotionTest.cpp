@@ -357,6 +357,27 @@ TEST_F(FilesInMotion, FilesThatMayNotBeReadCannotBeOpened)
     EXPECT_EQ(expectSameOnBothRoads(naming).errorMessage, mtlFailure(library));
 }
 
+/// However a load ends, the files it has opened are closed.
+TEST_F(SpecialFiles, LeaveNothingOpen)
+{
+    const QDir descriptors(QStringLiteral("/proc/self/fd"));
+    if (!descriptors.exists())
+        GTEST_SKIP() << "no " << descriptors.path().toStdString();
+    const auto loadAll = [this] {
+        for (const SpecialFile &file : special) {
+            loadByRoad(file.path, OBJRoad::Bytes);
+            loadByRoad(model("mtllib " + file.path.toUtf8() + '\n'), OBJRoad::Lines);
+        }
+        files.write(QStringLiteral("m.mtl"), "newmtl a\n");
+        loadByRoad(model("mtllib m.mtl\n" + Triangle), OBJRoad::Bytes);
+    };
+    const auto openFiles = [&] { return QDir(descriptors.path()).entryList(QDir::AllEntries); };
+    loadAll();
+    const QStringList before = openFiles();
+    loadAll();
+    EXPECT_EQ(openFiles().size(), before.size());
+}
+
 /// Reading the library for each line would take twenty thousand times 300 kB.
 TEST_F(FilesInMotion, ALibraryNamedManyTimesIsReadOnce)
 {

@@ -228,6 +228,24 @@ TEST_F(MemoryLimit, AnAddressSpaceThatEndsGivesAllOrNothing)
     }
 }
 
+/// Where the sanitizer has the memory, it can be told to give no large blocks; it also
+/// tells what is never freed. See CMakeLists.txt.
+TEST(MemoryLimits, LargeBlocksThatAreNotToBeHad)
+{
+    if (qEnvironmentVariableIsEmpty("ORV_NO_LARGE_BLOCKS"))
+        GTEST_SKIP() << "run by MemoryLimitTest.NoLargeBlocks, under the address sanitizer";
+    const TemporaryModel files;
+    const QString fileName = files.write(QStringLiteral("model.obj"), grid(400));
+    for (const OBJRoad road : BothRoads) {
+        const RoadOutcome outcome = loadByRoad(fileName, road);
+        EXPECT_FALSE(outcome.isModel);
+        EXPECT_EQ(outcome.errorMessage, failure(fileName));
+        EXPECT_THAT(outcome.warnings(),
+                    ElementsAre("'" + fileName.toStdString() +
+                                "' is not loaded: there is not enough memory for it"));
+    }
+}
+
 /// Every large block that a load asks for is once the first that is not to be had.
 TEST_F(MemoryLimit, AnyAllocationMayBeTheOneThatFails)
 {
