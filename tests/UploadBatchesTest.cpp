@@ -234,6 +234,18 @@ TEST_F(UploadBatchesTest, aModelWithoutTrianglesIsPreparedAgain)
     EXPECT_EQ(model.materialName(1, 1), a);
 }
 
+TEST_F(UploadBatchesTest, anAttributeThatComesAfterAnUploadKeepsTheNextFromBeingMade)
+{
+    ModelBuilder builder({}, 0);
+    addSquareWithGroup(builder);
+    upload(builder);
+    ASSERT_EQ(model.bundleCount(), 1);
+    addAttribute(builder, texCoordName(), 2, {0, 0, 1, 0, 1, 1, 0, 1}, {0, 1, 2, 3});
+    upload(builder);
+    EXPECT_EQ(model.bundleCount(), 1)
+        << "triangles are not made anew, so nothing has the attribute";
+}
+
 // Storage of the application's own
 
 TEST_F(UploadBatchesTest, makesTheDefinedChangesInTheDefinedOrder)
@@ -308,23 +320,34 @@ TEST_F(UploadBatchesTest, withStreamsThatAreTooShortTheModelStaysAsItWas)
     }
 }
 
-/// Streams that keep what they were made with and take nothing more, once told to.
+/// Streams that take no more than so many elements beyond those they were made with, once
+/// told to.
 class FullAllocator : public Halvard::Orv::ModelDataArrayAllocator
 {
 public:
     Halvard::Orv::ModelDataStream *alloc(unsigned type, unsigned long count) override
     {
-        return isFull ? new FullStream(type, count) : ModelDataArrayAllocator::alloc(type, count);
+        return isFull ? new FullStream(type, count, room)
+                      : ModelDataArrayAllocator::alloc(type, count);
     }
 
     bool isFull = false;
+    unsigned long room = 0;
 
 private:
     class FullStream : public Halvard::Orv::ModelDataArray
     {
     public:
-        using ModelDataArray::ModelDataArray;
-        void append(unsigned long, const void *) override {}
+        FullStream(unsigned type, unsigned long count, unsigned long room)
+            : ModelDataArray(type, count), _room(room)
+        {}
+        void append(unsigned long count, const void *source) override
+        {
+            ModelDataArray::append(std::min(count, _room), source);
+        }
+
+    private:
+        unsigned long _room;
     };
 };
 
@@ -335,8 +358,11 @@ TEST_F(UploadBatchesTest, trianglesThatFindNoRoomAreNotDrawn)
     ModelBuilder builder(allocator, 0);
     addSquareWithGroup(builder);
     allocator->isFull = true;
-    upload(builder);
-    EXPECT_EQ(model.bundleCount(), 0);
+    for (const unsigned long room : {0ul, 5ul}) { // of six indices
+        allocator->room = room;
+        upload(builder);
+        EXPECT_EQ(model.bundleCount(), 0) << room;
+    }
 
     allocator->isFull = false;
     upload(builder);

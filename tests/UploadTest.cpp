@@ -10,6 +10,7 @@
 namespace OrvTest {
 namespace {
 
+using Halvard::Orv::BufferObject;
 using Halvard::Orv::DrawBuffers;
 using Halvard::Orv::GPUModel;
 using Halvard::Orv::InstanceData;
@@ -17,6 +18,7 @@ using Halvard::Orv::ModelBuilder;
 using Inspector = Halvard::Orv::ModelBuilderInspector;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class UploadTest : public UploadFixture
 {};
@@ -61,6 +63,15 @@ TEST_F(UploadTest, aSquare)
     EXPECT_THAT(messages.texts(QtCriticalMsg), IsEmpty());
 }
 
+GLint usageOf(const BufferObject &buffer)
+{
+    GLint usage = 0;
+    glBindBuffer(GL_ARRAY_BUFFER, buffer.id());
+    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_USAGE, &usage);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    return usage;
+}
+
 TEST_F(UploadTest, usageAndPrimitiveTypeAreTheCallers)
 {
     ModelBuilder builder({}, 0);
@@ -68,14 +79,8 @@ TEST_F(UploadTest, usageAndPrimitiveTypeAreTheCallers)
     builder.upload(&model, instanceRecord(), vertexName(), QString(), GL_DYNAMIC_DRAW, GL_LINES);
 
     EXPECT_EQ(bundle().primitiveType(), unsigned(GL_LINES));
-    for (const unsigned id :
-         {bundle().indexBuffer()->id(), vertexAttribute(bundle(), vertexName()).buffer->id()}) {
-        GLint usage = 0;
-        glBindBuffer(GL_ARRAY_BUFFER, id);
-        glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_USAGE, &usage);
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
-        EXPECT_EQ(usage, GL_DYNAMIC_DRAW);
-    }
+    EXPECT_EQ(usageOf(*bundle().indexBuffer()), GL_DYNAMIC_DRAW);
+    EXPECT_EQ(usageOf(*vertexAttribute(bundle(), vertexName()).buffer), GL_DYNAMIC_DRAW);
 }
 
 TEST_F(UploadTest, leavesNoBufferBound)
@@ -83,9 +88,11 @@ TEST_F(UploadTest, leavesNoBufferBound)
     ModelBuilder builder({}, 0);
     addSquareWithGroup(builder);
     upload(builder);
-    GLint bound = -1;
-    glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &bound);
-    EXPECT_EQ(bound, 0);
+    for (const GLenum binding : {GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING}) {
+        GLint bound = -1;
+        glGetIntegerv(binding, &bound);
+        EXPECT_EQ(bound, 0) << binding;
+    }
 }
 
 TEST_F(UploadTest, everyAttributeHasABufferOfItsOwn)
@@ -160,9 +167,11 @@ TEST_F(UploadTest, aPositionOfFourFloatsCountsAsOneVertex)
     addFaces(builder, {3});
     addAttribute(builder, vertexName(), 4, {0, 0, 0, 1, 1, 0, 0, 1, 0, 1, 0, 1}, {0, 1, 2});
     addGroup(builder, a, {0});
+    builder.generateNormals(normalName());
     upload(builder);
     EXPECT_EQ(bundle().vertexCount(), 3u);
     EXPECT_EQ(vertexAttribute(bundle(), vertexName()).components, 4);
+    EXPECT_THAT(downloaded<float>(vertexAttribute(bundle(), normalName()).buffer), SizeIs(3 * 3));
 }
 
 // Index width
@@ -197,7 +206,7 @@ TEST_F(UploadTest, indicesAreSixteenBitsWideUpTo65534Vertices)
         addAttribute(builder, vertexName(), 3, values, corners);
         addGroup(builder, a, faces);
         GPUModel uploaded;
-        builder.upload(&uploaded, instanceRecord(), vertexName(), QString(), GL_STATIC_DRAW,
+        builder.upload(&uploaded, instanceRecord(), vertexName(), QString(), GL_STREAM_DRAW,
                        GL_TRIANGLES);
 
         ASSERT_EQ(uploaded.bundleCount(), 1) << row.name;
@@ -205,6 +214,7 @@ TEST_F(UploadTest, indicesAreSixteenBitsWideUpTo65534Vertices)
         EXPECT_EQ(only.vertexCount(), row.vertices) << row.name;
         ASSERT_EQ(only.indexType(), row.type) << row.name;
         EXPECT_EQ(only.indexCount(), static_cast<int>(corners.size())) << row.name;
+        EXPECT_EQ(usageOf(*only.indexBuffer()), GL_STREAM_DRAW) << row.name;
         EXPECT_TRUE(downloaded<float>(vertexAttribute(only, vertexName()).buffer) == values)
             << row.name;
         if (row.type == GL_UNSIGNED_SHORT) {
