@@ -106,8 +106,8 @@ read_list() {
   take_block
 }
 
-# complain MUTANT TEXT...
-complain() { say "${files[$1]}: ${words[$1]} ${*:2}"; }
+# tell MUTANT TEXT...: progress, or what is wrong with a mutant.
+tell() { say "${files[$1]}: ${words[$1]} ${*:2}"; }
 
 # break_lines MUTANT ROOT: sets `lines` to the file's lines, with the mutant's changes. Says
 # what is wrong, and fails, when a text does not stand in exactly one line.
@@ -115,7 +115,7 @@ break_lines() {
   local mutant=$1 path=$2/${files[$1]} anchor=${anchors[$1]}
   local i text found first=0 target old new
   if [[ ! -f $path ]]; then
-    complain "$mutant" "there is no such file"
+    tell "$mutant" "there is no such file"
     return 1
   fi
   mapfile -t lines <"$path"
@@ -125,7 +125,7 @@ break_lines() {
       [[ ${lines[i]} != *"$anchor"* ]] || found=$((found + 1)) first=$((i + 1))
     done
     if ((found != 1)); then
-      complain "$mutant" "$found lines hold '$anchor'"
+      tell "$mutant" "$found lines hold '$anchor'"
       return 1
     fi
   fi
@@ -140,7 +140,7 @@ break_lines() {
       fi
     done
     if ((found != 1)); then
-      complain "$mutant" "$found lines hold '${old[text]}'"
+      tell "$mutant" "$found lines hold '${old[text]}'"
       return 1
     fi
     lines[target]=${lines[target]/"${old[text]}"/"${new[text]-}"}
@@ -239,7 +239,7 @@ prepare() {
 # key_of MUTANT: what its result depends on, tests aside, which only grow.
 key_of() {
   {
-    cat "$tree/${files[$1]}"
+    cat "$tree/${files[$1]}" || true # a file that is gone fits nowhere
     printf '%s\n' "${olds[$1]}" "${news[$1]}" "${anchors[$1]}"
   } | git hash-object --stdin
 }
@@ -320,7 +320,7 @@ for i in "${!files[@]}"; do
     SECONDS=0
     run_mutant "$i"
     [[ $outcome != killed ]] || printf '%s\t%s\n' "$key" "$killer" >>"$results"
-    say "$((i + 1))/${#files[@]} $outcome in $SECONDS s: ${files[i]}: ${words[i]} ${killer:+[$killer]}"
+    tell "$i" "$outcome in $SECONDS s ($((i + 1)) of ${#files[@]})${killer:+ [$killer]}"
   fi
   outcomes+=("$outcome") killers+=("$killer")
 done
@@ -328,7 +328,13 @@ done
 # ---- What came of it --------------------------------------------------------------
 
 bad=0
-tell() { printf '%s: %s\n    - %s\n    + %s\n    %s\n' "$1" "${files[$2]}: ${words[$2]}" "${olds[$2]}" "${news[$2]}" "$3"; }
+
+# show TEXT MUTANT WHY: a mutant that needs somebody's attention.
+show() {
+  printf '%s: %s: %s (%s)\n' "$1" "${files[$2]}" "${words[$2]}" "$3"
+  printf '    - %s\n' "${olds[$2]//$'\n'/$'\n    - '}"
+  printf '    + %s\n' "${news[$2]//$'\n'/$'\n    + '}"
+}
 
 declare -A total killed equivalent
 for i in "${!files[@]}"; do
@@ -337,10 +343,10 @@ for i in "${!files[@]}"; do
   case ${outcomes[i]}:${reasons[i]:+equivalent} in
     killed:) killed[$file]=$((${killed[$file]-0} + 1)) ;;
     survived:equivalent) equivalent[$file]=$((${equivalent[$file]-0} + 1)) ;;
-    killed:equivalent) tell "DECLARED EQUIVALENT" "$i" "yet ${killers[i]} notices" ;;&
-    survived:) tell "SURVIVED" "$i" "no test notices" ;;&
-    uncompiled:*) tell "DOES NOT COMPILE" "$i" "mend the list" ;;&
-    unmatched:*) tell "DOES NOT FIT" "$i" "mend the list" ;;&
+    killed:equivalent) show "DECLARED EQUIVALENT" "$i" "yet ${killers[i]} notices" ;;&
+    survived:) show "SURVIVED" "$i" "no test notices" ;;&
+    uncompiled:*) show "DOES NOT COMPILE" "$i" "mend the list" ;;&
+    unmatched:*) show "DOES NOT FIT" "$i" "mend the list" ;;&
     *) bad=$((bad + 1)) ;;
   esac
 done
@@ -348,7 +354,9 @@ done
 printf '| file | mutants | killed | equivalent |\n|---|---|---|---|\n'
 all=0 all_killed=0 all_equivalent=0
 for file in $(printf '%s\n' "${!total[@]}" | sort); do
-  printf '| `%s` | %d | %d | %d |\n' "${file#src/Model/}" "${total[$file]}" "${killed[$file]-0}" "${equivalent[$file]-0}"
+  # shellcheck disable=SC2016 # the quotes are the table's
+  printf '| `%s` | %d | %d | %d |\n' "${file#src/Model/}" "${total[$file]}" \
+    "${killed[$file]-0}" "${equivalent[$file]-0}"
   all=$((all + ${total[$file]}))
   all_killed=$((all_killed + ${killed[$file]-0}))
   all_equivalent=$((all_equivalent + ${equivalent[$file]-0}))
