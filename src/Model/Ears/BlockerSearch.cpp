@@ -25,13 +25,13 @@ void BlockerSearch::reset(QVector2D const *points, int count)
 {
     _points = points;
     _corners.clear();
-    _slotOf.assign(static_cast<size_t>(count), NoSlot);
-    _lastBlocker.assign(static_cast<size_t>(count), -1);
+    _corners.reserve(static_cast<size_t>(count));
+    _states.assign(static_cast<size_t>(count), {NoSlot, -1});
     // Corners that are not finite never block, see TriangleReach.
     for (int corner = 0; corner < count; ++corner) {
         if (isFinite(points[corner])) {
             _corners.push_back(corner);
-            _slotOf[static_cast<size_t>(corner)] = 0;
+            state(corner).slot = 0;
         }
     }
     place();
@@ -40,14 +40,13 @@ void BlockerSearch::reset(QVector2D const *points, int count)
 /// Gives all active corners new slots.
 void BlockerSearch::place()
 {
-    const auto isGone = [this](int corner) {
-        return _slotOf[static_cast<size_t>(corner)] == NoSlot;
-    };
+    const auto isGone = [this](int corner) { return state(corner).slot == NoSlot; };
     _corners.erase(std::remove_if(_corners.begin(), _corners.end(), isGone), _corners.end());
     _activeCount = static_cast<int>(_corners.size());
     _hasBoxes = _activeCount >= FewCorners;
     if (_hasBoxes) {
         _placed.clear();
+        _placed.reserve(_corners.size());
         for (const int corner : _corners)
             _placed.push_back(_points[corner]);
         _boxes.build(_placed);
@@ -63,13 +62,13 @@ void BlockerSearch::place()
         _x[slot] = _points[corner].x();
         _y[slot] = _points[corner].y();
         _cornerAt[slot] = corner;
-        _slotOf[static_cast<size_t>(corner)] = static_cast<int>(slot);
+        state(corner).slot = static_cast<int>(slot);
     }
 }
 
 void BlockerSearch::remove(int corner)
 {
-    int &slot = _slotOf[static_cast<size_t>(corner)];
+    int &slot = state(corner).slot;
     if (slot == NoSlot)
         return;
     _x[static_cast<size_t>(slot)] = Gone;
@@ -81,9 +80,8 @@ void BlockerSearch::remove(int corner)
 
 bool BlockerSearch::isBlocked(int corner, const CornerTriangle &triangle)
 {
-    const int last = _lastBlocker[static_cast<size_t>(corner)];
-    if (last >= 0 && _slotOf[static_cast<size_t>(last)] != NoSlot &&
-        triangle.isBlockedBy(_points[last]))
+    const int last = state(corner).lastBlocker;
+    if (last >= 0 && state(last).slot != NoSlot && triangle.isBlockedBy(_points[last]))
         return true;
 
     const TriangleReach reach(triangle);
@@ -113,7 +111,7 @@ bool BlockerSearch::isBlockedBySome(int corner, const CornerTriangle &triangle,
     for (size_t lane = 0; within != 0; ++lane, within >>= 1) {
         if ((within & 1u) == 0 || !triangle.isBlockedBy({_x[at + lane], _y[at + lane]}))
             continue;
-        _lastBlocker[static_cast<size_t>(corner)] = _cornerAt[at + lane];
+        state(corner).lastBlocker = _cornerAt[at + lane];
         return true;
     }
     return false;

@@ -26,6 +26,16 @@ public:
     void remove(int corner);
 
 private:
+    struct CornerState
+    {
+        /// NoSlot for corners that are not active or never block.
+        int slot;
+        /// What blocked it when it was last asked for, and probably still does; -1 if
+        /// nothing.
+        int lastBlocker;
+    };
+
+    CornerState &state(int corner) { return _states[static_cast<size_t>(corner)]; }
     void place();
     bool isBlockedBySome(int corner, const CornerTriangle &triangle, const TriangleReach &reach,
                          int slot);
@@ -42,11 +52,7 @@ private:
     std::vector<float> _x;
     std::vector<float> _y;
     std::vector<int> _cornerAt;
-    /// By corner. NoSlot for corners that are not active or never block.
-    std::vector<int> _slotOf;
-    /// By corner: what blocked it when it was last asked for, and probably still
-    /// does; -1 if nothing.
-    std::vector<int> _lastBlocker;
+    std::vector<CornerState> _states;
 };
 
 } // namespace Halvard::Orv

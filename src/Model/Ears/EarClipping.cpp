@@ -71,6 +71,7 @@ void EarClipping::triangulate(int count, QVector2D const *points, QVector<int> &
 void EarClipping::makeRing(int count, bool clockwise)
 {
     _ring.clear();
+    _ring.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         const int after = i + 1 == count ? 0 : i + 1;
         const int before = i == 0 ? count - 1 : i - 1;
