@@ -60,9 +60,9 @@ template <typename Visit>
 bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &reach,
                         Visit visit) const
 {
-    // Splitting halves, so that the depth is that of the number of points in base 4,
-    // and every level leaves at most three children waiting.
     const TriangleWindow window(triangle);
+    // A split halves, so that the depth is that of the number of points in base 4, and
+    // every level leaves at most three children waiting.
     int waiting[Fanout * 16];
     int count = 0;
     waiting[count++] = 0;
