@@ -17,13 +17,13 @@ using namespace OrvFuzz;
 namespace {
 
 /// From 256 corners on the library looks at some of them only.
-constexpr std::size_t MaxStarCorners = 330;
+constexpr std::size_t LargeRing = 330;
 
 /// A ring around the origin, which can be cut however far out its corners lie: a byte
 /// each.
-std::vector<QVector2D> takeStar(Input &input)
+std::vector<QVector2D> takeStar(Input &input, std::size_t mostCorners)
 {
-    const std::size_t count = std::min(input.size(), MaxStarCorners);
+    const std::size_t count = std::min(input.size(), mostCorners);
     std::vector<QVector2D> points;
     for (std::size_t i = 0; i < count; ++i) {
         const double angle =
@@ -44,6 +44,13 @@ std::vector<QVector2D> takeRing(Input &input)
         points.emplace_back(x, coordinates.next());
     }
     return points;
+}
+
+std::vector<QVector2D> takePoints(Input &input, unsigned options)
+{
+    if (options & 2u)
+        return takeStar(input, options & 4u ? LargeRing : MaxCorners);
+    return takeRing(input);
 }
 
 bool sameNumber(float first, float second)
@@ -86,11 +93,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Input input(data, size);
     const unsigned options = input.byte();
     const bool clockwise = options & 1u;
-    const std::vector<QVector2D> points = options & 2u ? takeStar(input) : takeRing(input);
+    const std::vector<QVector2D> points = takePoints(input, options);
 
     const int count = static_cast<int>(points.size());
     if (count >= 3)
-        compareCorner(points, static_cast<int>(options >> 2) % count);
+        compareCorner(points, static_cast<int>(options >> 3) % count);
 
     const OrvTest::MessageCapture capture;
     QVector<int> triangles{1, 2, 3}; // which must go
