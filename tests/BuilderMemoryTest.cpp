@@ -202,6 +202,17 @@ TEST_F(BuilderMemory, CountsBeyondTheStreamsWriteNothingOutside)
     }
 }
 
+/// Just below 2^31 bytes there is no room for the header of a byte array.
+TEST_F(BuilderMemory, StreamsOfTheLargestLengthsThrow)
+{
+    ModelDataArray array(GL_UNSIGNED_BYTE, 3);
+    for (const unsigned long bytes :
+         {(1ul << 31) - 1, (1ul << 31) - 25, (1ul << 32) - 1 + (1ul << 31)})
+        EXPECT_THROW(array.resize(bytes), std::bad_alloc);
+    EXPECT_EQ(array.size(), 3u);
+    EXPECT_THROW(ModelDataArray(GL_UNSIGNED_BYTE, (1ul << 31) - 1), std::bad_alloc);
+}
+
 TEST_F(BuilderMemory, AppendsOfMoreThanAnythingAreLeftOut)
 {
     ModelBuilder builder({}, 0);

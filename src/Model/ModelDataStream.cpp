@@ -33,6 +33,18 @@ constexpr quint64 TypeSizes[] = {
 constexpr unsigned long MaxBytes =
     static_cast<unsigned long>(std::numeric_limits<int>::max()) - 2 * sizeof(QByteArrayData);
 
+/// The bytes of so many elements, cut to an int as a QByteArray counts them. The few
+/// lengths below the largest int for which there is no room beside the header throw
+/// here: Qt would ask the system for all the memory that can be addressed first.
+int truncatedBytes(unsigned type, unsigned long count)
+{
+    const int bytes = static_cast<int>(ModelDataStream::typeSize(type) * count);
+    constexpr int most = std::numeric_limits<int>::max() - int(sizeof(QByteArrayData)) - 1;
+    if (bytes > most)
+        qBadAlloc();
+    return bytes;
+}
+
 } // namespace
 
 ModelDataStream::~ModelDataStream() = default;
@@ -62,7 +74,7 @@ unsigned long ModelDataStream::typeSize(unsigned type)
 
 ModelDataArray::ModelDataArray(unsigned type, unsigned long count) : _type(type)
 {
-    _bytes.resize(static_cast<int>(typeSize(type) * count));
+    _bytes.resize(truncatedBytes(type, count));
 }
 
 ModelDataArray::~ModelDataArray() = default;
@@ -94,7 +106,7 @@ unsigned long ModelDataArray::size() const
 
 void ModelDataArray::resize(unsigned long count)
 {
-    _bytes.resize(static_cast<int>(typeSize(_type) * count));
+    _bytes.resize(truncatedBytes(_type, count));
 }
 
 unsigned long ModelDataArray::byteCount() const
