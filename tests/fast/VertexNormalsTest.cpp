@@ -160,6 +160,18 @@ TEST(UnitVectorsTest, limitsOfQVector3D)
     EXPECT_GT(unchanged, 1000);
 }
 
+// The squares, (1 - 5.05e-9) * 1e-12 and 5.05e-21, make exactly the double 1e-12, which
+// still counts as zero.
+TEST(UnitVectorsTest, theLimitItselfIsZero)
+{
+    const QVector3D vector(0x1.0c6f7ap-20f, 0x1.38866p-34f, 0.0f);
+    ASSERT_EQ(vector.normalized(), QVector3D());
+    const Points4 points = {Float4{} + vector.x(), Float4{} + vector.y(), Float4{}};
+    expectSame(lane(unit<NullVectors::BecomeZero>(points), 0), {0.0f, 0.0f, 0.0f},
+               floatsOf(vector));
+    expectSame(lane(unit<NullVectors::Stay>(points), 3), floatsOf(vector), floatsOf(vector));
+}
+
 struct Mesh
 {
     std::vector<float> positions;
