@@ -5,9 +5,9 @@
 #     benchmarks/scaling.sh [MODEL.obj...]
 #
 # Without a model: two of samples/, repeated until they have 2 MB, are the models. The
-# times are minima of ORV_SCALING_ROUNDS rounds (5), in each of which every size has its
-# turn, so that what else the machine does falls on all alike. The build folder is
-# build/bench, or ORV_BENCH_BUILD.
+# times are minima of ORV_SCALING_ROUNDS rounds (3) of three loads, in each of which every
+# size has its turn, so that what else the machine does falls on all alike. The build
+# folder is build/bench, or ORV_BENCH_BUILD.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
@@ -21,7 +21,7 @@ case ${1-} in
 esac
 
 build_dir=${ORV_BENCH_BUILD:-$repository/build/bench}
-rounds=${ORV_SCALING_ROUNDS:-5}
+rounds=${ORV_SCALING_ROUNDS:-3}
 base_bytes=2000000
 
 configure release "$build_dir" -DORV_BUILD_BENCHMARKS=ON
@@ -39,10 +39,14 @@ if ((${#models[@]} == 0)); then
   done
 fi
 
-# measure FILE LOADS: "seconds KiB" of the least CPU time and the peak without the driver.
+# field NAME FILE LOADS: one of the numbers that load_orv prints.
+field() {
+  "$programs/load_orv" "$2" bytes "$3" | sed -E "s/.*\"$1\": ([0-9.]+).*/\\1/"
+}
+
+# measure FILE: milliseconds of the fastest of three loads, and the KiB of a first one.
 measure() {
-  "$programs/load_orv" "$1" bytes "$2" |
-    sed -E 's/.*"peakBeforeDriver": ([0-9]+).*"leastCPU": ([0-9.]+).*/\2 \1/'
+  printf '%s %s\n' "$(field leastCPU "$1" 3)" "$(field peakBeforeDriver "$1" 1)"
 }
 
 printf '| model | times | MB | CPU, ns a byte | peak, bytes a byte |\n|---|---:|---:|---:|---:|\n'
@@ -59,17 +63,17 @@ for model in "${models[@]}"; do
   cp "$(dirname "$model")"/*.mtl "$folder" 2>/dev/null || true
   for ((round = 0; round < rounds; ++round)); do
     for file in "${files[@]}"; do
-      printf '%s %s\n' "$file" "$(measure "$file" 1)"
+      printf '%s %s %s\n' "$file" "$(stat -c %s "$file")" "$(measure "$file")"
     done
   done | awk -v name="$name" '
-    !($1 in cpu) { order[++count] = $1; cpu[$1] = $2; peak[$1] = $3 }
-    $2 < cpu[$1] { cpu[$1] = $2 }
-    $3 < peak[$1] { peak[$1] = $3 }
+    !($1 in cpu) { order[++count] = $1; bytes[$1] = $2; cpu[$1] = $3; peak[$1] = $4 }
+    $3 < cpu[$1] { cpu[$1] = $3 }
+    $4 < peak[$1] { peak[$1] = $4 }
     END {
       for (i = 1; i <= count; ++i) {
-        "stat -c %s " order[i] | getline bytes
-        printf "| %s | %d | %.1f | %.2f | %.2f |\n", name, 4 ^ (i - 1), bytes / 1e6,
-               cpu[order[i]] * 1e6 / bytes, peak[order[i]] * 1024 / bytes
+        file = order[i]
+        printf "| %s | %d | %.1f | %.2f | %.2f |\n", name, 4 ^ (i - 1), bytes[file] / 1e6,
+               cpu[file] * 1e6 / bytes[file], peak[file] * 1024 / bytes[file]
       }
     }'
   rm -f "${files[@]}"
