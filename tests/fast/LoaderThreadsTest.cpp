@@ -28,13 +28,25 @@ constexpr int rounds = 5;
 const QString defaultGroup = QStringLiteral("<default>");
 const QString redGroup = QStringLiteral("red");
 
-/// A sheet of quads as wide as `number` + 2, an octagon, and now and then a line that
-/// only an OBJReader reads. Odd numbers have texture coordinates.
+/// Vertices of the sheet that objText() makes. Every fourth is so large that its arrays
+/// take blocks of the memory that all threads share.
+constexpr int widthOf(int number)
+{
+    return number + 40;
+}
+constexpr int heightOf(int number)
+{
+    return number % 4 == 3 ? 200 : 3;
+}
+
+/// A sheet of quads, an octagon, and now and then a line that only an OBJReader reads.
+/// Odd numbers have texture coordinates.
 QByteArray objText(int number)
 {
     QByteArray text = "mtllib red.mtl\n";
-    const int width = number + 2;
-    for (int row = 0; row < 3; ++row) {
+    const int width = widthOf(number);
+    const int height = heightOf(number);
+    for (int row = 0; row < height; ++row) {
         for (int column = 0; column < width; ++column) {
             text += "v " + QByteArray::number(column) + ' ' + QByteArray::number(row) + " 0." +
                     QByteArray::number(number) + '\n';
@@ -42,7 +54,7 @@ QByteArray objText(int number)
     }
     if (number % 2 == 1)
         text += "vt 0.5\u00a00.25\n"; // a blank that is no plain text
-    for (int row = 0; row < 2; ++row) {
+    for (int row = 0; row + 1 < height; ++row) {
         for (int column = 0; column + 1 < width; ++column) {
             const int corner = row * width + column + 1;
             text += "f " + QByteArray::number(corner) + ' ' + QByteArray::number(corner + 1) + ' ' +
@@ -117,12 +129,15 @@ TEST(LoaderThreads, ReadAndPrepareFilesOfTheirOwn)
     for (std::size_t number = 0; number < threadsAtOnce; ++number) {
         const Loaded alone = load(paths[number], files.directory());
         EXPECT_EQ(alone.outcome, OBJScanOutcome::Finished);
-        // One row of quads is drawn plain; the other and the octagon are red.
-        const int quads = static_cast<int>(number) + 1;
+        // One row of quads is drawn plain; the others and the octagon are red.
+        const int quads = widthOf(static_cast<int>(number)) - 1;
+        const int rows = heightOf(static_cast<int>(number)) - 1;
+        const int plain = 6 * quads;
+        const int red = 6 * quads * (rows - 1) + 3 * 6;
         ASSERT_GE(alone.lines.size(), 2u);
-        EXPECT_EQ(alone.lines.end()[-2], "<default> 0 " + std::to_string(6 * quads));
+        EXPECT_EQ(alone.lines.end()[-2], "<default> 0 " + std::to_string(plain));
         EXPECT_EQ(alone.lines.end()[-1],
-                  "red " + std::to_string(6 * quads) + ' ' + std::to_string(6 * quads + 3 * 6));
+                  "red " + std::to_string(plain) + ' ' + std::to_string(red));
         for (const std::vector<Loaded> &round : loaded)
             EXPECT_TRUE(round[number] == alone) << "file " << number;
     }
