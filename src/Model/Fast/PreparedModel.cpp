@@ -38,7 +38,8 @@ bool isDrawable(const OBJGeometry &geometry)
 }
 
 /// Elements are counted in signed 32-bit numbers when they go to the GPU, floats
-/// per vertex as well as triangle indices.
+/// per vertex as well as triangle indices. What a scan lets through fits by far: this is
+/// for geometry that comes from elsewhere.
 bool fitsCounts(const OBJGeometry &geometry, const FaceSums &faces)
 {
     constexpr quint64 limit = std::numeric_limits<int>::max();

@@ -53,7 +53,8 @@ struct PreparedModel
 /// \param builder whose address the message on welding shows.
 /// \return an empty model for a file that a builder would find not valid, for
 ///         one without positions, and for one with more corners or triangles than
-///         32-bit signed counts of single numbers can tell.
+///         32-bit signed counts of single numbers can tell, which no scan lets through
+///         (see OBJScanLimits).
 PreparedModel prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
                               const void *builder);
 
