@@ -20,6 +20,7 @@ add_library(orv_portable_lanes OBJECT
   ${model_dir}/Fast/VertexNormalSums.cpp
   ${model_dir}/RowWelding.cpp)
 orv_target(orv_portable_lanes)
+target_compile_options(orv_portable_lanes PRIVATE "$<$<CONFIG:RelWithDebInfo>:-O2>") # as the library
 target_compile_definitions(orv_portable_lanes PUBLIC ORV_PORTABLE_LANES PRIVATE ORVMODEL_BUILD)
 target_include_directories(orv_portable_lanes PUBLIC ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(orv_portable_lanes PUBLIC Orv::Core Orv::GL Qt5::Core Qt5::Gui)

@@ -19,6 +19,7 @@ foreach(variant scan portable_scan)
     ${scan_dir}/../MaterialLibraries.cpp
     ${scan_dir}/../OBJScanLimits.cpp)
   orv_target(orv_${variant})
+  target_compile_options(orv_${variant} PRIVATE "$<$<CONFIG:RelWithDebInfo>:-O2>") # as the library
   target_include_directories(orv_${variant} PUBLIC ${PROJECT_SOURCE_DIR}/src/Model)
   target_link_libraries(orv_${variant} PUBLIC Orv::Model FastFloat::fast_float)
 endforeach()
