@@ -89,10 +89,11 @@ TEST(FaceTrianglesTest, facesOfOneRunAreCutAsOneByOne)
     Dice dice(Seed);
     for (int round = 0; round < 300; ++round) {
         // Far from the origin, rounding decides which way a face runs.
-        const double distance = round % 2 == 0 ? 0.0 : 3000.0;
+        const double distance = round % 2 == 0 ? 0.0 : 30000.0;
         std::vector<float> positions;
         for (int i = 0; i < 3 * 500; ++i)
-            positions.push_back(static_cast<float>(distance + dice.real(-1.0, 1.0)));
+            positions.push_back(
+                static_cast<float>((i % 3 == 1 ? distance : 0.0) + dice.real(-1.0, 1.0)));
         positions.push_back(0.0f); // may be read
         std::vector<quint32> faces;
         std::vector<quint32> corners;
