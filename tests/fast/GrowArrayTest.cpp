@@ -12,6 +12,14 @@
 
 using namespace Halvard::Orv;
 
+#ifdef __SANITIZE_ADDRESS__
+/// As without the sanitizer, memory that is not to be had is null.
+extern "C" __attribute__((visibility("default"))) const char *__asan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+#endif
+
 namespace {
 
 /// Elements of 4 bytes: around 64 KiB and four MiB, and far from both.
