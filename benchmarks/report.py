@@ -65,12 +65,13 @@ def growth_table(results):
 
 
 def chart(results):
-    """Milliseconds of CPU per megabyte of file, on a logarithmic scale."""
+    """Nanoseconds of CPU per byte of each model's largest file, on a logarithmic scale."""
     import math
     bar, gap, left, width = 14, 14, 170, 760
     largest = {}
     for result in results["files"]:
-        largest[(result["model"], result["size"])] = result
+        if result["size"] >= largest.get(result["model"], result)["size"]:
+            largest[result["model"]] = result
     groups = list(largest.values())
     values = [1e6 * r["cpuMinimum"] / g["bytes"] for g in groups
               for r in g["contestants"].values()]
@@ -98,12 +99,12 @@ def chart(results):
                      'stroke="#ccc"/>')
         lines.append(f'<text x="{x(tick):.1f}" y="{y + 12}" text-anchor="middle">{tick:g}</text>')
         tick *= 10
-    legend, at = [], left
+    legend, at = [], 8
     for name in NAMES:
         if any(name in g["contestants"] for g in groups):
             legend.append(f'<rect x="{at}" y="26" width="10" height="10" fill="{COLOURS[name]}"/>')
             legend.append(f'<text x="{at + 14}" y="35">{NAMES[name]}</text>')
-            at += 34 + 6.2 * len(NAMES[name])
+            at += 30 + 5.6 * len(NAMES[name])
     return "\n".join(
         [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {y + 20}" '
          'font-family="sans-serif" font-size="11">',
