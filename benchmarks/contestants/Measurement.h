@@ -2,7 +2,6 @@
 /// What all contestants measure and print, in the same way.
 #pragma once
 
-#include <sys/resource.h>
 #include <time.h>
 
 #include <cstdio>
@@ -35,11 +34,18 @@ inline long residentNow()
     return pages * 4;
 }
 
+/// Not ru_maxrss, which begins with the peak of whoever started the program.
 inline long residentPeak()
 {
-    rusage usage;
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
+    long kilobytes = 0;
+    if (FILE *file = std::fopen("/proc/self/status", "r")) {
+        char line[128];
+        while (std::fgets(line, sizeof line, file) &&
+               std::sscanf(line, "VmHWM: %ld", &kilobytes) != 1) {
+        }
+        std::fclose(file);
+    }
+    return kilobytes;
 }
 
 /// One load: times in milliseconds, memory in KiB beyond what the process held
@@ -63,4 +69,23 @@ inline void print(const Measurement &m)
                 "\"triangles\": %zu",
                 m.wall, m.cpu, m.driverWall, m.driverCPU, m.peak, m.peakBeforeDriver, m.vertices,
                 m.triangles);
+}
+
+/// Measures and prints one load without a driver, as a program's outcome.
+/// \param load whether loading went well; notes vertices and triangles.
+template <typename Load>
+int measureLoad(const Load &load)
+{
+    Measurement measured;
+    const long before = residentNow();
+    const Moment begin;
+    if (!load(measured))
+        return 1;
+    const Moment end;
+    measured.wall = end.wall - begin.wall;
+    measured.cpu = end.cpu - begin.cpu;
+    measured.peak = measured.peakBeforeDriver = residentPeak() - before;
+    print(measured);
+    std::printf("}\n");
+    return 0;
 }

@@ -13,24 +13,14 @@
 
 #include <vector>
 
-int main(int argc, char *argv[])
+namespace {
+
+/// The indices of all meshes; their vertices are counted in `measured`.
+std::vector<unsigned> joinedIndices(const aiScene &scene, Measurement &measured)
 {
-    if (argc < 2)
-        return 2;
-    Measurement measured;
-    const long before = residentNow();
-    const Moment begin;
-    Assimp::Importer importer;
-    const aiScene *scene =
-        importer.ReadFile(argv[1], aiProcess_Triangulate | aiProcess_JoinIdenticalVertices |
-                                       aiProcess_GenSmoothNormals | aiProcess_SortByPType);
-    if (!scene) {
-        std::fprintf(stderr, "%s\n", importer.GetErrorString());
-        return 1;
-    }
     std::vector<unsigned> indices;
-    for (unsigned m = 0; m < scene->mNumMeshes; ++m) {
-        const aiMesh &mesh = *scene->mMeshes[m];
+    for (unsigned m = 0; m < scene.mNumMeshes; ++m) {
+        const aiMesh &mesh = *scene.mMeshes[m];
         if (!(mesh.mPrimitiveTypes &
               aiPrimitiveType_TRIANGLE)) // beside it, what polygons they were
             continue;
@@ -42,12 +32,28 @@ int main(int argc, char *argv[])
         }
         measured.vertices += mesh.mNumVertices;
     }
-    const Moment end;
-    measured.wall = end.wall - begin.wall;
-    measured.cpu = end.cpu - begin.cpu;
-    measured.peak = measured.peakBeforeDriver = residentPeak() - before;
-    measured.triangles = indices.size() / 3;
-    print(measured);
-    std::printf("}\n");
-    return 0;
+    return indices;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (argc < 2)
+        return 2;
+    // Out here, so that freeing them is not measured.
+    Assimp::Importer importer;
+    std::vector<unsigned> indices;
+    return measureLoad([&](Measurement &measured) {
+        const aiScene *scene =
+            importer.ReadFile(argv[1], aiProcess_Triangulate | aiProcess_JoinIdenticalVertices |
+                                           aiProcess_GenSmoothNormals | aiProcess_SortByPType);
+        if (!scene) {
+            std::fprintf(stderr, "%s\n", importer.GetErrorString());
+            return false;
+        }
+        indices = joinedIndices(*scene, measured);
+        measured.triangles = indices.size() / 3;
+        return true;
+    });
 }

@@ -141,19 +141,12 @@ int main(int argc, char *argv[])
 {
     if (argc < 2)
         return 2;
-    Measurement measured;
-    const long before = residentNow();
-    const Moment begin;
     Model model;
-    if (!load(argv[1], model))
-        return 1;
-    const Moment end;
-    measured.wall = end.wall - begin.wall;
-    measured.cpu = end.cpu - begin.cpu;
-    measured.peak = measured.peakBeforeDriver = residentPeak() - before;
-    measured.vertices = model.columns[QStringLiteral("va_Vertex")].values.size() / 3;
-    measured.triangles = model.indices.size() / 3;
-    print(measured);
-    std::printf("}\n");
-    return 0;
+    return measureLoad([&](Measurement &measured) {
+        if (!load(argv[1], model))
+            return false;
+        measured.vertices = model.columns[QStringLiteral("va_Vertex")].values.size() / 3;
+        measured.triangles = model.indices.size() / 3;
+        return true;
+    });
 }

@@ -145,19 +145,12 @@ int main(int argc, char *argv[])
 {
     if (argc < 2)
         return 2;
-    Measurement measured;
-    const long before = residentNow();
-    const Moment begin;
     Arrays arrays;
-    if (!load(argv[1], arrays))
-        return 1;
-    const Moment end;
-    measured.wall = end.wall - begin.wall;
-    measured.cpu = end.cpu - begin.cpu;
-    measured.peak = measured.peakBeforeDriver = residentPeak() - before;
-    measured.vertices = arrays.positions.size() / 3;
-    measured.triangles = arrays.indices.size() / 3;
-    print(measured);
-    std::printf("}\n");
-    return 0;
+    return measureLoad([&](Measurement &measured) {
+        if (!load(argv[1], arrays))
+            return false;
+        measured.vertices = arrays.positions.size() / 3;
+        measured.triangles = arrays.indices.size() / 3;
+        return true;
+    });
 }
