@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Loads one model repeated 1, 4, 16 and 64 times and prints, as a table, what it takes for
 # each byte of the file: CPU time and peak memory, without those of the graphics driver.
+# Peaks are those of a program's first load; what any first load takes shows in the first
+# row, whose model is a cube.
 #
 #     benchmarks/scaling.sh [MODEL.obj...]
 #
@@ -49,7 +51,28 @@ measure() {
   printf '%s %s\n' "$(field leastCPU "$1" 3)" "$(field peakBeforeDriver "$1" 1)"
 }
 
-printf '| model | times | MB | CPU, ns a byte | peak, bytes a byte |\n|---|---:|---:|---:|---:|\n'
+# print_rows NAME: of lines "file bytes milliseconds KiB", the least of each file.
+print_rows() {
+  awk -v name="$1" '
+    !($1 in cpu) { order[++count] = $1; bytes[$1] = $2; cpu[$1] = $3; peak[$1] = $4 }
+    $3 < cpu[$1] { cpu[$1] = $3 }
+    $4 < peak[$1] { peak[$1] = $4 }
+    END {
+      for (i = 1; i <= count; ++i) {
+        file = order[i]
+        printf "| %s | %d | %.1f | %.2f | %.1f | %.2f |\n", name, 4 ^ (i - 1), bytes[file] / 1e6,
+               cpu[file] * 1e6 / bytes[file], peak[file] * 1024 / 1e6,
+               peak[file] * 1024 / bytes[file]
+      }
+    }'
+}
+
+printf '| model | times | MB | CPU, ns a byte | peak, MB | peak, bytes a byte |\n'
+printf '|---|---:|---:|---:|---:|---:|\n'
+cube=$repository/samples/textured_cube.obj
+for ((round = 0; round < rounds; ++round)); do
+  printf '%s %s %s\n' "$cube" "$(stat -c %s "$cube")" "$(measure "$cube")"
+done | print_rows textured_cube
 for model in "${models[@]}"; do
   [[ -r $model ]] || die "cannot read '$model'"
   name=$(basename "$model" .obj)
@@ -65,16 +88,6 @@ for model in "${models[@]}"; do
     for file in "${files[@]}"; do
       printf '%s %s %s\n' "$file" "$(stat -c %s "$file")" "$(measure "$file")"
     done
-  done | awk -v name="$name" '
-    !($1 in cpu) { order[++count] = $1; bytes[$1] = $2; cpu[$1] = $3; peak[$1] = $4 }
-    $3 < cpu[$1] { cpu[$1] = $3 }
-    $4 < peak[$1] { peak[$1] = $4 }
-    END {
-      for (i = 1; i <= count; ++i) {
-        file = order[i]
-        printf "| %s | %d | %.1f | %.2f | %.2f |\n", name, 4 ^ (i - 1), bytes[file] / 1e6,
-               cpu[file] * 1e6 / bytes[file], peak[file] * 1024 / bytes[file]
-      }
-    }'
+  done | print_rows "$name"
   rm -f "${files[@]}"
 done

@@ -5,9 +5,9 @@
 #     scripts/fuzz.sh --replay [TARGET...]
 #
 # Runs each target of fuzz/ (XFuzzer.cpp is the target X; all of them without a name) for
-# MINUTES under the address and undefined-behaviour sanitizers, one after the other. What a
-# target finds worth keeping stays in build/fuzz-corpora/X for the next run; the seeds in
-# fuzz/corpora are only read.
+# MINUTES under the address and undefined-behaviour sanitizers, one after the other, or
+# ORV_FUZZ_JOBS at once. What a target finds worth keeping stays in build/fuzz-corpora/X for the
+# next run; the seeds in fuzz/corpora are only read.
 #
 # --replay runs every seed and everything ever found (fuzz/regressions), and then each target
 # for 20 seconds from its seeds, as many at once as there are processors. scripts/test.sh does
@@ -55,7 +55,8 @@ case $mode in
   *)
     [[ $mode =~ ^[1-9][0-9]{0,4}$ ]] || wrong_usage "MINUTES is '$mode': a number above 0"
     seconds=$((60 * mode))
-    jobs=1
+    jobs=${ORV_FUZZ_JOBS:-1}
+    [[ $jobs =~ ^[1-9][0-9]?$ ]] || wrong_usage "ORV_FUZZ_JOBS is '$jobs': a number above 0"
     ;;
 esac
 
@@ -90,7 +91,7 @@ corpus_of() {
 
 # fuzz TARGET: its seeds and regressions are run before anything new.
 fuzz() {
-  local target=$1 kind corpus inputs=() options=()
+  local target=$1 kind corpus inputs=() options=() TIMEFORMAT='%U %S'
   kind=$(kind_of "$target")
   corpus=$(corpus_of "$target")
   mkdir -p "$corpus"
@@ -98,9 +99,10 @@ fuzz() {
     [[ ! -d $directory ]] || inputs+=("$directory")
   done
   [[ ! -e $repository/fuzz/$kind.dict ]] || options+=("-dict=$repository/fuzz/$kind.dict")
-  TMPDIR=$logs "$build_dir/fuzz/${target}Fuzzer" "${limits[@]}" "${options[@]}" -max_len="$most_bytes" \
-    -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$findings_dir/$target-" \
-    "$corpus" "${inputs[@]}" >"$logs/$target" 2>&1 </dev/null
+  { time TMPDIR=$logs "$build_dir/fuzz/${target}Fuzzer" "${limits[@]}" "${options[@]}" \
+    -max_len="$most_bytes" -max_total_time="$seconds" -print_final_stats=1 \
+    -artifact_prefix="$findings_dir/$target-" \
+    "$corpus" "${inputs[@]}" >"$logs/$target" 2>&1 </dev/null; } 2>"$logs/$target.time"
 }
 
 # statistic TARGET NAME: of the final statistics.
@@ -121,11 +123,14 @@ fuzz_all() {
 
 failed_targets() { find "$logs" -name '*.failed' -exec basename {} .failed ';'; }
 
+# cpu_seconds_of TARGET: of its time, what it had of a processor.
+cpu_seconds_of() { awk '{ print int($1 + $2) }' "$logs/$1.time"; }
+
 print_table() {
-  local row='| %-13s | %11s | %7s | %8s | %19s |\n' target corpus files bytes findings
+  local row='| %-13s | %11s | %7s | %11s | %8s | %19s |\n' target corpus files bytes findings
   # shellcheck disable=SC2059 # the format is the row's
-  printf "$row" target executions seconds findings corpus
-  echo "|---------------|------------:|--------:|---------:|--------------------:|"
+  printf "$row" target executions seconds "CPU seconds" findings corpus
+  echo "|---------------|------------:|--------:|------------:|---------:|--------------------:|"
   for target in "$@"; do
     [[ -e $logs/$target ]] || continue
     corpus=$(corpus_of "$target")
@@ -135,7 +140,7 @@ print_table() {
     [[ ! -e $logs/$target.failed ]] || findings=1
     # shellcheck disable=SC2059
     printf "$row" "$target" "$(statistic "$target" number_of_executed_units)" "$seconds" \
-      "$findings" "$files files, $((bytes / 1024)) KiB"
+      "$(cpu_seconds_of "$target")" "$findings" "$files files, $((bytes / 1024)) KiB"
   done
 }
 

@@ -4,6 +4,8 @@
 
 #include "support/RandomRings.h"
 
+#include <QtCore/QtGlobal>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -98,6 +100,29 @@ TEST(BlockPoolTest, growsWhereThereIsRoomOnly)
         EXPECT_EQ(pool.resizeInPlace(second, bytes, larger), fits) << larger;
         bytes = fits ? larger : bytes;
     }
+}
+
+TEST(BlockPoolTest, emptiesLargePagesThatALargeBlockLeaves)
+{
+#ifdef Q_OS_LINUX
+    constexpr std::size_t LargePage = 2048 * KiB;
+    BlockPool pool;
+    char *const before = static_cast<char *>(pool.allocate(Smallest));
+    char *const large = static_cast<char *>(pool.allocate(Largest));
+    char *const after = static_cast<char *>(pool.allocate(Smallest));
+    std::memset(before, 1, Smallest);
+    std::memset(large, 2, Largest);
+    std::memset(after, 3, Smallest);
+    pool.free(large, Largest);
+    EXPECT_TRUE(isIntact({before, Smallest, 1}));
+    EXPECT_TRUE(isIntact({after, Smallest, 3}));
+    // A page that has gone to the system comes back as zeros. In four MiB lies one page as
+    // a whole at least.
+    ASSERT_EQ(pool.allocate(Largest), large);
+    const auto zeros = static_cast<std::size_t>(std::count(large, large + Largest, 0));
+    EXPECT_GE(zeros, LargePage);
+    EXPECT_EQ(zeros % LargePage, 0u);
+#endif
 }
 
 TEST(BlockPoolTest, blocksAreAlignedForEverything)

@@ -22,9 +22,9 @@ extern "C" __attribute__((visibility("default"))) const char *__asan_default_opt
 
 namespace {
 
-/// Elements of 4 bytes: around 64 KiB and four MiB, and far from both.
-const std::size_t Counts[] = {1,       1000,          (1 << 14) - 1, 1 << 14,       (1 << 14) + 1,
-                              200'000, (1 << 20) - 1, 1 << 20,       (1 << 20) + 1, 5 << 20};
+/// Elements of 4 bytes: around 64 KiB, 1 MiB and 4 MiB, and far from them.
+const std::size_t Counts[] = {1,       1000,    (1 << 14) - 1, 1 << 14, (1 << 14) + 1, 200'000,
+                              1 << 18, 600'000, (1 << 20) - 1, 1 << 20, (1 << 20) + 1, 5 << 20};
 
 GrowArray<std::uint32_t> counted(std::size_t count)
 {
@@ -65,6 +65,7 @@ TEST(GrowArrayTest, growsElementByElement)
     for (std::uint32_t i = 0; i < 2500000; ++i)
         array.append(7 + i);
     EXPECT_EQ(countedElements(array.data(), array.size()), 2500000u);
+    EXPECT_LT(array.capacity(), 2 * array.size()); // at most doubled
 }
 
 TEST(GrowArrayTest, reservesAndCommits)

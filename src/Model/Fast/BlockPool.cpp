@@ -13,6 +13,10 @@ namespace {
 /// Asked for from the system at once.
 constexpr size_t RegionBytes = 4 * BlockPool::LargestBlock;
 
+/// Blocks from which on their large pages go back. Smaller ones come and go often, and a
+/// page that comes again costs a tenth of a millisecond.
+constexpr size_t RoomyBytes = size_t(1) << 20;
+
 /// A multiple of what any type, and any vector instruction, wants.
 size_t rounded(size_t bytes)
 {
@@ -71,9 +75,11 @@ void BlockPool::free(void *block, size_t bytes)
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     char *const begin = static_cast<char *>(block);
-    giveBack({begin, begin + rounded(bytes)});
+    const Range room = giveBack({begin, begin + rounded(bytes)});
     if (--_blockCount == 0)
         releaseRegions();
+    else if (bytes >= RoomyBytes)
+        emptyLargePages(room.begin, room.end);
 }
 
 size_t BlockPool::heldBytes() const
@@ -108,21 +114,19 @@ bool BlockPool::addRegion()
     return true;
 }
 
-void BlockPool::giveBack(Range range)
+/// Returns all the free room that `range` is part of then.
+BlockPool::Range BlockPool::giveBack(Range range)
 {
-    const auto next = firstFreeBehind(range.begin);
-    const bool joinsNext = next != _free.end() && next->begin == range.end;
-    const bool joinsPrevious = next != _free.begin() && std::prev(next)->end == range.begin;
-    if (joinsNext && joinsPrevious) {
-        std::prev(next)->end = next->end;
-        _free.erase(next);
-    } else if (joinsNext) {
-        next->begin = range.begin;
-    } else if (joinsPrevious) {
-        std::prev(next)->end = range.end;
-    } else {
-        _free.insert(next, range);
+    auto next = firstFreeBehind(range.begin);
+    if (next != _free.end() && next->begin == range.end) {
+        range.end = next->end;
+        next = _free.erase(next);
     }
+    if (next != _free.begin() && std::prev(next)->end == range.begin) {
+        std::prev(next)->end = range.end;
+        return *std::prev(next);
+    }
+    return *_free.insert(next, range);
 }
 
 void BlockPool::releaseRegions()

@@ -13,7 +13,8 @@ namespace Halvard::Orv {
 /// Fresh memory is what loading a file of a few megabytes waits for most, and in large
 /// pages it costs an eighth. No array of such a file fills a large page, but all of them
 /// together fill a few, the lowest first; what one array gives back is the next one's.
-/// When the last block is back, everything goes back to the system.
+/// Large pages that a large block leaves empty go back to the system, and everything does
+/// when the last block is back.
 ///
 /// For any number of threads.
 class BlockPool
@@ -52,7 +53,7 @@ private:
 
     Ranges::iterator firstFreeBehind(const char *place);
     bool addRegion();
-    void giveBack(Range range);
+    Range giveBack(Range range);
     void releaseRegions();
 
     mutable std::mutex _mutex;

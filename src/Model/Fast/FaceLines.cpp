@@ -12,8 +12,9 @@ namespace Halvard::Orv {
 
 namespace {
 
-/// Text read between two looks at the room for indices.
-constexpr ptrdiff_t RunBytes = 1 << 18;
+/// Text read between two looks at the room for indices. Room is made for the shortest lines
+/// that there can be, so that this bounds what an array has and does not need.
+constexpr ptrdiff_t RunBytes = 1 << 13;
 
 /// The most corners of a face that is read here: one line must not overrun the
 /// room, and a byte must hold their number.

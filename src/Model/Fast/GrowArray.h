@@ -4,6 +4,7 @@
 
 #include "MemoryBlocks.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <new>
 #include <type_traits>
@@ -56,7 +57,7 @@ public:
     T *reserveMore(size_t count)
     {
         if (_capacity - _size < count)
-            reallocate(_size + count > 2 * _capacity ? _size + count : 2 * _capacity);
+            reallocate(std::max(_size + count, grownBytes(_capacity * sizeof(T)) / sizeof(T)));
         return _data + _size;
     }
     void commit(size_t count) { _size += count; }

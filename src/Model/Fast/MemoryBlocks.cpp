@@ -91,6 +91,13 @@ void *resizeBlock(void *block, size_t oldBytes, size_t newBytes)
     }
 }
 
+size_t grownBytes(size_t bytes)
+{
+    // What a large block of the pool has and does not need takes memory from others.
+    constexpr size_t Large = size_t(1) << 20;
+    return bytes + (bytes >= Large && sourceOf(bytes) == Source::Pool ? bytes / 4 : bytes);
+}
+
 void *zeroedBlock(size_t bytes)
 {
     if (bytes == 0)

@@ -20,6 +20,10 @@ namespace Halvard::Orv {
 /// \param newBytes above 0.
 void *resizeBlock(void *block, size_t oldBytes, size_t newBytes);
 
+/// How large a block of `bytes` bytes becomes when it is full and nobody knows how much
+/// more is to come.
+size_t grownBytes(size_t bytes);
+
 /// A block of zeros. Null when there is none to be had, or `bytes` is 0.
 void *zeroedBlock(size_t bytes);
 

@@ -40,11 +40,12 @@ private:
 };
 
 /// Makes room for what a file of `bytes` bytes may hold, by the length that numbers
-/// have in large files. Room that is not used takes no memory, while arrays that
-/// grow by moving lose their large pages.
+/// have in large files. Arrays as large as theirs have pages of their own: room that is
+/// not used takes no memory, while growing by moving loses large pages. Arrays of smaller
+/// files share their pages, and room for one would be taken from others.
 void expectValues(OBJGeometry &geometry, size_t bytes)
 {
-    constexpr size_t Large = size_t(4) << 20;
+    constexpr size_t Large = size_t(20) << 20;
     if (bytes < Large)
         return;
     for (OBJAttribute *attribute : {&geometry.positions, &geometry.normals, &geometry.texCoords})

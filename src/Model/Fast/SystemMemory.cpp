@@ -4,6 +4,8 @@
 
 #ifdef Q_OS_LINUX
 #include <sys/mman.h>
+
+#include <cstdint>
 #endif
 
 namespace Halvard::Orv {
@@ -40,6 +42,17 @@ void unmapMemory(void *memory, size_t bytes)
     munmap(memory, bytes);
 }
 
+void emptyLargePages(char *begin, char *end)
+{
+    // Of x86-64, and of ARM with pages of 4 KiB. Elsewhere these are whole pages, too.
+    constexpr std::uintptr_t LargePage = std::uintptr_t(2) << 20;
+    const std::uintptr_t first =
+        (reinterpret_cast<std::uintptr_t>(begin) + LargePage - 1) / LargePage * LargePage;
+    const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(end) / LargePage * LargePage;
+    if (first < last)
+        madvise(reinterpret_cast<void *>(first), last - first, MADV_DONTNEED);
+}
+
 #else
 
 void *mapMemory(size_t)
@@ -53,6 +66,8 @@ void *remapMemory(void *, size_t, size_t)
 }
 
 void unmapMemory(void *, size_t) {}
+
+void emptyLargePages(char *, char *) {}
 
 #endif
 

@@ -17,4 +17,8 @@ void *remapMemory(void *memory, size_t oldBytes, size_t newBytes);
 
 void unmapMemory(void *memory, size_t bytes);
 
+/// Gives back the large pages that lie in [`begin`, `end`) as a whole, but not their
+/// addresses: they are zeros from now on, and take memory when they are written to.
+void emptyLargePages(char *begin, char *end);
+
 } // namespace Halvard::Orv

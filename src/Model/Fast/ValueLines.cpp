@@ -12,8 +12,9 @@ namespace Halvard::Orv {
 
 namespace {
 
-/// Text read between two looks at the room for values.
-constexpr ptrdiff_t RunBytes = 1 << 18;
+/// Text read between two looks at the room for values. Room is made for the shortest lines
+/// that there can be, so that this bounds what an array has and does not need.
+constexpr ptrdiff_t RunBytes = 1 << 13;
 
 /// Bytes of the longest number read here, not counting its point: see
 /// floatsFromGroups().
