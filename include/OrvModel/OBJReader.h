@@ -5,7 +5,6 @@
 #include <OrvModel/OrvModelExport.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
@@ -115,15 +114,22 @@ public:
     int resolveIndex(int index, int count) const;
 
 private:
-    void tokenize(const QString &line);
-    void classify(const QString &keyword);
-    QString token(int i) const;
+    struct Token
+    {
+        int begin; ///< in the line
+        int length;
+    };
+
+    void tokenize();
+    void classify(const QStringRef &keyword);
+    QStringRef token(int i) const;
     float number(int i) const;
-    bool parseCorner(const QString &text, Vertex &corner) const;
+    bool parseCorner(const QStringRef &text, Vertex &corner) const;
 
     QDir _baseDir;
     QTextStream *_stream;
-    QList<QString> _tokens;
+    QString _line;
+    QVector<Token> _tokens; ///< of the line; a string for each would take ten times as much
     bool _parsedOk;
     int _lineType;
     Floats _xyz;

@@ -12,7 +12,7 @@ constexpr int ReservedCorners = 100;
 
 /// Part `number` of a face token such as "1/2/3", without copying it; null when
 /// the token has fewer parts.
-QStringRef slashPart(const QString &token, int number)
+QStringRef slashPart(const QStringRef &token, int number)
 {
     int begin = 0;
     for (; number > 0; --number) {
@@ -22,7 +22,7 @@ QStringRef slashPart(const QString &token, int number)
         begin = slash + 1;
     }
     const int end = token.indexOf(QLatin1Char('/'), begin);
-    return token.midRef(begin, end < 0 ? -1 : end - begin);
+    return token.mid(begin, end < 0 ? -1 : end - begin);
 }
 
 /// Reads a texture or normal index, which a token may leave out. The index is 0
@@ -66,22 +66,23 @@ void OBJReader::next()
             _lineType = LINE_EOF;
             return;
         }
-        tokenize(_stream->readLine());
-        if (_tokens.isEmpty() || _tokens.first().startsWith(QLatin1Char('#')))
+        _line = _stream->readLine();
+        tokenize();
+        if (_tokens.isEmpty() || token(0).startsWith(QLatin1Char('#')))
             continue;
-        classify(_tokens.first());
+        classify(token(0));
     }
 }
 
-void OBJReader::tokenize(const QString &line)
+void OBJReader::tokenize()
 {
     _tokens.clear();
-    forEachToken(line, [&](int begin, int length) { _tokens.append(line.mid(begin, length)); });
+    forEachToken(_line, [this](int begin, int length) { _tokens.append({begin, length}); });
 }
 
 /// Counts the line, too: negative indices refer to the lines seen, whether or
 /// not they parse.
-void OBJReader::classify(const QString &keyword)
+void OBJReader::classify(const QStringRef &keyword)
 {
     if (keyword == QLatin1String("v")) {
         _lineType = LINE_V;
@@ -118,12 +119,12 @@ bool OBJReader::parseLine()
         _parsedOk = parseVerts();
         return _parsedOk;
     case LINE_MTLLIB:
-        _name = token(1);
+        _name = token(1).toString();
         if (QDir::isRelativePath(_name))
             _name = _baseDir.absoluteFilePath(_name);
         break;
     case LINE_USEMTL:
-        _name = token(1);
+        _name = token(1).toString();
         break;
     default:
         return _parsedOk;
@@ -138,7 +139,7 @@ bool OBJReader::parseVerts()
         return false;
     _vertices.clear();
     for (int i = 1; i < _tokens.size(); ++i) {
-        const QString &text = _tokens.at(i);
+        const QStringRef text = token(i);
         if (text.startsWith(QLatin1Char('#')))
             return true;
         Vertex corner;
@@ -150,7 +151,7 @@ bool OBJReader::parseVerts()
 }
 
 /// Reads "v", "v/vt", "v//vn" or "v/vt/vn"; further parts are not looked at.
-bool OBJReader::parseCorner(const QString &text, Vertex &corner) const
+bool OBJReader::parseCorner(const QStringRef &text, Vertex &corner) const
 {
     bool ok = false;
     const int position = slashPart(text, 0).toInt(&ok);
@@ -210,15 +211,18 @@ int OBJReader::resolveIndex(int index, int count) const
 }
 
 /// Token `i` of the line; empty when the line is shorter.
-QString OBJReader::token(int i) const
+QStringRef OBJReader::token(int i) const
 {
-    return _tokens.value(i);
+    if (i >= _tokens.size())
+        return {};
+    const Token &token = _tokens.at(i);
+    return _line.midRef(token.begin, token.length);
 }
 
 /// Token `i` as a number; 0 when it is missing or malformed.
 float OBJReader::number(int i) const
 {
-    return i < _tokens.size() ? _tokens.at(i).toFloat() : 0.0f;
+    return token(i).toFloat();
 }
 
 } // namespace Halvard::Orv
