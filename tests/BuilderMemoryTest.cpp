@@ -1,5 +1,6 @@
 // A builder whose memory ends, and one that is told of more than there can be: neither
 // writes where it must not, nor gives a model by halves.
+#include "support/FailingMalloc.h"
 #include "support/UploadFixture.h"
 
 #include <gmock/gmock.h>
@@ -199,6 +200,20 @@ TEST_F(BuilderMemory, CountsBeyondTheStreamsWriteNothingOutside)
                 // Some are too large for the library's streams, and say so.
             }
         }
+    }
+}
+
+/// A value of a gigabyte, of which there is none: nobody has to make one of zeros.
+TEST_F(BuilderMemory, ComponentsWithoutCornersTakeNoMemory)
+{
+    if (!FailingMalloc::isPossible())
+        GTEST_SKIP() << "memory cannot be made to end here";
+    for (const bool merge : {true, false}) {
+        ModelBuilder builder({}, 0);
+        builder.createVertexAttribute(vertexName(), 1 << 28, GL_FLOAT, 0, 0);
+        const FailingMalloc nothingLarge(0);
+        EXPECT_NO_THROW(builder.buildGPUFriendlyStreams(merge));
+        EXPECT_EQ(FailingMalloc::failures(), 0);
     }
 }
 
