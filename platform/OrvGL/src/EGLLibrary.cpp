@@ -36,6 +36,12 @@ bool canLoadOpenGL()
     return false;
 }
 
+// Whether `extensions`, separated by blanks, has `name`; null has none.
+bool contains(const char *extensions, const char *name)
+{
+    return extensions && QByteArray(extensions).split(' ').contains(name);
+}
+
 } // namespace
 
 std::shared_ptr<const EGLLibrary> EGLLibrary::instance()
@@ -97,17 +103,25 @@ void EGLLibrary::loadExtensions()
         !load(getPlatformDisplay, "eglGetPlatformDisplayEXT"))
         return;
     hasSurfacelessPlatform = hasExtension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless");
-    const bool enumerates = hasExtension(EGL_NO_DISPLAY, "EGL_EXT_device_enumeration") ||
-                            hasExtension(EGL_NO_DISPLAY, "EGL_EXT_device_base");
+    const bool hasDevices = hasExtension(EGL_NO_DISPLAY, "EGL_EXT_device_base");
+    const bool enumerates =
+        hasDevices || hasExtension(EGL_NO_DISPLAY, "EGL_EXT_device_enumeration");
     hasDevicePlatform = hasExtension(EGL_NO_DISPLAY, "EGL_EXT_platform_device") && enumerates &&
                         load(queryDevices, "eglQueryDevicesEXT");
+    if (hasDevices || hasExtension(EGL_NO_DISPLAY, "EGL_EXT_device_query"))
+        load(queryDeviceString, "eglQueryDeviceStringEXT");
 }
 
 bool EGLLibrary::hasExtension(EGLDisplay display, const char *name) const
 {
     // Null for an uninitialised display, and for a library too old to have extensions of its own.
-    const char *const all = queryString(display, EGL_EXTENSIONS);
-    return all && QByteArray(all).split(' ').contains(name);
+    return contains(queryString(display, EGL_EXTENSIONS), name);
+}
+
+bool EGLLibrary::isHardware(EGLDeviceEXT device) const
+{
+    const char *const all = queryDeviceString ? queryDeviceString(device, EGL_EXTENSIONS) : nullptr;
+    return all && !contains(all, "EGL_MESA_device_software");
 }
 
 QString EGLLibrary::failure(const char *function) const

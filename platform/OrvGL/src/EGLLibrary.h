@@ -40,11 +40,15 @@ struct EGLLibrary
     // Extensions of the library, null where it lacks them.
     PFNEGLGETPLATFORMDISPLAYEXTPROC getPlatformDisplay = nullptr;
     PFNEGLQUERYDEVICESEXTPROC queryDevices = nullptr;
+    PFNEGLQUERYDEVICESTRINGEXTPROC queryDeviceString = nullptr;
     bool hasSurfacelessPlatform = false; ///< Mesa's, for getPlatformDisplay.
     bool hasDevicePlatform = false;      ///< For getPlatformDisplay, on devices of queryDevices.
 
     /// Whether `display` (EGL_NO_DISPLAY: the library itself) lists the extension.
     bool hasExtension(EGLDisplay display, const char *name) const;
+
+    /// Whether a device of queryDevices() is one that draws in hardware, as far as it says.
+    bool isHardware(EGLDeviceEXT device) const;
 
     /// "eglInitialize failed (EGL_NOT_INITIALIZED)", from the thread's last error.
     QString failure(const char *function) const;

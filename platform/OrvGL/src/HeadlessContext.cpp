@@ -88,24 +88,28 @@ QVector<EGLDeviceEXT> devices(const EGLLibrary &egl)
     return found;
 }
 
+// Graphics hardware first: without a surface, Mesa draws in software wherever the hardware is of a
+// driver that is not its own.
 QVector<Platform> platforms(const EGLLibrary &egl)
 {
-    QVector<Platform> ways;
+    QVector<Platform> hardware;
+    QVector<Platform> others;
     if (egl.hasSurfacelessPlatform) {
-        ways.append({QStringLiteral("surfaceless"), [&egl] {
-                         return egl.getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
-                                                       EGL_DEFAULT_DISPLAY, nullptr);
-                     }});
+        others.append({QStringLiteral("surfaceless"), [&egl] {
+                           return egl.getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
+                                                         EGL_DEFAULT_DISPLAY, nullptr);
+                       }});
     }
     int number = 0;
     for (EGLDeviceEXT device : devices(egl)) {
+        QVector<Platform> &ways = egl.isHardware(device) ? hardware : others;
         ways.append({QStringLiteral("device %1").arg(number++), [&egl, device] {
                          return egl.getPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
                      }});
     }
-    ways.append({QStringLiteral("default display"),
-                 [&egl] { return egl.getDisplay(EGL_DEFAULT_DISPLAY); }});
-    return ways;
+    others.append({QStringLiteral("default display"),
+                   [&egl] { return egl.getDisplay(EGL_DEFAULT_DISPLAY); }});
+    return hardware + others;
 }
 
 EGLConfig chooseConfig(const EGLLibrary &egl, EGLDisplay display)

@@ -23,8 +23,9 @@ namespace Halvard::Orv {
 class ORVGL_EXPORT HeadlessContext
 {
 public:
-    /// Makes a context: on Mesa's surfaceless platform where there is one, else on the first device
-    /// that can, else on the default display; always with the highest version offered.
+    /// Makes a context: on the first graphics device that can, else on Mesa's surfaceless platform
+    /// where there is one, else on a device in software, else on the default display; always with
+    /// the highest version offered.
     ///
     /// What is current on the calling thread stays current; the new context is not. Fails while a
     /// context that is not of EGL is current there.
