@@ -60,7 +60,7 @@ OBJAttribute valuesOf(const std::string &text, std::size_t &plainLines)
         const std::uint32_t before = attribute.valueCount();
         const char *const next = readTexCoordLines(line, end, marks, attribute);
         plainLines += attribute.valueCount() - before;
-        line = next < end ? readValueLine(next + 2, end, attribute) : end;
+        line = next != line ? next : readValueLine(line + 2, end, attribute);
     }
     return attribute;
 }
