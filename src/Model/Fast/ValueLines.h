@@ -13,8 +13,9 @@ namespace Halvard::Orv {
 ///
 /// \param line where a line begins; the text up to `end` ends with a line feed.
 /// \param marks of that text.
-/// \return where the first line begins that is of another kind or is not written
-///         plainly: `line` itself when that is the first, `end` after all lines.
+/// \return where the first line begins that is not read: for being of another kind or
+///         not written plainly, or because it is kilobytes away from `line`. `line` itself
+///         is returned only for the line's own sake, `end` after all lines.
 /// @{
 const char *readPositionLines(const char *line, const char *end, const DigitMarks &marks,
                               OBJAttribute &positions);
