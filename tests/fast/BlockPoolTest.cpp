@@ -80,6 +80,19 @@ TEST(BlockPoolTest, joinsRoomOnBothSides)
     EXPECT_TRUE(last);
 }
 
+TEST(BlockPoolTest, joinsRoomBehindABlockThatFittedExactly)
+{
+    BlockPool pool;
+    void *const first = pool.allocate(Smallest);
+    void *const second = pool.allocate(Smallest);
+    void *const third = pool.allocate(Smallest);
+    pool.free(second, Smallest);
+    EXPECT_EQ(pool.allocate(Smallest), second);
+    pool.free(third, Smallest);
+    EXPECT_EQ(pool.allocate(2 * Smallest), third); // and what was behind it
+    EXPECT_TRUE(first);
+}
+
 TEST(BlockPoolTest, growsWhereThereIsRoomOnly)
 {
     BlockPool pool;

@@ -68,6 +68,18 @@ TEST(GrowArrayTest, growsElementByElement)
     EXPECT_LT(array.capacity(), 2 * array.size()); // at most doubled
 }
 
+TEST(GrowArrayTest, growsBesideOthers)
+{
+    for (const std::size_t count : {30'000, 200'000, 400'000}) {
+        GrowArray<std::uint32_t> first = counted(count);
+        GrowArray<std::uint32_t> second = counted(count);
+        first.resize(2 * count);
+        std::fill_n(first.data() + count, count, 1u);
+        EXPECT_EQ(countedElements(first.data(), count), count);
+        EXPECT_EQ(countedElements(second.data(), count), count);
+    }
+}
+
 TEST(GrowArrayTest, reservesAndCommits)
 {
     for (const std::size_t count : Counts) {
@@ -120,8 +132,9 @@ TEST(GrowArrayTest, movesWithoutCopying)
 
 TEST(ZeroedArrayTest, isZeroInAllSizes)
 {
+    // While there is another block, what is given back is given out again.
+    const GrowArray<std::uint32_t> other = counted(20'000);
     for (const std::size_t count : Counts) {
-        // Memory that others have used before is not what one gets.
         GrowArray<std::uint32_t> used = counted(count);
         used = {};
         ZeroedArray<std::uint32_t> array(count);

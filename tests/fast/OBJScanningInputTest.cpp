@@ -180,6 +180,16 @@ TEST(OBJScanningLimits, LinesThatAreTooLong)
               OBJScanOutcome::LimitExceeded);
 }
 
+TEST(OBJScanningLimits, TheLongestLineThatIsNotTooLong)
+{
+    OBJScanLimits limits;
+    limits.chunkBytes = 1; // by which a line may be longer
+    limits.lineBytes = 10;
+    EXPECT_EQ(readAsBytes(QByteArray(10, 'x') + '\n', limits).outcome, OBJScanOutcome::Finished);
+    EXPECT_EQ(readAsBytes(QByteArray(11, 'x') + '\n', limits).outcome,
+              OBJScanOutcome::LimitExceeded);
+}
+
 /// Looking again and again at the begin of the line would take hours.
 TEST(OBJScanningLimits, LongLinesTakeLinearTime)
 {

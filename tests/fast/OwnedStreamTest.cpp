@@ -60,6 +60,23 @@ TEST(OwnedStreamTest, keepsItsElementCountWhenTheTypeChanges)
     EXPECT_EQ(static_cast<double *>(stream->data(0))[2], 0.5);
 }
 
+TEST(OwnedStreamTest, hasNoElementsOfATypeWithoutASize)
+{
+    const auto stream = OwnedStream<float>::make(typeFloat, arrayOf({1, 2, 3}));
+    stream->setType(0);
+    EXPECT_EQ(stream->size(), 0u);
+    EXPECT_EQ(stream->byteCount(), 0u);
+}
+
+TEST(OwnedStreamTest, hasRoomForPartsOfTheArraysElements)
+{
+    const auto stream = OwnedStream<float>::make(typeUnsignedShort, {});
+    const quint16 value = 7;
+    stream->append(1, &value);
+    ASSERT_TRUE(stream->data(0));
+    EXPECT_EQ(*static_cast<quint16 *>(stream->data(0)), 7u);
+}
+
 TEST(OwnedStreamTest, withoutElements)
 {
     const auto stream = OwnedStream<quint32>::make(typeUnsignedInt, {});
