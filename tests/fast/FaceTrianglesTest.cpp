@@ -82,18 +82,46 @@ TEST(FaceSumsTest, longListsAgainstASumOneByOne)
     }
 }
 
+/// Cut as one run, faces give what each gives alone.
+/// \param positions with a float more, which may be read.
+void expectFacesAsOneByOne(const std::vector<quint32> &faces, const std::vector<quint32> &corners,
+                           const std::vector<float> &positions)
+{
+    std::vector<quint32> expected;
+    const MessageCapture capture;
+    FaceTriangulation triangulation;
+    const auto *next = reinterpret_cast<const int *>(corners.data());
+    for (const quint32 face : faces) {
+        for (const int corner :
+             triangulation.triangulate(static_cast<int>(face), next, positions.data()))
+            expected.push_back(static_cast<quint32>(next[corner]));
+        next += face;
+    }
+    const std::vector<Message> expectedMessages = capture.messages();
+
+    const CornerCounts counts = countsOf(faces);
+    const MessageCapture innerCapture;
+    std::vector<quint32> indices(3 * FaceSums(counts).triangles + 1, 12345);
+    FaceTriangles triangles(counts, corners.data(), positions.data(), indices.data(), nullptr);
+    triangles.addRun({0, static_cast<quint32>(faces.size()), 0, 0});
+    EXPECT_EQ(indices.back(), 12345u);
+    indices.resize(triangles.size());
+    EXPECT_EQ(indices, expected);
+    EXPECT_EQ(innerCapture.messages(), expectedMessages);
+}
+
 /// A sheet of faces, so many of one kind behind each other that each way through
 /// the loop is taken, cut at once and face by face.
 TEST(FaceTrianglesTest, facesOfOneRunAreCutAsOneByOne)
 {
     Dice dice(Seed);
-    for (int round = 0; round < 300; ++round) {
-        // Far from the origin, rounding decides which way a face runs.
-        const double distance = round % 2 == 0 ? 0.0 : 30000.0;
+    // Far from the origin, rounding decides which way a face runs.
+    const double origins[][3] = {{0, 0, 0}, {0, 30000, 0}, {4000, 0, 5000}, {3000, 3000, 3000}};
+    for (int round = 0; round < 400; ++round) {
+        const double *const origin = origins[round % 4];
         std::vector<float> positions;
         for (int i = 0; i < 3 * 500; ++i)
-            positions.push_back(
-                static_cast<float>((i % 3 == 1 ? distance : 0.0) + dice.real(-1.0, 1.0)));
+            positions.push_back(static_cast<float>(origin[i % 3] + dice.real(-1.0, 1.0)));
         positions.push_back(0.0f); // may be read
         std::vector<quint32> faces;
         std::vector<quint32> corners;
@@ -107,28 +135,36 @@ TEST(FaceTrianglesTest, facesOfOneRunAreCutAsOneByOne)
                 corners.push_back(static_cast<quint32>(dice.below(500)));
         }
 
-        std::vector<quint32> expected;
-        const MessageCapture capture;
-        FaceTriangulation triangulation;
-        const auto *next = reinterpret_cast<const int *>(corners.data());
-        for (const quint32 face : faces) {
-            for (const int corner :
-                 triangulation.triangulate(static_cast<int>(face), next, positions.data()))
-                expected.push_back(static_cast<quint32>(next[corner]));
-            next += face;
-        }
-        const std::vector<Message> expectedMessages = capture.messages();
-
-        const CornerCounts counts = countsOf(faces);
-        const MessageCapture innerCapture;
-        std::vector<quint32> indices(3 * FaceSums(counts).triangles + 1, 12345);
-        FaceTriangles triangles(counts, corners.data(), positions.data(), indices.data(), nullptr);
-        triangles.addRun({0, static_cast<quint32>(faceCount), 0, 0});
-        EXPECT_EQ(indices.back(), 12345u);
-        indices.resize(triangles.size());
-        EXPECT_EQ(indices, expected);
-        EXPECT_EQ(innerCapture.messages(), expectedMessages);
+        expectFacesAsOneByOne(faces, corners, positions);
         ASSERT_FALSE(HasFailure()) << "round " << round << " of seed " << Seed;
+    }
+}
+
+/// Found among 10^8 triangles far from the origin: which way they run is decided by the
+/// order in which the products of their corners are summed up.
+TEST(FaceTrianglesTest, trianglesThatTheLastRoundingTurns)
+{
+    const std::vector<std::vector<float>> triangles = {
+        {20000.8359f, 22000.123f, -0.507581174f, 20000.8555f, 22000.1328f, -0.573103845f,
+         20000.6289f, 22000.0273f, 0.220058605f},
+        {20000.6348f, 22000.2109f, -0.675017059f, 20000.7441f, 21999.2988f, -0.0401335135f,
+         20000.6152f, 22000.3945f, -0.801770329f},
+        {39999.4414f, 0.980924308f, 36000.1914f, 39999.6328f, -0.514788032f, 35999.582f,
+         39999.6758f, -0.827172697f, 35999.4531f},
+        {40000.2656f, 0.648958862f, -0.0427357107f, 39999.7578f, -0.595183372f, 0.717670679f,
+         40000.2852f, 0.698433578f, -0.0730308071f},
+        {80000.1094f, -0.697449923f, -0.938160837f, 80000.2578f, -0.589942098f, -0.402727097f,
+         80000.5625f, -0.35471493f, 0.73815757f},
+        {80000.2109f, 0.352913201f, 72000.7891f, 80000.1484f, -0.447959691f, 71999.7266f,
+         80000.1562f, -0.372436643f, 71999.8203f},
+    };
+    for (const std::vector<float> &triangle : triangles) {
+        std::vector<float> positions = triangle;
+        positions.push_back(0.0f); // may be read
+        SCOPED_TRACE(positions[0]);
+        expectFacesAsOneByOne({3}, {0, 1, 2}, positions);
+        expectFacesAsOneByOne({3, 3, 3, 3}, {0, 1, 2, 2, 1, 0, 1, 2, 0, 0, 2, 1}, positions);
+        expectFacesAsOneByOne({3, 4, 3}, {0, 1, 2, 0, 1, 2, 2, 2, 1, 0}, positions);
     }
 }
 
