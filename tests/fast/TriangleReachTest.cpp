@@ -294,6 +294,40 @@ TEST(TriangleReach, PassesOverWhatIsClearlyOutside)
     }
 }
 
+/// Slivers about as thin as those that have no window, and points along them, near and far.
+TEST(TriangleWindow, HoldsWhatBlocksASliver)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    int blocking = 0;
+    for (int i = 0; i < 600000; ++i) {
+        const QVector2D along = anyDirection(dice);
+        const QVector2D across(-along.y(), along.x());
+        const auto length = static_cast<float>(std::pow(10.0, dice.real(-1.0, 2.0)));
+        const auto height = length * static_cast<float>(std::pow(10.0, dice.real(-7.0, -5.5)));
+        const QVector2D corner = dice.oneIn(2) ? QVector2D() : anyDirection(dice) * (3.0f * length);
+        const QVector2D next = corner + along * length;
+        const QVector2D prev =
+            nudged(dice, corner + along * (length * static_cast<float>(dice.real(0.0, 1.0))) +
+                             across * height);
+        const CornerTriangle triangle(corner, next, prev);
+        const QVector2D origin = triangle.edge(dice.below(3)).start;
+        const auto distance = length * static_cast<float>(std::pow(10.0, dice.real(-1.0, 3.0)));
+        const QVector2D point =
+            nudged(dice, origin + along * (dice.oneIn(2) ? distance : -distance));
+        if (!triangle.isBlockedBy(point))
+            continue;
+        ++blocking;
+        Boxes4 boxes{};
+        boxes.centreX = four(point.x());
+        boxes.centreY = four(point.y());
+        boxes.axisX = four(1.0f);
+        ASSERT_EQ(TriangleWindow(triangle).boxesWithin(boxes), 0xfu)
+            << "a sliver of " << length << " x " << height << ", a point " << distance << " away";
+    }
+    EXPECT_GT(blocking, 10000);
+}
+
 /// All lines along the edges of the sliver run through the box; yet it is far off.
 TEST(TriangleWindow, KeepsAwayWhatLiesAlongASliver)
 {
