@@ -49,7 +49,9 @@ TEST_F(ResourceModel, HasTheMaterialsOfItsLibrary)
 
 TEST_F(ResourceModel, HasTheTextureOfItsMaterial)
 {
-    EXPECT_TRUE(LoadTexture(Resources + QStringLiteral("/textured_cube.png")));
+    static Texture *texture = nullptr; // it lives as long as the process
+    texture = LoadTexture(Resources + QStringLiteral("/textured_cube.png"));
+    EXPECT_TRUE(texture);
     EXPECT_FALSE(LoadTexture(Resources + QStringLiteral("/none.png")));
 }
 
