@@ -4,8 +4,6 @@
 
 #include "support/RandomRings.h"
 
-#include <QtCore/QtGlobal>
-
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -117,7 +115,6 @@ TEST(BlockPoolTest, growsWhereThereIsRoomOnly)
 
 TEST(BlockPoolTest, emptiesLargePagesThatALargeBlockLeaves)
 {
-#ifdef Q_OS_LINUX
     constexpr std::size_t LargePage = 2048 * KiB;
     BlockPool pool;
     char *const before = static_cast<char *>(pool.allocate(Smallest));
@@ -135,7 +132,6 @@ TEST(BlockPoolTest, emptiesLargePagesThatALargeBlockLeaves)
     const auto zeros = static_cast<std::size_t>(std::count(large, large + Largest, 0));
     EXPECT_GE(zeros, LargePage);
     EXPECT_EQ(zeros % LargePage, 0u);
-#endif
 }
 
 TEST(BlockPoolTest, blocksAreAlignedForEverything)
