@@ -11,6 +11,7 @@
 #include <QtCore/QFile>
 
 #include <chrono>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -28,6 +29,13 @@ namespace {
 const QByteArray Triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 constexpr OBJRoad BothRoads[] = {OBJRoad::Bytes, OBJRoad::Lines};
+
+std::string warningOfKind(const QString &fileName)
+{
+    return "'" + fileName.toStdString() +
+           "' is not read: it is a pipe, a socket or a device; copy what it gives into a regular "
+           "file";
+}
 
 QString untouched()
 {
@@ -90,8 +98,8 @@ protected:
     {
         FilesInMotion::SetUp();
         library = files.write(QStringLiteral("slow.mtl"), "newmtl a\n");
-        fileName =
-            model(Triangle + "mtllib slow.mtl\n" + QByteArray("f 3 2 1\n").repeated(FacesBehind));
+        fileName = model(Triangle + "mtllib slow.mtl\nusemtl a\n" +
+                         QByteArray("f 3 2 1\n").repeated(FacesBehind));
     }
 
     /// \param change done while the loader waits; \return what is loaded.
@@ -102,6 +110,14 @@ protected:
         EXPECT_TRUE(lease.wasOpened() || !lease.isHeld());
         hasLeases = lease.isHeld();
         return outcome;
+    }
+
+    /// Replaces the library at once: there is no moment without one.
+    void moveInPlace(const QString &replacement) const
+    {
+        EXPECT_EQ(
+            std::rename(replacement.toLocal8Bit().constData(), library.toLocal8Bit().constData()),
+            0);
     }
 
     bool hasLeases = true;
@@ -165,16 +181,62 @@ TEST_F(FilesChangedInTheMiddle, AReplacedOneIsReadAsItWas)
     }
 }
 
-/// The library has been found to be a file, and is a pipe when it is opened at last.
-TEST_F(FilesChangedInTheMiddle, ALibraryThatIsReplacedWhileItIsWaitedForIsReadAsItWas)
+TEST_F(FilesChangedInTheMiddle, ALibraryThatIsReplacedWhileItIsWaitedForIsReadAsItIsThen)
 {
     for (const OBJRoad road : BothRoads) {
         SetUp();
-        const RoadOutcome outcome = loadWhile(road, [&] { EXPECT_TRUE(QFile::remove(library)); });
+        const RoadOutcome before = loadByRoad(fileName, road);
+        const RoadOutcome outcome = loadWhile(road, [&] {
+            moveInPlace(files.write(QStringLiteral("new.mtl"), "newmtl a\nKd 1 0 0\n"));
+        });
         if (!hasLeases)
             GTEST_SKIP() << "no leases on the files of this system";
         EXPECT_EQ(outcome.errorMessage, untouched());
-        EXPECT_EQ(triangles(outcome), 1 + FacesBehind);
+        EXPECT_NE(outcome.records, before.records);
+        EXPECT_EQ(outcome.records, loadByRoad(fileName, road).records);
+    }
+}
+
+/// What takes the place of a library that was a file when it was looked at.
+struct NoLibrary
+{
+    const char *name;
+    std::function<void()> putInPlace;
+    std::vector<std::string> expectedWarnings;
+};
+
+TEST_F(FilesChangedInTheMiddle, ALibraryThatIsNoFileAnyMoreIsNotWaitedFor)
+{
+    SetUp();
+    const NoLibrary replacements[] = {
+        {"nothing", [&] { EXPECT_TRUE(QFile::remove(library)); }, {}},
+        {"directory",
+         [&] {
+             EXPECT_TRUE(QFile::remove(library));
+             EXPECT_TRUE(QDir().mkpath(library));
+         },
+         {}},
+        {"pipe that nobody writes to",
+         [&] {
+             const QString pipe = files.path(QStringLiteral("pipe"));
+             EXPECT_EQ(mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+             moveInPlace(pipe);
+         },
+         {warningOfKind(library)}},
+    };
+    for (const NoLibrary &replacement : replacements) {
+        for (const OBJRoad road : BothRoads) {
+            SCOPED_TRACE(replacement.name);
+            SetUp();
+            const RoadOutcome outcome = loadWhile(road, replacement.putInPlace);
+            if (!hasLeases)
+                GTEST_SKIP() << "no leases on the files of this system";
+            EXPECT_FALSE(outcome.isModel);
+            EXPECT_EQ(outcome.errorMessage, mtlFailure(library));
+            EXPECT_THAT(outcome.warnings(), ElementsAreArray(replacement.expectedWarnings));
+            QDir().rmdir(library);
+            QFile::remove(library);
+        }
     }
 }
 
@@ -250,9 +312,7 @@ protected:
     {
         if (!file.isWarnedOf)
             return {};
-        return {"'" + file.path.toStdString() +
-                "' is not read: it is a pipe, a socket or a device; copy what it gives into a "
-                "regular file"};
+        return {warningOfKind(file.path)};
     }
 
     std::vector<SpecialFile> special;

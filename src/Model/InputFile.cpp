@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QThread>
 #include <QtCore/QtDebug>
 
 #ifdef Q_OS_UNIX
@@ -39,6 +40,24 @@ void warnOfKind(const QFile &file, const struct stat &status)
                  qUtf8Printable(file.fileName()));
 }
 
+/// Opens whatever is at a path, without waiting for the other end of a pipe: between any two
+/// looks another kind of file may have taken the place of the last one. Only a lease that
+/// somebody holds on a file is waited for; the system ends it after a time.
+/// \return the descriptor; or -1.
+int openWithoutWaiting(const QByteArray &path)
+{
+    constexpr unsigned long BetweenLooks = 1; // in milliseconds
+    for (;;) {
+        const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (descriptor >= 0)
+            return descriptor;
+        if (errno == EWOULDBLOCK)
+            QThread::msleep(BetweenLooks);
+        else if (errno != EINTR)
+            return -1;
+    }
+}
+
 /// Opens a file of the file system.
 bool openNative(QFile &file)
 {
@@ -46,20 +65,19 @@ bool openNative(QFile &file)
     struct stat status;
     if (::stat(path.constData(), &status) != 0)
         return false;
-    if (!isReadable(status)) {
+    if (!isReadable(status)) { // not even opened: that alone can have effects on a device
         warnOfKind(file, status);
         return false;
     }
-    // Another kind of file may have taken its place meanwhile: no waiting, and a
-    // second look. Only a lease that somebody holds on the file may be waited for.
-    int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0 && errno == EWOULDBLOCK)
-        descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = openWithoutWaiting(path);
     if (descriptor < 0)
         return false;
-    if (::fstat(descriptor, &status) == 0 && isReadable(status) &&
-        file.open(descriptor, Mode, QFileDevice::AutoCloseHandle))
-        return true;
+    if (::fstat(descriptor, &status) == 0) {
+        if (!isReadable(status))
+            warnOfKind(file, status);
+        else if (file.open(descriptor, Mode, QFileDevice::AutoCloseHandle))
+            return true;
+    }
     ::close(descriptor);
     return false;
 }

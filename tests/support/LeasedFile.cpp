@@ -20,8 +20,8 @@ LeasedFile::LeasedFile(const QString &fileName, std::function<void()> whenOpened
         while (!_given && fcntl(_file, F_GETLEASE) == F_WRLCK)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (!_given) {
-            whenOpened();
             _opened = true;
+            whenOpened();
         }
         fcntl(_file, F_SETLEASE, F_UNLCK);
     });

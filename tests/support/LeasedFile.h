@@ -17,7 +17,8 @@ namespace OrvTest {
 class LeasedFile
 {
 public:
-    /// \param whenOpened done once, while the first that opens the file waits.
+    /// \param whenOpened done once, while the first that opens the file waits; before the
+    /// end of this object's life it has come to its end.
     LeasedFile(const QString &fileName, std::function<void()> whenOpened);
     ~LeasedFile();
     LeasedFile(const LeasedFile &) = delete;
@@ -25,7 +26,7 @@ public:
 
     /// False where the file system has no leases: nobody waits then.
     bool isHeld() const { return _held; }
-    /// Whether somebody has waited, and `whenOpened` has been done.
+    /// Whether somebody has waited, and `whenOpened` is being done or has been.
     bool wasOpened() const { return _opened; }
 
 private:
