@@ -2,6 +2,7 @@
 // minutes.
 #include "support/GLTest.h"
 #include "support/LoadedOBJ.h"
+#include "support/QtPrinting.h"
 #include "support/RandomRings.h"
 #include "support/TemporaryModel.h"
 

@@ -1,6 +1,7 @@
 // Images that claim more pixels than anybody has memory for.
 #include "support/GLTest.h"
 #include "support/MessageCapture.h"
+#include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
 #include <OrvGL/OpenGLFunctions.h>

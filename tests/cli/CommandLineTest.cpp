@@ -32,6 +32,11 @@ struct WrongCall
     const char *usage;
 };
 
+void PrintTo(const WrongCall &call, std::ostream *stream)
+{
+    *stream << "orv " << call.arguments.join(QLatin1Char(' ')).toStdString();
+}
+
 QStringList words(const char *text)
 {
     return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);

@@ -1,7 +1,6 @@
 #include "BothRoads.h"
 
 #include "LoadedOBJ.h"
-#include "QtPrinting.h"
 
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/BufferObject.h>

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "MessageCapture.h"
+#include "QtPrinting.h"
 
 #include <OBJRoads.h>
 
