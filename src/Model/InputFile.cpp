@@ -1,5 +1,6 @@
 #include "InputFile.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QThread>
@@ -42,19 +43,24 @@ void warnOfKind(const QFile &file, const struct stat &status)
 
 /// Opens whatever is at a path, without waiting for the other end of a pipe: between any two
 /// looks another kind of file may have taken the place of the last one. Only a lease that
-/// somebody holds on a file is waited for; the system ends it after a time.
+/// somebody holds on a file is waited for. Linux ends it after 45 seconds, if not told
+/// otherwise.
 /// \return the descriptor; or -1.
 int openWithoutWaiting(const QByteArray &path)
 {
     constexpr unsigned long BetweenLooks = 1; // in milliseconds
+    constexpr qint64 Patience = 60 * 1000;
+    const QDeadlineTimer deadline(Patience);
     for (;;) {
         const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        if (descriptor >= 0)
+        if (descriptor >= 0 || (errno != EWOULDBLOCK && errno != EINTR))
             return descriptor;
-        if (errno == EWOULDBLOCK)
-            QThread::msleep(BetweenLooks);
-        else if (errno != EINTR)
+        if (deadline.hasExpired()) {
+            qWarning("'%s' is not read: another program has not let go of it for a minute",
+                     qUtf8Printable(QFile::decodeName(path)));
             return -1;
+        }
+        QThread::msleep(BetweenLooks);
     }
 }
 
