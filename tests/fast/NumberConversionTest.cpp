@@ -186,7 +186,8 @@ TEST(NumberConversion, ExporterNumbersAreReadPlainly)
         char text[64];
         const double value = dice.real(-1000, 1000);
         const int decimals = dice.oneIn(2) ? 6 : dice.between(0, 6);
-        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        const char *const format = dice.oneIn(3) ? "%.*e" : "%.*f";
+        std::snprintf(text, sizeof text, format, decimals, value);
         tokens.emplace_back(text);
     }
     expectQtsFloats(tokens);

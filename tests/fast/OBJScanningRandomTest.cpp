@@ -42,31 +42,34 @@ std::string number(Dice &dice)
     text += digits(dice, dice.oneIn(10) ? 18 : 4);
     if (!dice.oneIn(8))
         text += "." + (dice.oneIn(30) ? "" : digits(dice, dice.oneIn(6) ? 14 : 7));
-    if (dice.oneIn(40))
-        text += "e" + std::to_string(dice.between(-50, 50));
+    if (dice.oneIn(20)) {
+        const char *const forms[] = {"e", "E", "e+", "e-", "e-0"};
+        text += forms[dice.below(5)] + std::to_string(dice.below(dice.oneIn(2) ? 10 : 50));
+    }
     return text;
 }
 
-std::string index(Dice &dice)
+/// \param fromLast whether the line counts backwards.
+std::string index(Dice &dice, bool fromLast)
 {
     if (dice.oneIn(60))
         return "";
-    const std::string sign = dice.oneIn(25) ? "-" : "";
+    const std::string sign = fromLast != dice.oneIn(25) ? "-" : "";
     return sign + digits(dice, dice.oneIn(20) ? 11 : dice.between(1, 8));
 }
 
 /// One of the forms, which a line keeps for the most part.
-std::string corner(Dice &dice, int form)
+std::string corner(Dice &dice, int form, bool fromLast)
 {
     if (dice.oneIn(60))
         form = dice.below(4);
-    std::string text = index(dice);
+    std::string text = index(dice, fromLast);
     if (form == 1 || form == 3)
-        text += "/" + index(dice);
+        text += "/" + index(dice, fromLast);
     if (form == 2)
         text += "/";
     if (form >= 2)
-        text += "/" + index(dice);
+        text += "/" + index(dice, fromLast);
     return text;
 }
 
@@ -103,10 +106,11 @@ std::string face(Dice &dice)
 {
     std::string text = "f";
     const int form = dice.below(4);
+    const bool fromLast = dice.oneIn(4);
     const int count = dice.oneIn(2) ? 3 : dice.oneIn(3) ? dice.below(12) : 4;
     for (int i = dice.oneIn(200) ? 300 : count; i > 0; --i) {
         text += blank(dice);
-        text += corner(dice, form);
+        text += corner(dice, form, fromLast);
     }
     return text;
 }

@@ -40,7 +40,8 @@ TEST(PlainLines, ValuesAsProgramsWriteThem)
          {"v -0.037830 0.127940 0.004475\nv 1 2 3\n", "v 0.348799 -0.334989 -0.0832331\n",
           "v  1.0  -2.0  3.0\n", "v 1.0 2.0 3.0\r\nv 1 2 3\r\n", "v 1 2 3 \n", "v 1 2 3 \r\n",
           "v 1.0 2.0 3.0 1.0\n", "v 1.0 2.0 3.0 0.5 0.5 0.5\nv 1 2 3\n",
-          "v 12345.6789012345 -12345.678901234 0.5\n"}) {
+          "v 12345.6789012345 -12345.678901234 0.5\n", "v -3.783000e-02 1.279400e+01 4.475E3\n",
+          "v 1e5 -1e-05 0e+000\n", "v 1.19209e-07 -4.37114e-08 1e15\n", "v .5 -.5 -.25e1\n"}) {
         OBJAttribute positions(3);
         const Text lines(text);
         EXPECT_EQ(readPositionLines(lines.begin(), lines.end(), lines.marks(), positions),
@@ -63,7 +64,11 @@ TEST(PlainLines, FacesAsProgramsWriteThem)
           "f 1/2 2/3 3/4\nf 1/2 2/3 3/4 5/6\n", "f 1//2 2//3 3//4\nf 1//2 2//3 3//4 5//6\n",
           "f 1/2/3 2/3/4 3/4/5\nf 1/2/3 2/3/4 3/4/5 4/5/6 7/8/9\n", "f 1 2 3\r\nf 1 2 3 4\r\n",
           "f 1 2 3 \nf 1 2 3 4 \r\n", "f  1 2 3\n",
-          "f 12345678/12345678/12345678 12345678/12345678/12345678 12345678/12345678/12345678\n"}) {
+          "f 12345678/12345678/12345678 12345678/12345678/12345678 12345678/12345678/12345678\n",
+          "f -1 -2 -3\nf -1 -2 -3 -4\nf -1 -2 -3 -4 -5 -6\n", "f -1/-2 -2/-3 -3/-4\n",
+          "f -1//-2 -2//-3 -3//-4\r\n", "f -1/-2/-3 -2/-3/-4 -3/-4/-5 -4/-5/-6 \n",
+          "f -12345678/-12345678/-12345678 -12345678/-12345678/-12345678 "
+          "-12345678/-12345678/-12345678\n"}) {
         OBJGeometry geometry;
         const Text lines(text);
         EXPECT_EQ(readFaceLines(lines.begin(), lines.end(), lines.marks(), geometry), lines.end())
@@ -75,9 +80,26 @@ TEST(PlainLines, FacesAsProgramsWriteThem)
 
 TEST(PlainLines, OthersArePassedOn)
 {
-    for (const char *text :
-         {"v 1e5 2 3\n", "v\t1 2 3\n", "v 1 2\n", "v +1 2 3\n", "v 1 2 3\r4\n", "vn 1 2 3\n",
-          "v 1   2 3\n", "v 1234567890123456 2 3\n", "v . 2 3\n", "v - 2 3\n", "v 1 2 -.\n"}) {
+    for (const char *text : {"v 1e 2 3\n",
+                             "v 1e+ 2 3\n",
+                             "v 1e0005 2 3\n",
+                             "v 1e5.5 2 3\n",
+                             "v 1e5e5 2 3\n",
+                             "v e5 2 3\n",
+                             "v .e5 2 3\n",
+                             "v -e5 2 3\n",
+                             "v 1e16 2 3\n",
+                             "v 1e-08 2 3\n",
+                             "v\t1 2 3\n",
+                             "v 1 2\n",
+                             "v +1 2 3\n",
+                             "v 1 2 3\r4\n",
+                             "vn 1 2 3\n",
+                             "v 1   2 3\n",
+                             "v 1234567890123456 2 3\n",
+                             "v . 2 3\n",
+                             "v - 2 3\n",
+                             "v 1 2 -.\n"}) {
         OBJAttribute positions(3);
         const Text lines(text);
         EXPECT_EQ(readPositionLines(lines.begin(), lines.end(), lines.marks(), positions),
@@ -85,8 +107,11 @@ TEST(PlainLines, OthersArePassedOn)
             << text;
         EXPECT_FALSE(positions.exists());
     }
-    for (const char *text : {"f 1 2\n", "f -1 2 3\n", "f 1 2 x\n", "f 1 2 3 # c\n", "f 1/2 2 3/4\n",
-                             "f 123456789 1 2\n", "f 1 2 3/\n", "f 1 2 3\r4\n", "f\n"}) {
+    for (const char *text :
+         {"f 1 2\n", "f -1 2 3\n", "f 1 -2 -3\n", "f -1/1 -2/2 -3/3\n", "f 1/-1 2/-2 3/-3\n",
+          "f -1//1 -2//2 -3//3\n", "f - -2 -3\n", "f --1 -2 -3\n", "f -1- -2 -3\n",
+          "f -123456789 -1 -2\n", "f 1 2 x\n", "f 1 2 3 # c\n", "f 1/2 2 3/4\n",
+          "f 123456789 1 2\n", "f 1 2 3/\n", "f 1 2 3\r4\n", "f\n"}) {
         OBJGeometry geometry;
         const Text lines(text);
         EXPECT_EQ(readFaceLines(lines.begin(), lines.end(), lines.marks(), geometry), lines.begin())

@@ -75,13 +75,15 @@ inline constexpr FirstBytes firstBytes;
 alignas(16) inline constexpr unsigned char lastDigits[16] = {
     0, 0, 0, 0, 0, 0, 0, 0, 0x0f, 0x0f, 0x0f, 0x0f, 0x0f, 0x0f, 0x0f, 0x0f};
 
-/// What 16 digits with the point before digit n are to be divided by: ten to the
-/// power of 16 - n. The second row is for negative numbers: it gives -0 for 0, as
-/// the sign asks for.
-inline constexpr double divisors[2][17] = {
-    {1e16, 1e15, 1e14, 1e13, 1e12, 1e11, 1e10, 1e9, 1e8, 1e7, 1e6, 1e5, 1e4, 1e3, 1e2, 1e1, 1e0},
-    {-1e16, -1e15, -1e14, -1e13, -1e12, -1e11, -1e10, -1e9, -1e8, -1e7, -1e6, -1e5, -1e4, -1e3,
-     -1e2, -1e1, -1e0}};
+/// What 16 digits with the point before digit n are to be divided by, ten to the power of
+/// 16 - n, stands in entry n - LeastPoint; 10^22 is the largest that a double holds. The
+/// second row is for negative numbers: it gives -0 for 0, as the sign asks for.
+constexpr ptrdiff_t LeastPoint = 16 - 22;
+inline constexpr double divisors[2][22 + 1] = {
+    {1e22, 1e21, 1e20, 1e19, 1e18, 1e17, 1e16, 1e15, 1e14, 1e13, 1e12, 1e11,
+     1e10, 1e9,  1e8,  1e7,  1e6,  1e5,  1e4,  1e3,  1e2,  1e1,  1e0},
+    {-1e22, -1e21, -1e20, -1e19, -1e18, -1e17, -1e16, -1e15, -1e14, -1e13, -1e12, -1e11,
+     -1e10, -1e9,  -1e8,  -1e7,  -1e6,  -1e5,  -1e4,  -1e3,  -1e2,  -1e1,  -1e0}};
 
 } // namespace DigitTables
 
@@ -101,13 +103,15 @@ inline __m128i groupsOfEight(__m128i first, __m128i second)
     return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(1 << 16 | 10000));
 }
 
-/// A number such as "-12.75", of at most 15 bytes not counting the point.
+/// A number such as "-12.75" or "-1.25e+01", of at most 15 bytes not counting the point
+/// and the exponent.
 struct DecimalText
 {
-    const char *begin; ///< the sign, if any
-    size_t point;      ///< bytes before the point; all of them without one
-    size_t filled;     ///< bytes not counting the point
-    size_t negative;   ///< 1 or 0
+    const char *begin;  ///< the sign, if any
+    size_t point;       ///< bytes before the point; all of them without one
+    size_t filled;      ///< bytes not counting the point
+    size_t negative;    ///< 1 or 0
+    ptrdiff_t exponent; ///< 0 without one
 };
 
 /// The digits of a number, left-aligned, as four groups of four. A sign counts as
@@ -137,9 +141,23 @@ inline __m128 floatsFromGroups(__m128i groups, double firstDivisor, double secon
     return _mm_cvtpd_ps(_mm_div_pd(numbers, _mm_set_pd(secondDivisor, firstDivisor)));
 }
 
+/// Where the point belongs, counted from the first byte.
+inline ptrdiff_t movedPoint(const DecimalText &number)
+{
+    return static_cast<ptrdiff_t>(number.point) + number.exponent;
+}
+
+/// Whether a double holds what the number's digits are to be divided by.
+inline bool hasDivisor(const DecimalText &number)
+{
+    const ptrdiff_t point = movedPoint(number);
+    return point >= DigitTables::LeastPoint && point <= static_cast<ptrdiff_t>(BlockBytes);
+}
+
+/// \pre hasDivisor(number), as every number without an exponent.
 inline double divisorOf(const DecimalText &number)
 {
-    return DigitTables::divisors[number.negative][number.point];
+    return DigitTables::divisors[number.negative][movedPoint(number) - DigitTables::LeastPoint];
 }
 
 inline void storeFloats(const DecimalText &first, const DecimalText &second, float *target)
@@ -177,15 +195,30 @@ inline __m128i indexDigits(const IndexText &first, const IndexText &second)
     return _mm_and_si128(text, select);
 }
 
-/// Stores the zero-based indices of four: the number less one, and
-/// OBJReader::AbsentIndex for 0.
-inline void storeIndices(const IndexText &a, const IndexText &b, const IndexText &c,
-                         const IndexText &d, quint32 *target)
+/// The numbers of four indices.
+inline __m128i indexNumbers(const IndexText &a, const IndexText &b, const IndexText &c,
+                            const IndexText &d)
 {
-    const __m128i numbers =
-        groupsOfEight(groupsOfFour(indexDigits(a, b)), groupsOfFour(indexDigits(c, d)));
-    const __m128i indices =
-        _mm_and_si128(_mm_add_epi32(numbers, _mm_set1_epi32(-1)), _mm_set1_epi32(0x7fffffff));
+    return groupsOfEight(groupsOfFour(indexDigits(a, b)), groupsOfFour(indexDigits(c, d)));
+}
+
+/// Of numbers that count from the first value: one less, and OBJReader::AbsentIndex for 0.
+inline __m128i indicesFromFirst(__m128i numbers)
+{
+    return _mm_and_si128(_mm_add_epi32(numbers, _mm_set1_epi32(-1)), _mm_set1_epi32(0x7fffffff));
+}
+
+/// Of numbers that count back from behind the last of `valueCount` values: that many less,
+/// and OBJReader::AbsentIndex for 0.
+inline __m128i indicesFromLast(__m128i numbers, quint32 valueCount)
+{
+    const __m128i isZero = _mm_cmpeq_epi32(numbers, _mm_setzero_si128());
+    const __m128i indices = _mm_sub_epi32(_mm_set1_epi32(static_cast<int>(valueCount)), numbers);
+    return _mm_or_si128(_mm_andnot_si128(isZero, indices), _mm_srli_epi32(isZero, 1));
+}
+
+inline void storeIndices(__m128i indices, quint32 *target)
+{
     _mm_storeu_si128(reinterpret_cast<__m128i *>(target), indices);
 }
 

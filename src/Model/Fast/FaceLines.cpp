@@ -40,19 +40,31 @@ constexpr bool hasNormal(CornerForm form)
     return form == CornerForm::Normal || form == CornerForm::TexCoordNormal;
 }
 
+/// Where the indices of a line count from.
+enum class Counting
+{
+    FromFirst, ///< "1" is the file's first value
+    FromLast,  ///< "-1" is the latest value
+};
+
+const char *behindIndex(const char *text)
+{
+    text += *text == '-' ? 1 : 0;
+    while (isDigit(*text))
+        ++text;
+    return text;
+}
+
 /// The form of the corner at `text`. Any answer will do for a corner of no form:
 /// reading it will fail.
 CornerForm formOf(const char *text)
 {
-    while (isDigit(*text))
-        ++text;
+    text = behindIndex(text);
     if (*text != '/')
         return CornerForm::Position;
     if (*++text == '/')
         return CornerForm::Normal;
-    while (isDigit(*text))
-        ++text;
-    return *text == '/' ? CornerForm::TexCoordNormal : CornerForm::TexCoord;
+    return *behindIndex(text) == '/' ? CornerForm::TexCoordNormal : CornerForm::TexCoord;
 }
 
 /// The indices of a corner.
@@ -83,8 +95,12 @@ public:
         }
     }
 
+    /// Moves behind an index.
+    template <Counting Count>
     bool takeIndex(IndexText &index)
     {
+        if (Count == Counting::FromLast && !stepOver('-'))
+            return false;
         const size_t end = lowestBit(_window);
         index.end = _text + end;
         index.digits = end - _at;
@@ -115,8 +131,8 @@ private:
     quint64 _window; // of _text; bits below _at are clear
 };
 
-/// Reads lines whose corners all have one form.
-template <CornerForm Form>
+/// Reads lines whose corners all have one form and count alike.
+template <CornerForm Form, Counting Count>
 class CornerReader
 {
 public:
@@ -161,13 +177,23 @@ public:
     }
 
 private:
-    static constexpr unsigned IndexBytes = MaxIndexDigits + 1;
+    static constexpr unsigned IndexBytes =
+        (Count == Counting::FromLast ? 1 : 0) + MaxIndexDigits + 1;
     static constexpr unsigned CornerBytes =
         IndexBytes + (hasTexCoord(Form) ? IndexBytes : 0) + (hasNormal(Form) ? IndexBytes : 0) + 1;
 
-    static quint32 *open(OBJAttribute &attribute, size_t room)
+    /// Where the indices into an attribute go.
+    struct Target
     {
-        return attribute.exists() ? attribute.indices.reserveMore(room) : nullptr;
+        quint32 *indices; ///< null where the file has no values so far
+        quint32 valueCount;
+    };
+
+    static Target open(OBJAttribute &attribute, size_t room)
+    {
+        if (!attribute.exists())
+            return {nullptr, 0};
+        return {attribute.indices.reserveMore(room), attribute.valueCount()};
     }
     void close(OBJAttribute &attribute) const
     {
@@ -178,18 +204,18 @@ private:
     static bool take(CornerCursor &cursor, CornerText &corner)
     {
         cursor.keepAhead(CornerBytes);
-        if (!cursor.takeIndex(corner.position))
+        if (!cursor.template takeIndex<Count>(corner.position))
             return false;
         if constexpr (Form == CornerForm::Normal) {
             if (!cursor.stepOver('/'))
                 return false;
         }
         if constexpr (hasTexCoord(Form)) {
-            if (!cursor.stepOver('/') || !cursor.takeIndex(corner.texCoord))
+            if (!cursor.stepOver('/') || !cursor.template takeIndex<Count>(corner.texCoord))
                 return false;
         }
         if constexpr (hasNormal(Form)) {
-            if (!cursor.stepOver('/') || !cursor.takeIndex(corner.normal))
+            if (!cursor.stepOver('/') || !cursor.template takeIndex<Count>(corner.normal))
                 return false;
         }
         return true;
@@ -199,20 +225,29 @@ private:
                quint32 corner) const
     {
         const size_t at = _cornerCount + corner;
-        if (_positions)
-            storeIndices(a.position, b.position, c.position, d.position, _positions + at);
-        if (_texCoords) {
+        if (_positions.indices)
+            store(a.position, b.position, c.position, d.position, _positions, at);
+        if (_texCoords.indices) {
             if constexpr (hasTexCoord(Form))
-                storeIndices(a.texCoord, b.texCoord, c.texCoord, d.texCoord, _texCoords + at);
+                store(a.texCoord, b.texCoord, c.texCoord, d.texCoord, _texCoords, at);
             else
-                std::fill_n(_texCoords + at, 4, quint32(OBJReader::AbsentIndex));
+                std::fill_n(_texCoords.indices + at, 4, quint32(OBJReader::AbsentIndex));
         }
-        if (_normals) {
+        if (_normals.indices) {
             if constexpr (hasNormal(Form))
-                storeIndices(a.normal, b.normal, c.normal, d.normal, _normals + at);
+                store(a.normal, b.normal, c.normal, d.normal, _normals, at);
             else
-                std::fill_n(_normals + at, 4, quint32(OBJReader::AbsentIndex));
+                std::fill_n(_normals.indices + at, 4, quint32(OBJReader::AbsentIndex));
         }
+    }
+
+    static void store(const IndexText &a, const IndexText &b, const IndexText &c,
+                      const IndexText &d, const Target &target, size_t at)
+    {
+        const __m128i numbers = indexNumbers(a, b, c, d);
+        storeIndices(Count == Counting::FromFirst ? indicesFromFirst(numbers)
+                                                  : indicesFromLast(numbers, target.valueCount),
+                     target.indices + at);
     }
 
     const char *finishFace(const char *text, quint32 count)
@@ -227,9 +262,9 @@ private:
 
     OBJGeometry &_geometry;
     const DigitMarks &_marks;
-    quint32 *const _positions;
-    quint32 *const _texCoords;
-    quint32 *const _normals;
+    const Target _positions;
+    const Target _texCoords;
+    const Target _normals;
     quint8 *const _counts;
     quint32 _faceCount = 0;
     quint32 _cornerCount = 0;
@@ -249,18 +284,35 @@ const char *cornersOf(const char *faceLine)
     return faceLine + 2;
 }
 
-template <CornerForm Form>
+template <CornerForm Form, Counting Count>
 const char *readRun(const char *line, const char *end, const DigitMarks &marks,
                     OBJGeometry &geometry)
 {
     const char *const runEnd = line + std::min(end - line, RunBytes);
     const auto room = static_cast<size_t>(runEnd - line) / 2 + MaxCorners + 4;
-    CornerReader<Form> reader(geometry, marks, room);
+    CornerReader<Form, Count> reader(geometry, marks, room);
     while (line < runEnd && isFaceLine(line)) {
         const char *const next = reader.readLine(cornersOf(line));
         if (!next)
             break;
         line = next;
+    }
+    return line;
+}
+
+template <Counting Count>
+const char *readRun(CornerForm form, const char *line, const char *end, const DigitMarks &marks,
+                    OBJGeometry &geometry)
+{
+    switch (form) {
+    case CornerForm::Position:
+        return readRun<CornerForm::Position, Count>(line, end, marks, geometry);
+    case CornerForm::TexCoord:
+        return readRun<CornerForm::TexCoord, Count>(line, end, marks, geometry);
+    case CornerForm::Normal:
+        return readRun<CornerForm::Normal, Count>(line, end, marks, geometry);
+    case CornerForm::TexCoordNormal:
+        return readRun<CornerForm::TexCoordNormal, Count>(line, end, marks, geometry);
     }
     return line;
 }
@@ -272,17 +324,11 @@ const char *readFaceLines(const char *line, const char *end, const DigitMarks &m
 {
     if (!isFaceLine(line))
         return line;
-    switch (formOf(cornersOf(line))) {
-    case CornerForm::Position:
-        return readRun<CornerForm::Position>(line, end, marks, geometry);
-    case CornerForm::TexCoord:
-        return readRun<CornerForm::TexCoord>(line, end, marks, geometry);
-    case CornerForm::Normal:
-        return readRun<CornerForm::Normal>(line, end, marks, geometry);
-    case CornerForm::TexCoordNormal:
-        return readRun<CornerForm::TexCoordNormal>(line, end, marks, geometry);
-    }
-    return line;
+    const char *const corners = cornersOf(line);
+    const CornerForm form = formOf(corners);
+    if (*corners == '-')
+        return readRun<Counting::FromLast>(form, line, end, marks, geometry);
+    return readRun<Counting::FromFirst>(form, line, end, marks, geometry);
 }
 
 #else

@@ -14,11 +14,14 @@ namespace Halvard::Orv {
 namespace {
 
 /// Ten to the power of the index; a double holds all of them exactly.
-constexpr double PowersOfTen[MaxPlainDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr double PowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int MaxPower = sizeof PowersOfTen / sizeof *PowersOfTen - 1;
+static_assert(MaxPower >= int(MaxPlainDigits));
 
-/// "-", digits, "." and digits, where the sign, the point and the digits on one
-/// side of it may be left out.
+/// "-", digits, "." and digits, and an exponent, where the sign, the point and the
+/// digits on one side of it, and the exponent may be left out.
 bool readPlainFloat(const char *begin, const char *end, float &value)
 {
     const bool negative = begin < end && *begin == '-';
@@ -26,6 +29,7 @@ bool readPlainFloat(const char *begin, const char *end, float &value)
     quint64 mantissa = 0;
     unsigned digits = 0;
     const char *point = nullptr;
+    int power = 0;
     for (; text < end; ++text) {
         if (isDigit(*text)) {
             mantissa = 10 * mantissa + static_cast<unsigned>(*text - '0');
@@ -33,14 +37,19 @@ bool readPlainFloat(const char *begin, const char *end, float &value)
                 return false;
         } else if (*text == '.' && !point) {
             point = text;
+        } else if ((*text == 'e' || *text == 'E') && readExponent(text + 1, end, power)) {
+            break;
         } else {
             return false;
         }
     }
     if (digits == 0)
         return false;
-    const auto decimals = point ? end - point - 1 : 0;
-    const double magnitude = static_cast<double>(mantissa) / PowersOfTen[decimals];
+    power -= point ? static_cast<int>(text - point) - 1 : 0;
+    if (power < -MaxPower || power > MaxPower)
+        return false;
+    const auto number = static_cast<double>(mantissa);
+    const double magnitude = power < 0 ? number / PowersOfTen[-power] : number * PowersOfTen[power];
     value = static_cast<float>(negative ? -magnitude : magnitude);
     return true;
 }

@@ -2,6 +2,8 @@
 /// Numbers of OBJ text, converted as Qt converts them.
 #pragma once
 
+#include "ASCIIBytes.h"
+
 #include <QtCore/QtGlobal>
 
 namespace Halvard::Orv {
@@ -14,13 +16,33 @@ constexpr unsigned MaxPlainDigits = 15;
 /// where it gives none.
 /// \pre all bytes are ASCII; none is a blank.
 ///
-/// Numbers of up to 15 digits are an integer over a power of ten. A double holds
-/// both, so that one division gives the double nearest to the number, which is
-/// the one Qt finds (W. D. Clinger, How to Read Floating Point Numbers Accurately,
-/// 1990). Longer numbers and such with an exponent go through fast_float, which
-/// finds the nearest double too (D. Lemire, Number Parsing at a Gigabyte per
-/// Second, 2021); what overflows, underflows or is no number is left to Qt.
+/// Numbers of up to 15 digits are an integer times or over a power of ten. Up to 10^22 a
+/// double holds both, so that one operation gives the double nearest to the number, which is
+/// the one Qt finds (W. D. Clinger, How to Read Floating Point Numbers Accurately, 1990).
+/// Longer numbers and larger powers go through fast_float, which finds the nearest double
+/// too (D. Lemire, Number Parsing at a Gigabyte per Second, 2021); what overflows,
+/// underflows or is no number is left to Qt.
 float floatFromToken(const char *begin, const char *end);
+
+/// Reads what follows the "e" of a number: a sign, which may be left out, and up to
+/// three digits.
+/// \return false for anything else; `exponent` is then not set.
+inline bool readExponent(const char *begin, const char *end, int &exponent)
+{
+    const bool negative = begin < end && *begin == '-';
+    const bool hasSign = negative || (begin < end && *begin == '+');
+    const char *text = begin + (hasSign ? 1 : 0);
+    if (text == end || end - text > 3)
+        return false;
+    int number = 0;
+    for (; text < end; ++text) {
+        if (!isDigit(*text))
+            return false;
+        number = 10 * number + (*text - '0');
+    }
+    exponent = negative ? -number : number;
+    return true;
+}
 
 /// Reads the integer [`begin`, `end`): a minus sign, if any, and digits.
 /// \return false for anything else, also where QString::toInt() would accept
