@@ -4,7 +4,8 @@
 //
 // Every model given is written as often as it takes, its faces counting on, into a
 // temporary file. Without any, there are sheets: of triangles, of quads with texture
-// coordinates, and of triangles with texture coordinates and normals.
+// coordinates, of triangles with texture coordinates and normals, and of triangles in less
+// common notations.
 //
 // The counters are megabytes per CPU second, of the best run and of the median one.
 #include <Model/Fast/OBJScanning.h>
@@ -36,7 +37,8 @@ constexpr qint64 FileBytes = 230 * 1000 * 1000;
 /// A model that can be written repeatedly.
 struct Model
 {
-    QByteArray values; ///< the lines of its values
+    QByteArray values;            ///< the lines of its values
+    bool countsBackwards = false; ///< faces name the latest value -1
     std::vector<std::vector<OBJReader::Vertex>> faces;
     int positions = 0;
     int texCoords = 0;
@@ -91,14 +93,16 @@ Model readModel(const QString &fileName)
 }
 
 /// A square of hills, `side` cells wide.
-Model sheet(int side, int cornersPerFace, bool withTexCoords, bool withNormals)
+/// \param positionFormat of a position's line.
+Model sheet(int side, int cornersPerFace, bool withTexCoords, bool withNormals,
+            const char *positionFormat = "v %.6f %.6f %.6f\n")
 {
     Model model;
     char line[100];
     for (int i = 0; i <= side; ++i) {
         for (int j = 0; j <= side; ++j) {
             const double height = 0.001 * ((i * 37 + j * 101) % 1000 - 500);
-            std::snprintf(line, sizeof line, "v %.6f %.6f %.6f\n", 0.01 * i, height, -0.02 * j);
+            std::snprintf(line, sizeof line, positionFormat, 0.01 * i, height, -0.02 * j);
             model.values += line;
             std::snprintf(line, sizeof line, "vt %.6f %.6f\n", 1.0 * i / side, 1.0 * j / side);
             model.values += withTexCoords ? line : "";
@@ -134,17 +138,18 @@ int shifted(int index, int shift)
 /// The faces of a copy of the model.
 QByteArray faceLines(const Model &model, int copy)
 {
-    const auto number = [](int index, int shift) {
-        return index == OBJReader::AbsentIndex ? QByteArray()
-                                               : QByteArray::number(index + shift + 1);
+    const auto number = [&](int index, int count) {
+        if (index == OBJReader::AbsentIndex)
+            return QByteArray();
+        return QByteArray::number(model.countsBackwards ? index - count : index + copy * count + 1);
     };
     QByteArray text;
     for (const auto &face : model.faces) {
         text += 'f';
         for (const OBJReader::Vertex &corner : face) {
-            text += ' ' + number(corner.v, copy * model.positions);
-            const QByteArray texCoord = number(corner.vt, copy * model.texCoords);
-            const QByteArray normal = number(corner.vn, copy * model.normals);
+            text += ' ' + number(corner.v, model.positions);
+            const QByteArray texCoord = number(corner.vt, model.texCoords);
+            const QByteArray normal = number(corner.vn, model.normals);
             if (!texCoord.isEmpty() || !normal.isEmpty())
                 text += '/' + texCoord;
             if (!normal.isEmpty())
@@ -275,6 +280,10 @@ int main(int argc, char *argv[])
         add("triangles v", sheet(300, 3, false, false));
         add("quads v/vt", sheet(300, 4, true, false));
         add("triangles v/vt/vn", sheet(300, 3, true, true));
+        Model backwards = sheet(300, 3, true, true);
+        backwards.countsBackwards = true;
+        add("triangles v/vt/vn, backwards", backwards);
+        add("triangles v, exponents", sheet(300, 3, false, false, "v %.6e %.6e %.6e\n"));
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -152,6 +153,33 @@ TEST(NumberConversion, TwoRoundings)
         std::snprintf(text, sizeof text, "%.*f", decimals,
                       static_cast<double>(half) / static_cast<double>(1u << dice.between(1, 30)));
         tokens.push_back(text);
+    }
+    expectQtsFloats(tokens);
+}
+
+/// Integers of 15 digits over and times powers of ten, next to what lies halfway between two
+/// floats: a double that is not the nearest one often gives the other float. From 10^23 on no
+/// double holds the power.
+TEST(NumberConversion, PowersOfTenNextToTies)
+{
+    Dice dice(6);
+    std::vector<std::string> tokens;
+    for (int power = -26; power <= 26; ++power) {
+        const long double scale = std::pow(10.0L, power);
+        for (int i = 0; i < 1500; ++i) {
+            const int half = dice.below(1 << 23) << 1 | 1 << 24 | 1; // 25 bits: a tie for a float
+            const long double size = dice.real(1e14, 9.9e14);
+            const int shift = std::ilogb(size / scale / half);
+            const long double digits = std::round(std::ldexp(scale * half, shift));
+            std::string token = dice.oneIn(2) ? "-" : "";
+            token += std::to_string(static_cast<std::int64_t>(digits) + dice.between(-1, 1));
+            if (dice.oneIn(2))
+                token.insert(token.size() - 14, ".");
+            else
+                token += ".";
+            token += "e" + std::to_string(-power);
+            tokens.push_back(token);
+        }
     }
     expectQtsFloats(tokens);
 }

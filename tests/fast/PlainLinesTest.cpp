@@ -68,7 +68,9 @@ TEST(PlainLines, FacesAsProgramsWriteThem)
           "f -1 -2 -3\nf -1 -2 -3 -4\nf -1 -2 -3 -4 -5 -6\n", "f -1/-2 -2/-3 -3/-4\n",
           "f -1//-2 -2//-3 -3//-4\r\n", "f -1/-2/-3 -2/-3/-4 -3/-4/-5 -4/-5/-6 \n",
           "f -12345678/-12345678/-12345678 -12345678/-12345678/-12345678 "
-          "-12345678/-12345678/-12345678\n"}) {
+          "-12345678/-12345678/-12345678\n",
+          // the second corner ends just behind the window that the first one begins
+          "f -12345678/-12345678/-1234567 -12345678/-12345678/-12345678 -1/-1/-1\n"}) {
         OBJGeometry geometry;
         const Text lines(text);
         EXPECT_EQ(readFaceLines(lines.begin(), lines.end(), lines.marks(), geometry), lines.end())

@@ -73,9 +73,7 @@ inline bool takeDecimal(const char *&text, quint64 &marks, DecimalText &number)
     }
     text += end;
     marks >>= end;
-    // A plain number has a digit before its point, any other has one somewhere.
-    const size_t bytes = Written == Notation::Plain ? number.point : number.filled;
-    return number.filled <= MaxDecimalBytes && bytes > number.negative;
+    return number.filled <= MaxDecimalBytes && number.filled > number.negative;
 }
 
 /// Moves `text`, and the window of marks that begins there, behind an exponent, where there
