@@ -282,5 +282,28 @@ TEST(OBJScanningDevices, ThatCannotBeReadAgainAreNotTouched)
     EXPECT_EQ(pipe.reads, 0);
 }
 
+/// Of files of 20 MB and more, arrays get their room beforehand.
+TEST(OBJScanningSizes, AFileOfManyMegabytes)
+{
+    constexpr int copies = 440000;
+    const QByteArray copy = "v 1 1 1\nvn 1 1 1\nvt 1 1\nf 1/1/1 1/1/1 1/1/1 1/1/1\n";
+    const ReadOBJ read = readAsBytes(copy.repeated(copies));
+    ASSERT_EQ(read.outcome, OBJScanOutcome::Finished);
+
+    constexpr std::uint32_t oneAsFloat = 0x3f800000;
+    const auto holds = [](const std::vector<std::uint32_t> &all, size_t perCopy,
+                          std::uint32_t value) {
+        return all.size() == perCopy * copies &&
+               std::count(all.begin(), all.end(), value) == std::ptrdiff_t(all.size());
+    };
+    EXPECT_TRUE(holds(read.positions.values, 3, oneAsFloat));
+    EXPECT_TRUE(holds(read.normals.values, 3, oneAsFloat));
+    EXPECT_TRUE(holds(read.texCoords.values, 2, oneAsFloat));
+    EXPECT_TRUE(holds(read.positions.indices, 4, 0));
+    EXPECT_TRUE(holds(read.normals.indices, 4, 0));
+    EXPECT_TRUE(holds(read.texCoords.indices, 4, 0));
+    EXPECT_TRUE(holds(read.cornerCounts, 1, 4));
+}
+
 } // namespace
 } // namespace OrvTest
