@@ -96,10 +96,10 @@ public:
     }
 
     /// Moves behind an index.
-    template <Counting Count>
+    template <Counting Counted>
     bool takeIndex(IndexText &index)
     {
-        if (Count == Counting::FromLast && !stepOver('-'))
+        if (Counted == Counting::FromLast && !stepOver('-'))
             return false;
         const size_t end = lowestBit(_window);
         index.end = _text + end;
@@ -132,7 +132,7 @@ private:
 };
 
 /// Reads lines whose corners all have one form and count alike.
-template <CornerForm Form, Counting Count>
+template <CornerForm Form, Counting Counted>
 class CornerReader
 {
 public:
@@ -178,22 +178,23 @@ public:
 
 private:
     static constexpr unsigned IndexBytes =
-        (Count == Counting::FromLast ? 1 : 0) + MaxIndexDigits + 1;
+        (Counted == Counting::FromLast ? 1 : 0) + MaxIndexDigits + 1;
     static constexpr unsigned CornerBytes =
         IndexBytes + (hasTexCoord(Form) ? IndexBytes : 0) + (hasNormal(Form) ? IndexBytes : 0) + 1;
 
     /// Where the indices into an attribute go.
     struct Target
     {
-        quint32 *indices; ///< null where the file has no values so far
-        quint32 valueCount;
+        quint32 *indices;   ///< null where the file has no values so far
+        quint32 valueCount; ///< of the attribute, where lines count from the last
     };
 
     static Target open(OBJAttribute &attribute, size_t room)
     {
         if (!attribute.exists())
             return {nullptr, 0};
-        return {attribute.indices.reserveMore(room), attribute.valueCount()};
+        return {attribute.indices.reserveMore(room),
+                Counted == Counting::FromLast ? attribute.valueCount() : 0};
     }
     void close(OBJAttribute &attribute) const
     {
@@ -204,18 +205,18 @@ private:
     static bool take(CornerCursor &cursor, CornerText &corner)
     {
         cursor.keepAhead(CornerBytes);
-        if (!cursor.template takeIndex<Count>(corner.position))
+        if (!cursor.template takeIndex<Counted>(corner.position))
             return false;
         if constexpr (Form == CornerForm::Normal) {
             if (!cursor.stepOver('/'))
                 return false;
         }
         if constexpr (hasTexCoord(Form)) {
-            if (!cursor.stepOver('/') || !cursor.template takeIndex<Count>(corner.texCoord))
+            if (!cursor.stepOver('/') || !cursor.template takeIndex<Counted>(corner.texCoord))
                 return false;
         }
         if constexpr (hasNormal(Form)) {
-            if (!cursor.stepOver('/') || !cursor.template takeIndex<Count>(corner.normal))
+            if (!cursor.stepOver('/') || !cursor.template takeIndex<Counted>(corner.normal))
                 return false;
         }
         return true;
@@ -245,8 +246,8 @@ private:
                       const IndexText &d, const Target &target, size_t at)
     {
         const __m128i numbers = indexNumbers(a, b, c, d);
-        storeIndices(Count == Counting::FromFirst ? indicesFromFirst(numbers)
-                                                  : indicesFromLast(numbers, target.valueCount),
+        storeIndices(Counted == Counting::FromFirst ? indicesFromFirst(numbers)
+                                                    : indicesFromLast(numbers, target.valueCount),
                      target.indices + at);
     }
 
@@ -284,13 +285,13 @@ const char *cornersOf(const char *faceLine)
     return faceLine + 2;
 }
 
-template <CornerForm Form, Counting Count>
+template <CornerForm Form, Counting Counted>
 const char *readRun(const char *line, const char *end, const DigitMarks &marks,
                     OBJGeometry &geometry)
 {
     const char *const runEnd = line + std::min(end - line, RunBytes);
     const auto room = static_cast<size_t>(runEnd - line) / 2 + MaxCorners + 4;
-    CornerReader<Form, Count> reader(geometry, marks, room);
+    CornerReader<Form, Counted> reader(geometry, marks, room);
     while (line < runEnd && isFaceLine(line)) {
         const char *const next = reader.readLine(cornersOf(line));
         if (!next)
@@ -300,19 +301,19 @@ const char *readRun(const char *line, const char *end, const DigitMarks &marks,
     return line;
 }
 
-template <Counting Count>
+template <Counting Counted>
 const char *readRun(CornerForm form, const char *line, const char *end, const DigitMarks &marks,
                     OBJGeometry &geometry)
 {
     switch (form) {
     case CornerForm::Position:
-        return readRun<CornerForm::Position, Count>(line, end, marks, geometry);
+        return readRun<CornerForm::Position, Counted>(line, end, marks, geometry);
     case CornerForm::TexCoord:
-        return readRun<CornerForm::TexCoord, Count>(line, end, marks, geometry);
+        return readRun<CornerForm::TexCoord, Counted>(line, end, marks, geometry);
     case CornerForm::Normal:
-        return readRun<CornerForm::Normal, Count>(line, end, marks, geometry);
+        return readRun<CornerForm::Normal, Counted>(line, end, marks, geometry);
     case CornerForm::TexCoordNormal:
-        return readRun<CornerForm::TexCoordNormal, Count>(line, end, marks, geometry);
+        return readRun<CornerForm::TexCoordNormal, Counted>(line, end, marks, geometry);
     }
     return line;
 }

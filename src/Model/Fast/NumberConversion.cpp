@@ -86,15 +86,9 @@ float floatFromToken(const char *begin, const char *end)
 bool readPlainInt(const char *begin, const char *end, int &value)
 {
     const bool negative = begin < end && *begin == '-';
-    const char *text = begin + (negative ? 1 : 0);
-    if (text == end || end - text > 10)
-        return false;
     qint64 number = 0;
-    for (; text < end; ++text) {
-        if (!isDigit(*text))
-            return false;
-        number = 10 * number + (*text - '0');
-    }
+    if (!readDigits(begin + (negative ? 1 : 0), end, 10, number))
+        return false;
     number = negative ? -number : number;
     if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max())
         return false;

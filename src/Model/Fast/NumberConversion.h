@@ -6,6 +6,8 @@
 
 #include <QtCore/QtGlobal>
 
+#include <cstddef>
+
 namespace Halvard::Orv {
 
 /// The most digits of a plain number, leading zeros included. Read as one
@@ -24,6 +26,22 @@ constexpr unsigned MaxPlainDigits = 15;
 /// underflows or is no number is left to Qt.
 float floatFromToken(const char *begin, const char *end);
 
+/// Reads from one to `most` digits, which must be all that there is.
+/// \param most at most 18, so that the number fits.
+/// \return false for anything else.
+inline bool readDigits(const char *begin, const char *end, ptrdiff_t most, qint64 &number)
+{
+    if (begin == end || end - begin > most)
+        return false;
+    number = 0;
+    for (const char *text = begin; text < end; ++text) {
+        if (!isDigit(*text))
+            return false;
+        number = 10 * number + (*text - '0');
+    }
+    return true;
+}
+
 /// Reads what follows the "e" of a number: a sign, which may be left out, and up to
 /// three digits.
 /// \return false for anything else; `exponent` is then not set.
@@ -31,16 +49,10 @@ inline bool readExponent(const char *begin, const char *end, int &exponent)
 {
     const bool negative = begin < end && *begin == '-';
     const bool hasSign = negative || (begin < end && *begin == '+');
-    const char *text = begin + (hasSign ? 1 : 0);
-    if (text == end || end - text > 3)
+    qint64 number = 0;
+    if (!readDigits(begin + (hasSign ? 1 : 0), end, 3, number))
         return false;
-    int number = 0;
-    for (; text < end; ++text) {
-        if (!isDigit(*text))
-            return false;
-        number = 10 * number + (*text - '0');
-    }
-    exponent = negative ? -number : number;
+    exponent = static_cast<int>(negative ? -number : number);
     return true;
 }
 

@@ -24,7 +24,7 @@ constexpr size_t MaxDecimalBytes = 15;
 enum class Notation
 {
     Plain, ///< "-0.5", "2", "2."
-    Any    ///< "-.5" and "2.5e-01", too
+    Any    ///< ".5" and "2.5e-01", too
 };
 
 /// Three plain numbers, each with a point and up to two spaces before it, fit into a
@@ -76,10 +76,10 @@ inline bool takeDecimal(const char *&text, quint64 &marks, DecimalText &number)
     return number.filled <= MaxDecimalBytes && number.filled > number.negative;
 }
 
-/// Moves `text`, and the window of marks that begins there, behind an exponent, where there
-/// is one.
+/// Moves `text` behind an exponent, where there is one.
+/// \param marks the window that begins at `text`.
 /// \return false when it is not written plainly, or too far from 0.
-inline bool takeExponent(const char *&text, quint64 &marks, DecimalText &number)
+inline bool takeExponent(const char *&text, quint64 marks, DecimalText &number)
 {
     if (*text != 'e' && *text != 'E')
         return true;
@@ -145,7 +145,9 @@ const char *readRun(const char *line, const char *end, const DigitMarks &marks,
     const auto maxLines = static_cast<size_t>(runEnd - line) / Size + 1;
     float *const first = values.reserveMore(maxLines * Components);
     float *target = first;
-    while (line < runEnd && std::memcmp(line, keyword, keywordBytes) == 0) {
+    // Another kind of line, "vn" among "v", is not looked at twice.
+    while (line < runEnd && std::memcmp(line, keyword, keywordBytes) == 0 &&
+           line[keywordBytes] == ' ') {
         const char *const numbers = line + keywordBytes;
         const quint64 window = marks.window(numbers);
         const char *text = readNumbers<Notation::Plain, Components>(numbers, window, marks, target);
