@@ -158,8 +158,8 @@ TEST(NumberConversion, TwoRoundings)
 }
 
 /// Integers of 15 digits over and times powers of ten, next to what lies halfway between two
-/// floats: a double that is not the nearest one often gives the other float. From 10^23 on no
-/// double holds the power.
+/// floats: a double that is not the nearest one gives the other float here and there. From 10^23 on
+/// no double holds the power.
 TEST(NumberConversion, PowersOfTenNextToTies)
 {
     Dice dice(6);
