@@ -2,8 +2,8 @@
 // triangulating by corner count, normals.
 //
 // Each result is checked, so that a part that got fast by being wrong stands out.
-#include <Model/Fast/NumberConversion.h>
-#include <Model/RowWelding.h>
+#include "Scanning/NumberConversion.h"
+#include "Welding/RowWelding.h"
 
 #include <OrvModel/OBJReader.h>
 #include <OrvModel/TriMeshVertexNormals.h>

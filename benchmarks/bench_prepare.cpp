@@ -8,11 +8,11 @@
 // triangles none of which shares a position line with another.
 //
 // The counters are the best CPU milliseconds of each stage.
-#include <Model/Fast/CornerWelding.h>
-#include <Model/Fast/FaceSums.h>
-#include <Model/Fast/FaceTriangles.h>
-#include <Model/Fast/PreparedModel.h>
-#include <Model/LoadReport.h>
+#include "Preparing/CornerWelding.h"
+#include "Preparing/FaceSums.h"
+#include "Preparing/FaceTriangles.h"
+#include "Preparing/GeometryPreparing.h"
+#include "Reports/LoadReport.h"
 
 #include <OrvModel/OBJReader.h>
 #include <OrvModel/TriMeshVertexNormals.h>

@@ -8,7 +8,7 @@
 // common notations.
 //
 // The counters are megabytes per CPU second, of the best run and of the median one.
-#include <Model/Fast/OBJScanning.h>
+#include "Scanning/OBJScanning.h"
 
 #include <OrvCore/InstanceData.h>
 #include <OrvModel/ModelBuilder.h>

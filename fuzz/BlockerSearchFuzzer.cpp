@@ -6,8 +6,8 @@
 
 #include "support/PlainGeometry.h"
 
-#include <Ears/BlockerSearch.h>
-#include <Ears/CornerEvaluation.h>
+#include "Triangles/Ears/BlockerSearch.h"
+#include "Triangles/Ears/CornerEvaluation.h"
 
 using namespace Halvard::Orv;
 using namespace OrvFuzz;

@@ -74,7 +74,7 @@ mkdir -p "$findings_dir"
 # kind_of TARGET: what its inputs are. Targets of one kind share seeds and a dictionary.
 kind_of() {
   case $1 in
-    OBJReader | Loader | LoaderRoads) echo OBJ ;;
+    OBJReader | Loader | LoaderPaths) echo OBJ ;;
     MTLReader) echo MTL ;;
     *) echo "$1" ;;
   esac

@@ -4,7 +4,7 @@
 #include "Messages.h"
 #include "Progress.h"
 
-#include <Model/LoadReport.h>
+#include "Reports/LoadReport.h"
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
 #include <OrvModel/ModelLoading.h>

@@ -2,7 +2,7 @@
 /// What `orv info` tells about a model.
 #pragma once
 
-#include <Model/LoadReport.h>
+#include "Reports/LoadReport.h"
 #include <render/Bounds.h>
 
 #include <QtCore/QString>

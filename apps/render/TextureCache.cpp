@@ -1,6 +1,6 @@
 #include "TextureCache.h"
 
-#include <Model/TextureSize.h>
+#include "Materials/TextureSize.h"
 #include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>

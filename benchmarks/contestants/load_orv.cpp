@@ -8,8 +8,8 @@
 // CPU time of any.
 #include "Measurement.h"
 
-#include <Model/LoadReport.h>
-#include <Model/OBJRoads.h>
+#include "LoaderPaths.h"
+#include "Reports/LoadReport.h"
 
 #include <OrvGL/DrawBuffers.h>
 #include <OrvGL/GPUModel.h>
@@ -55,7 +55,7 @@ void watchDriver()
     epoxy_glBufferData = measuredBufferData;
 }
 
-bool load(const QString &fileName, OBJRoad road, LoadReport &report)
+bool load(const QString &fileName, LoaderPath road, LoadReport &report)
 {
     current = {};
     const ScopedLoadReport scope(report);
@@ -87,7 +87,8 @@ int main(int argc, char *argv[])
         return 2;
     watchDriver();
 
-    const OBJRoad road = std::strcmp(argv[2], "lines") == 0 ? OBJRoad::Lines : OBJRoad::Bytes;
+    const LoaderPath road =
+        std::strcmp(argv[2], "lines") == 0 ? LoaderPath::Lines : LoaderPath::Fast;
     const int loads = argc > 3 ? std::atoi(argv[3]) : 1;
     LoadReport report;
     std::vector<Measurement> all;

@@ -1,4 +1,4 @@
-#include "BuilderScript.h"
+#include "support/BuilderScript.h"
 
 #include "support/ModelBuilderInspector.h"
 

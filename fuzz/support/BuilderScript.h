@@ -2,7 +2,7 @@
 /// The bytes of an input as calls on a ModelBuilder.
 #pragma once
 
-#include "Fuzzing.h"
+#include "support/Fuzzing.h"
 
 #include <OrvModel/ModelBuilder.h>
 

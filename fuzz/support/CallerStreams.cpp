@@ -1,6 +1,6 @@
-#include "CallerStreams.h"
+#include "support/CallerStreams.h"
 
-#include "Fuzzing.h"
+#include "support/Fuzzing.h"
 
 #include <algorithm>
 #include <cstring>

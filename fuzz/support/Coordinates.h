@@ -2,7 +2,7 @@
 /// Coordinates from the bytes of an input.
 #pragma once
 
-#include "Fuzzing.h"
+#include "support/Fuzzing.h"
 
 #include <cmath>
 

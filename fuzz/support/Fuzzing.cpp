@@ -1,4 +1,4 @@
-#include "Fuzzing.h"
+#include "support/Fuzzing.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QTextCodec>

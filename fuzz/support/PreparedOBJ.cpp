@@ -1,12 +1,12 @@
-#include "PreparedOBJ.h"
+#include "support/PreparedOBJ.h"
 
-#include "Fuzzing.h"
+#include "support/Fuzzing.h"
 
 #include "support/ModelBuilderInspector.h"
 
-#include <Fast/OBJScanning.h>
-#include <Fast/PreparedModel.h>
-#include <OBJPouring.h>
+#include "OBJLinePath.h"
+#include "Preparing/GeometryPreparing.h"
+#include "Scanning/OBJScanning.h"
 
 #include <OrvCore/InstanceData.h>
 #include <OrvModel/DefaultMaterial.h>

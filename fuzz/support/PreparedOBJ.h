@@ -4,7 +4,7 @@
 
 #include "support/MessageCapture.h"
 
-#include <OBJScanLimits.h>
+#include "Scanning/OBJScanLimits.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

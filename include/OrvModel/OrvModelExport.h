@@ -3,7 +3,7 @@
 /// everything else is hidden.
 #pragma once
 
-#include <QtCore/qglobal.h>
+#include <QtCore/QtGlobal>
 
 #if defined(ORVMODEL_STATIC)
 #define ORVMODEL_EXPORT

@@ -3,12 +3,12 @@
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>
 
-#include "Fast/GeometryUpload.h"
-#include "Fast/OBJScanning.h"
-#include "InputFile.h"
-#include "LoadReport.h"
-#include "OBJPouring.h"
-#include "OBJRoads.h"
+#include "Builder/GeometryUpload.h"
+#include "Libraries/InputFile.h"
+#include "LoaderPaths.h"
+#include "OBJLinePath.h"
+#include "Reports/LoadReport.h"
+#include "Scanning/OBJScanning.h"
 
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLFunctions.h>
@@ -151,14 +151,14 @@ private:
 
 } // namespace
 
-GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, OBJRoad road,
+GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, LoaderPath road,
                                const OBJScanLimits &limits)
 {
     try {
         QFile file(fileName);
         if (openInputFile(file)) {
             OBJLoad load(file, fileName, limits, errorMessage);
-            return (road == OBJRoad::Bytes ? load.byBytes() : load.byLines()).release();
+            return (road == LoaderPath::Fast ? load.byBytes() : load.byLines()).release();
         }
     } catch (const std::bad_alloc &) {
         // By now everything of the model is gone again, and there is room for words.
@@ -170,7 +170,7 @@ GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, O
 
 GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage)
 {
-    return loadModelFromOBJFile(fileName, errorMessage, OBJRoad::Bytes);
+    return loadModelFromOBJFile(fileName, errorMessage, LoaderPath::Fast);
 }
 
 } // namespace Halvard::Orv

@@ -1,5 +1,5 @@
 // What a wrong call, and a call for help, gets.
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include "support/TemporaryModel.h"
 

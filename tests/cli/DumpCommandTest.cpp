@@ -1,5 +1,5 @@
 // The dump of tiny models against what the rules say, worked out by hand.
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include "support/TemporaryModel.h"
 

@@ -1,4 +1,4 @@
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include "support/TemporaryModel.h"
 

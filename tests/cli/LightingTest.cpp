@@ -1,5 +1,5 @@
 // Colours of materials, and light that does not depend on which way a face runs.
-#include "RenderFixture.h"
+#include "cli/RenderFixture.h"
 
 #include <algorithm>
 #include <cstdlib>

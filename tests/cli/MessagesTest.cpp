@@ -1,5 +1,5 @@
 // What the library says while it loads, as a user gets to see it.
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include "support/TemporaryModel.h"
 

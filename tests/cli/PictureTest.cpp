@@ -1,5 +1,5 @@
 // Where things appear in a picture, and what is around them.
-#include "RenderFixture.h"
+#include "cli/RenderFixture.h"
 
 #include <gmock/gmock.h>
 

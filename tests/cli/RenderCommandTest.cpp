@@ -1,5 +1,5 @@
 // Pictures as files. What is in them is the renderer's tests' matter.
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include "support/TemporaryModel.h"
 

@@ -1,4 +1,4 @@
-#include "RenderFixture.h"
+#include "cli/RenderFixture.h"
 
 #include <OrvGL/GPUModel.h>
 #include <OrvModel/ModelLoading.h>

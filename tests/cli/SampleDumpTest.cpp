@@ -1,6 +1,6 @@
 // The dumps of the committed samples: the small ones worked out by hand, and what
 // must be true of them all.
-#include "OrvProcess.h"
+#include "cli/OrvProcess.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // Image files on surfaces.
-#include "RenderFixture.h"
+#include "cli/RenderFixture.h"
 
 #include "support/MessageCapture.h"
 

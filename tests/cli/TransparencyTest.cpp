@@ -1,5 +1,5 @@
 // Materials with d below 1.
-#include "RenderFixture.h"
+#include "cli/RenderFixture.h"
 
 namespace {
 

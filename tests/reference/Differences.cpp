@@ -1,4 +1,4 @@
-#include "Differences.h"
+#include "reference/Differences.h"
 
 #include <cmath>
 #include <cstring>

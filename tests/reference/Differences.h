@@ -2,7 +2,7 @@
 /// Compares what was loaded with what should have been.
 #pragma once
 
-#include "UploadedModel.h"
+#include "reference/UploadedModel.h"
 
 namespace OrvReference {
 

@@ -1,6 +1,6 @@
-#include "EarClipping.h"
+#include "reference/EarClipping.h"
 
-#include <QtCore/QDebug>
+#include <QtCore/QtDebug>
 
 #include <cmath>
 

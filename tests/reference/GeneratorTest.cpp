@@ -1,5 +1,5 @@
-#include "ModelGenerator.h"
-#include "Reference.h"
+#include "reference/ModelGenerator.h"
+#include "reference/Reference.h"
 
 #include <gtest/gtest.h>
 

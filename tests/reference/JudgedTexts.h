@@ -2,9 +2,9 @@
 /// Short models written out in a test, and what the judge says about them.
 #pragma once
 
-#include "Differences.h"
-#include "ModelFiles.h"
-#include "Reference.h"
+#include "reference/Differences.h"
+#include "reference/ModelFiles.h"
+#include "reference/Reference.h"
 
 #include <cstring>
 

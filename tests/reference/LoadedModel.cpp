@@ -1,4 +1,4 @@
-#include "LoadedModel.h"
+#include "reference/LoadedModel.h"
 
 #include <OrvModel/ModelLoading.h>
 

@@ -2,7 +2,7 @@
 /// What the library makes of a model file.
 #pragma once
 
-#include "UploadedModel.h"
+#include "reference/UploadedModel.h"
 
 namespace OrvReference {
 

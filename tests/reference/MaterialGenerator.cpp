@@ -1,6 +1,6 @@
-#include "ModelGenerator.h"
+#include "reference/ModelGenerator.h"
 
-#include "NumberTexts.h"
+#include "reference/NumberTexts.h"
 
 namespace OrvReference {
 

@@ -1,4 +1,4 @@
-#include "ModelFiles.h"
+#include "reference/ModelFiles.h"
 
 #include "support/TemporaryModel.h"
 

@@ -2,8 +2,8 @@
 /// Random models, small for the most part, sound or slightly broken.
 #pragma once
 
-#include "ModelFiles.h"
-#include "TextOddities.h"
+#include "reference/ModelFiles.h"
+#include "reference/TextOddities.h"
 
 namespace OrvReference {
 

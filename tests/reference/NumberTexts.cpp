@@ -1,4 +1,4 @@
-#include "NumberTexts.h"
+#include "reference/NumberTexts.h"
 
 #include <charconv>
 #include <cmath>

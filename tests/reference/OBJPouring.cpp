@@ -1,4 +1,4 @@
-#include "PouredModel.h"
+#include "reference/PouredModel.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>

@@ -2,7 +2,7 @@
 /// A model as its files tell it, before anything is built from it.
 #pragma once
 
-#include "UploadedModel.h"
+#include "reference/UploadedModel.h"
 
 #include <QtCore/QString>
 

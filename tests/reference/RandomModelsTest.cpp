@@ -1,8 +1,8 @@
-#include "Differences.h"
-#include "LoadedModel.h"
-#include "ModelGenerator.h"
-#include "Reference.h"
-#include "Shrinking.h"
+#include "reference/Differences.h"
+#include "reference/LoadedModel.h"
+#include "reference/ModelGenerator.h"
+#include "reference/Reference.h"
+#include "reference/Shrinking.h"
 
 #include "support/GLTest.h"
 

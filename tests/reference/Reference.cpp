@@ -1,12 +1,12 @@
-#include "Reference.h"
+#include "reference/Reference.h"
 
-#include "EarClipping.h"
-#include "PouredModel.h"
-#include "SmoothNormals.h"
-#include "Welding.h"
+#include "reference/EarClipping.h"
+#include "reference/PouredModel.h"
+#include "reference/SmoothNormals.h"
+#include "reference/Welding.h"
 
-#include <QtCore/QDebug>
 #include <QtCore/QHash>
+#include <QtCore/QtDebug>
 
 namespace OrvReference {
 

@@ -29,7 +29,7 @@
 /// looked at again fix the seed with qSetGlobalQHashSeed(0).
 #pragma once
 
-#include "UploadedModel.h"
+#include "reference/UploadedModel.h"
 
 #include <QtCore/QString>
 

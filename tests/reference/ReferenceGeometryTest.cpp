@@ -1,5 +1,5 @@
-#include "EarClipping.h"
-#include "SmoothNormals.h"
+#include "reference/EarClipping.h"
+#include "reference/SmoothNormals.h"
 
 #include "support/MessageCapture.h"
 

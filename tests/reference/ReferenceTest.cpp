@@ -1,4 +1,4 @@
-#include "JudgedTexts.h"
+#include "reference/JudgedTexts.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,9 @@
 // The committed samples, and real models where there are any, as the judge says.
-#include "Differences.h"
-#include "LoadedModel.h"
-#include "Reference.h"
+#include "reference/Differences.h"
+#include "reference/LoadedModel.h"
+#include "reference/Reference.h"
 
-#include "../support/GLTest.h"
+#include "support/GLTest.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>

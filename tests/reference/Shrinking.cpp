@@ -1,6 +1,6 @@
-#include "Shrinking.h"
+#include "reference/Shrinking.h"
 
-#include "UnusedValues.h"
+#include "reference/UnusedValues.h"
 
 #include <algorithm>
 

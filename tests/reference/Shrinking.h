@@ -2,7 +2,7 @@
 /// From a file that shows something to the smallest that still does.
 #pragma once
 
-#include "ModelFiles.h"
+#include "reference/ModelFiles.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
-#include "SmoothNormals.h"
+#include "reference/SmoothNormals.h"
 
-#include "EarClipping.h"
+#include "reference/EarClipping.h"
 
 namespace OrvReference {
 

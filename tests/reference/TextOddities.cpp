@@ -1,6 +1,6 @@
-#include "TextOddities.h"
+#include "reference/TextOddities.h"
 
-#include "NumberTexts.h"
+#include "reference/NumberTexts.h"
 
 #include <QtCore/QVector>
 

@@ -1,9 +1,9 @@
 // The comparison and the shrinking: a judge whose verdict is not heard would be no use.
 
-#include "JudgedTexts.h"
-#include "ModelGenerator.h"
-#include "Shrinking.h"
-#include "UnusedValues.h"
+#include "reference/JudgedTexts.h"
+#include "reference/ModelGenerator.h"
+#include "reference/Shrinking.h"
+#include "reference/UnusedValues.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "UnusedValues.h"
+#include "reference/UnusedValues.h"
 
 #include <QtCore/QList>
 

@@ -1,4 +1,4 @@
-#include "UploadedModel.h"
+#include "reference/UploadedModel.h"
 
 #include <cctype>
 

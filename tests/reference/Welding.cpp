@@ -1,4 +1,4 @@
-#include "Welding.h"
+#include "reference/Welding.h"
 
 #include <cstring>
 

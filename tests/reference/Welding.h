@@ -2,7 +2,7 @@
 /// From one index per attribute and corner to one index per corner.
 #pragma once
 
-#include "PouredModel.h"
+#include "reference/PouredModel.h"
 
 namespace OrvReference {
 

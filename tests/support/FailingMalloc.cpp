@@ -1,4 +1,4 @@
-#include "FailingMalloc.h"
+#include "support/FailingMalloc.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "GLTest.h"
+#include "support/GLTest.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 

@@ -1,4 +1,4 @@
-#include "LeasedFile.h"
+#include "support/LeasedFile.h"
 
 #include <QtCore/QFile>
 

@@ -1,6 +1,6 @@
-#include "LoadedOBJ.h"
+#include "support/LoadedOBJ.h"
 
-#include "GPUReadBack.h"
+#include "support/GPUReadBack.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 

@@ -2,7 +2,7 @@
 /// An OBJ file as the loader put it on the GPU, read back as plain values.
 #pragma once
 
-#include "MessageCapture.h"
+#include "support/MessageCapture.h"
 
 #include <OrvCore/InstanceData.h>
 #include <OrvGL/DrawBuffers.h>

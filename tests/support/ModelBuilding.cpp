@@ -1,4 +1,4 @@
-#include "ModelBuilding.h"
+#include "support/ModelBuilding.h"
 
 namespace OrvTest {
 

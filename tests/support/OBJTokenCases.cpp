@@ -1,4 +1,4 @@
-#include "OBJTokenCases.h"
+#include "support/OBJTokenCases.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "PlainGeometry.h"
+#include "support/PlainGeometry.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "RandomRings.h"
+#include "support/RandomRings.h"
 
 #include <algorithm>
 #include <cmath>

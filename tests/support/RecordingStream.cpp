@@ -1,4 +1,4 @@
-#include "RecordingStream.h"
+#include "support/RecordingStream.h"
 
 #include <gtest/gtest.h>
 

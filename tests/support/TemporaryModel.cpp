@@ -1,4 +1,4 @@
-#include "TemporaryModel.h"
+#include "support/TemporaryModel.h"
 
 #include <gtest/gtest.h>
 

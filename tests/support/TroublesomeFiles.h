@@ -2,11 +2,11 @@
 /// What tests of files that are trouble as files have in common.
 #pragma once
 
-#include "BothRoads.h"
-#include "GLTest.h"
-#include "TemporaryModel.h"
+#include "support/BothPaths.h"
+#include "support/GLTest.h"
+#include "support/TemporaryModel.h"
 
-#include <OBJRoads.h>
+#include "LoaderPaths.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -17,8 +17,8 @@ namespace OrvTest {
 
 inline const QByteArray Triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
-inline constexpr Halvard::Orv::OBJRoad BothRoads[] = {Halvard::Orv::OBJRoad::Bytes,
-                                                      Halvard::Orv::OBJRoad::Lines};
+inline constexpr Halvard::Orv::LoaderPath BothRoads[] = {Halvard::Orv::LoaderPath::Fast,
+                                                         Halvard::Orv::LoaderPath::Lines};
 
 /// The warning of a file that is a pipe, a socket or a device.
 inline std::string warningOfKind(const QString &fileName)

@@ -2,10 +2,10 @@
 /// A small model, and a place to upload it to.
 #pragma once
 
-#include "GLTest.h"
-#include "GPUReadBack.h"
-#include "MessageCapture.h"
-#include "ModelBuilding.h"
+#include "support/GLTest.h"
+#include "support/GPUReadBack.h"
+#include "support/MessageCapture.h"
+#include "support/ModelBuilding.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 

@@ -1,8 +1,8 @@
 #include <OrvCore/InstanceData.h>
 
-#include <QSharedData>
-#include <QVector>
-#include <QtDebug>
+#include <QtCore/QSharedData>
+#include <QtCore/QVector>
+#include <QtCore/QtDebug>
 
 #include <climits>
 

@@ -3,7 +3,7 @@
 #include <OrvCore/InstanceDataPlan.h>
 #include <OrvCore/InstanceDataRegistry.h>
 
-#include <QtDebug>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 #include <climits>

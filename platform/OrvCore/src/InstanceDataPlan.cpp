@@ -1,6 +1,6 @@
 #include <OrvCore/InstanceDataPlan.h>
 
-#include <QtDebug>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QtDebug>
+#include <QtCore/QtDebug>
 
 #include <climits>
 #include <limits>

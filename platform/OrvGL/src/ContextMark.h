@@ -2,7 +2,7 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QByteArray>
+#include <QtCore/QByteArray>
 
 namespace Halvard::Orv {
 

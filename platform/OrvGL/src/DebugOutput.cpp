@@ -2,8 +2,8 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QString>
-#include <QtDebug>
+#include <QtCore/QString>
+#include <QtCore/QtDebug>
 
 namespace Halvard::Orv {
 

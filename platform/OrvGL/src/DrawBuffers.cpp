@@ -5,7 +5,7 @@
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/VertexArrayObject.h>
 
-#include <QtDebug>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 

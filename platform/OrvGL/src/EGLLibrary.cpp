@@ -1,7 +1,7 @@
 #include "EGLLibrary.h"
 
-#include <QByteArray>
-#include <QList>
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
 
 #include <array>
 #include <initializer_list>

@@ -4,7 +4,7 @@
 // or a function is missing; here that has to be an answer.
 #include <epoxy/egl.h>
 
-#include <QString>
+#include <QtCore/QString>
 
 #include <memory>
 

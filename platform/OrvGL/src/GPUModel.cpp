@@ -5,8 +5,8 @@
 #include <OrvGL/DrawBuffers.h>
 #include <OrvGL/VertexArrayObject.h>
 
-#include <QHash>
-#include <QtDebug>
+#include <QtCore/QHash>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 

@@ -6,9 +6,9 @@
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QStringList>
-#include <QVector>
-#include <QtDebug>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 #include <functional>

@@ -3,7 +3,7 @@
 #include "ContextMark.h"
 #include "DeletionQueue.h"
 
-#include <QSharedPointer>
+#include <QtCore/QSharedPointer>
 
 namespace Halvard::Orv {
 

@@ -4,7 +4,7 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QtDebug>
+#include <QtCore/QtDebug>
 
 namespace Halvard::Orv {
 

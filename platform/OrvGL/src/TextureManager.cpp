@@ -6,7 +6,7 @@
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
 
-#include <QColor>
+#include <QtGui/QColor>
 
 #include <array>
 

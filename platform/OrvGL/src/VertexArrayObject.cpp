@@ -4,8 +4,8 @@
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QByteArray>
-#include <QtDebug>
+#include <QtCore/QByteArray>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QByteArray>
+#include <QtCore/QByteArray>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;

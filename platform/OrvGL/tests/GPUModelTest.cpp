@@ -13,8 +13,8 @@
 
 #include <gmock/gmock.h>
 
-#include <QObject>
-#include <QPointer>
+#include <QtCore/QObject>
+#include <QtCore/QPointer>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QWeakPointer>
+#include <QtCore/QWeakPointer>
 
 #include <atomic>
 #include <thread>

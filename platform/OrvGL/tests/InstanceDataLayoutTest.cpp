@@ -5,7 +5,7 @@
 
 #include "support/GLFixture.h"
 
-#include <QByteArray>
+#include <QtCore/QByteArray>
 
 #include <random>
 #include <string>

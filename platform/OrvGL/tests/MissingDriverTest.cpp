@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include <QColor>
-#include <QString>
+#include <QtCore/QString>
+#include <QtGui/QColor>
 
 #include <string>
 

@@ -11,7 +11,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QVector>
+#include <QtCore/QVector>
 
 #include <functional>
 #include <memory>

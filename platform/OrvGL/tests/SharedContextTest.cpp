@@ -13,7 +13,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QColor>
+#include <QtGui/QColor>
 
 #include <thread>
 

@@ -4,7 +4,7 @@
 
 #include "support/GLFixture.h"
 
-#include <QColor>
+#include <QtGui/QColor>
 
 #include <array>
 

@@ -2,10 +2,10 @@
 
 #include <OrvCore/OrvCoreExport.h>
 
-#include <QByteArray>
-#include <QSharedDataPointer>
-#include <QString>
-#include <QStringList>
+#include <QtCore/QByteArray>
+#include <QtCore/QSharedDataPointer>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 namespace Halvard::Orv {
 

@@ -3,9 +3,9 @@
 #include <OrvCore/InstanceData.h>
 #include <OrvCore/OrvCoreExport.h>
 
-#include <QByteArray>
-#include <QList>
-#include <QString>
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QString>
 
 namespace Halvard::Orv {
 

@@ -2,8 +2,8 @@
 
 #include <OrvCore/OrvCoreExport.h>
 
-#include <QString>
-#include <QVector>
+#include <QtCore/QString>
+#include <QtCore/QVector>
 
 namespace Halvard::Orv {
 

@@ -2,8 +2,8 @@
 
 #include <OrvCore/OrvCoreExport.h>
 
-#include <QHash>
-#include <QString>
+#include <QtCore/QHash>
+#include <QtCore/QString>
 
 #include <memory>
 #include <mutex>

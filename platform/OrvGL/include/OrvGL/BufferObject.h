@@ -3,8 +3,8 @@
 #include <OrvGL/Bindable.h>
 #include <OrvGL/OrvGLExport.h>
 
-#include <QByteArray>
-#include <QSharedPointer>
+#include <QtCore/QByteArray>
+#include <QtCore/QSharedPointer>
 
 namespace Halvard::Orv {
 

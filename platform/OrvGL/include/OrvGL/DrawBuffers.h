@@ -2,10 +2,10 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QObject>
-#include <QSharedPointer>
-#include <QString>
-#include <QVector>
+#include <QtCore/QObject>
+#include <QtCore/QSharedPointer>
+#include <QtCore/QString>
+#include <QtCore/QVector>
 
 namespace Halvard::Orv {
 

@@ -2,7 +2,7 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QString>
+#include <QtCore/QString>
 
 #include <memory>
 #include <vector>

@@ -2,8 +2,8 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QSharedPointer>
-#include <QString>
+#include <QtCore/QSharedPointer>
+#include <QtCore/QString>
 
 #include <memory>
 

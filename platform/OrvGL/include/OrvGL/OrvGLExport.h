@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/qglobal.h>
+#include <QtCore/QtGlobal>
 
 /// Marks what libOrvGL exports; everything else is hidden. CMake defines OrvGL_EXPORTS while the
 /// library itself is compiled.

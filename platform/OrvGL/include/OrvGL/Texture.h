@@ -3,8 +3,8 @@
 #include <OrvGL/Bindable.h>
 #include <OrvGL/OrvGLExport.h>
 
-#include <QObject>
-#include <QSharedPointer>
+#include <QtCore/QObject>
+#include <QtCore/QSharedPointer>
 
 namespace Halvard::Orv {
 

@@ -2,8 +2,8 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QHash>
-#include <QPair>
+#include <QtCore/QHash>
+#include <QtCore/QPair>
 
 #include <memory>
 #include <mutex>

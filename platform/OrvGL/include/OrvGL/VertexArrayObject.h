@@ -2,9 +2,9 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QSharedPointer>
-#include <QString>
-#include <QVector>
+#include <QtCore/QSharedPointer>
+#include <QtCore/QString>
+#include <QtCore/QVector>
 
 namespace Halvard::Orv {
 

@@ -1,6 +1,6 @@
 #include "GLFixture.h"
 
-#include <QString>
+#include <QtCore/QString>
 
 using namespace Halvard::Orv;
 

@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QByteArray>
-#include <QSharedPointer>
+#include <QtCore/QByteArray>
+#include <QtCore/QSharedPointer>
 
 #include <initializer_list>
 #include <memory>

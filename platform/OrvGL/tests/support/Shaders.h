@@ -4,7 +4,7 @@
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QRgb>
+#include <QtGui/QRgb>
 
 namespace OrvTest {
 

@@ -1,0 +1,142 @@
+// Material libraries: one material group per "newmtl" section.
+#include <OrvModel/InstanceDataPlans.h>
+#include <OrvModel/MTLReader.h>
+#include <OrvModel/ModelBuilder.h>
+#include <OrvModel/ModelLoading.h>
+
+#include "Libraries/InputFile.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTextStream>
+
+#include <new>
+
+namespace Halvard::Orv {
+
+namespace {
+
+/// The plan of the materials' records, registered by the first library opened.
+void ensureOBJMaterialPlan()
+{
+    static const bool registered = [] {
+        registerOBJMaterial();
+        return true;
+    }();
+    Q_UNUSED(registered)
+}
+
+/// The section being read: from its "newmtl" to the next one or the end.
+class MaterialSection
+{
+public:
+    explicit MaterialSection(ModelBuilder &builder) : _builder(builder) {}
+
+    void open(const QString &name)
+    {
+        const float opaque = 1.0f;
+        _material.clear();
+        setNumber("d", opaque);
+        _name = name;
+    }
+
+    /// Makes a group of the open section, unless there is one of that name: the
+    /// first definition of a material is the one that counts.
+    void close()
+    {
+        if (!_name.isNull() && !_builder.hasMaterialGroup(_name))
+            _builder.createMaterialGroup(_name, _material, -1, 0);
+    }
+
+    void setColor(const char *member, const MTLReader::Floats &color)
+    {
+        _material.set(QLatin1String(member), color, sizeof color);
+    }
+
+    void setNumber(const char *member, float number)
+    {
+        _material.set(QLatin1String(member), &number, sizeof number);
+    }
+
+    void setMap(const char *member, const QString &path)
+    {
+        _material.setTexture(QLatin1String(member), path);
+    }
+
+private:
+    ModelBuilder &_builder;
+    InstanceData _material{QStringLiteral("OBJMaterial")};
+    QString _name; // null while no section is open
+};
+
+void takeLine(const MTLReader &reader, MaterialSection &section)
+{
+    switch (reader.getLineType()) {
+    case MTLReader::LINE_NEWMTL:
+        section.close();
+        section.open(reader.getNewmtlName());
+        break;
+    case MTLReader::LINE_KA:
+        section.setColor("Ka", reader.getKa());
+        break;
+    case MTLReader::LINE_KD:
+        section.setColor("Kd", reader.getKd());
+        break;
+    case MTLReader::LINE_KS:
+        section.setColor("Ks", reader.getKs());
+        break;
+    case MTLReader::LINE_NS:
+        section.setNumber("Ns", reader.getNs());
+        break;
+    case MTLReader::LINE_D:
+        section.setNumber("d", reader.getD());
+        break;
+    case MTLReader::LINE_MAP_KD:
+        section.setMap("map_Kd", reader.getMapKdPath());
+        break;
+    case MTLReader::LINE_MAP_KS:
+        section.setMap("map_Ks", reader.getMapKsPath());
+        break;
+    case MTLReader::LINE_MAP_KA:
+        section.setMap("map_Ka", reader.getMapKaPath());
+        break;
+    case MTLReader::LINE_MAP_NS:
+        section.setMap("map_Ns", reader.getMapNsPath());
+        break;
+    default:
+        break;
+    }
+}
+
+void pourMTLLines(QFile &file, const QString &fileName, ModelBuilder &builder)
+{
+    QTextStream stream(&file);
+    MTLReader reader(stream, true);
+    reader.setBaseDir(QFileInfo(fileName).dir().absolutePath());
+    MaterialSection section(builder);
+    while (reader.valid()) { // the first pass only moves to the first line
+        if (reader.parseLine())
+            takeLine(reader, section);
+        reader.next();
+    }
+    section.close();
+}
+
+} // namespace
+
+bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
+{
+    try {
+        QFile file(fileName);
+        if (!openInputFile(file))
+            return false;
+        ensureOBJMaterialPlan();
+        pourMTLLines(file, fileName, builder);
+        return true;
+    } catch (const std::bad_alloc &) {
+        qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
+        return false;
+    }
+}
+
+} // namespace Halvard::Orv

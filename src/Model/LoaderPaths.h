@@ -1,0 +1,28 @@
+/// \file
+/// The two roads by which an OBJ file becomes a model, for the project's own tests
+/// and benchmarks.
+///
+/// Not installed: loadModelFromOBJFile() chooses by itself.
+#pragma once
+
+#include "Scanning/OBJScanLimits.h"
+
+#include <OrvModel/OrvModelExport.h>
+
+class QString;
+
+namespace Halvard::Orv {
+
+class GPUModel;
+
+enum class LoaderPath
+{
+    Fast, ///< scanned as bytes, prepared as plain arrays; by lines where that cannot be
+    Lines ///< every line through an OBJReader, a ModelBuilder for the rest: the definition
+};
+
+/// As loadModelFromOBJFile(). Nobody can tell the road from the result.
+ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage,
+                                               LoaderPath road, const OBJScanLimits &limits = {});
+
+} // namespace Halvard::Orv

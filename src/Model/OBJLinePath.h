@@ -1,0 +1,27 @@
+/// \file
+/// The line road of the OBJ loader: every line through an OBJReader into a builder.
+#pragma once
+
+#include "Scanning/OBJScanLimits.h"
+
+class QString;
+class QTextStream;
+
+namespace Halvard::Orv {
+
+class ModelBuilder;
+
+/// Pours the lines of an OBJ file into a builder, one by one. This is what a file
+/// means; the loader's other road must not be told from it.
+///
+/// \param stream at the file's begin; read to its end.
+/// \param baseDir where relative paths of material libraries begin.
+/// \param builder holds the group "<default>" and no geometry.
+/// \param detail as of scanOBJFile().
+/// \param limits only those on elements: an overlong line is more than a QString
+///        holds, and ends in std::bad_alloc.
+/// \return anything but NeedsLineReader.
+OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+                            QString &detail, const OBJScanLimits &limits = {});
+
+} // namespace Halvard::Orv

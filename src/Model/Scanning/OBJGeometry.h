@@ -1,0 +1,88 @@
+/// \file
+/// What an OBJ file holds, as plain arrays: the hand-over from the byte scanner
+/// to welding and triangulation.
+#pragma once
+
+#include "Memory/GrowArray.h"
+
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
+
+#include <vector>
+
+namespace Halvard::Orv {
+
+/// One kind of values of the file, "v", "vn" or "vt", and the indices into them.
+struct OBJAttribute
+{
+    explicit OBJAttribute(unsigned componentCount) : components(componentCount) {}
+
+    unsigned components;
+    /// `components` floats per value.
+    GrowArray<float> values;
+    /// Zero-based index per corner, as the file gives it: absent
+    /// (OBJReader::AbsentIndex) and wild ones included. Entry i belongs to corner
+    /// i of the file. Holds entries only for the faces read after the first
+    /// value, so it may be shorter than the corner count, never longer.
+    GrowArray<quint32> indices;
+
+    /// Whether the file has at least one value line.
+    bool exists() const { return !values.isEmpty(); }
+    quint32 valueCount() const { return static_cast<quint32>(values.size() / components); }
+};
+
+/// Corner counts of faces, a byte each: nearly all faces have three or four
+/// corners. The byte 255 stands for the next entry of `large`.
+struct CornerCounts
+{
+    static constexpr quint8 Escape = 255;
+
+    GrowArray<quint8> small;
+    GrowArray<quint32> large;
+
+    void append(quint32 count)
+    {
+        if (count < Escape) {
+            small.append(static_cast<quint8>(count));
+        } else {
+            small.append(Escape);
+            large.append(count);
+        }
+    }
+};
+
+/// Successive faces of one material: `faceCount` faces from `firstFace` on.
+/// Faces whose material no group stands for are in no run.
+struct FaceRun
+{
+    quint32 firstFace;
+    quint32 faceCount;
+    /// First corner of the first face, in file order.
+    quint32 firstCorner;
+    /// Entry of CornerCounts::large that the run's first escape uses.
+    quint32 firstLarge;
+};
+
+/// The faces of one material group, in file order.
+struct FaceGroup
+{
+    QString material;
+    std::vector<FaceRun> runs;
+};
+
+struct OBJGeometry
+{
+    OBJAttribute positions{3};
+    OBJAttribute normals{3};
+    OBJAttribute texCoords{2};
+    CornerCounts cornerCounts;
+    quint32 cornerCount = 0;
+    /// Size of the file. What is made of it should take no more.
+    size_t textBytes = 0;
+    /// Groups that have at least one face, in the order of their first face.
+    std::vector<FaceGroup> groups;
+
+    quint32 faceCount() const { return static_cast<quint32>(cornerCounts.small.size()); }
+};
+
+} // namespace Halvard::Orv

@@ -1,0 +1,18 @@
+#include "Scanning/OddLines.h"
+
+namespace Halvard::Orv {
+
+bool LineReading::read(const char *begin, const char *end, qint64 offset)
+{
+    if (!_decoder.decode(begin, end, offset, _text))
+        return false;
+    // A reader of its own for each line has counted no values: indices that refer
+    // back stay negative, and the caller knows what to add.
+    _stream.setString(&_text, QIODevice::ReadOnly);
+    _reader.emplace(_stream);
+    _reader->setBaseDir(_baseDir);
+    _lineType = _reader->parseLine() ? _reader->getLineType() : int(OBJReader::LINE_EOF);
+    return true;
+}
+
+} // namespace Halvard::Orv

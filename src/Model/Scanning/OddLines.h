@@ -1,0 +1,45 @@
+/// \file
+/// Single lines through the line reader.
+#pragma once
+
+#include "Scanning/LineDecoding.h"
+
+#include <OrvModel/OBJReader.h>
+
+#include <QtCore/QString>
+#include <QtCore/QTextStream>
+
+#include <optional>
+
+namespace Halvard::Orv {
+
+/// Hands lines, one at a time, to an OBJReader, whose reading of a line is the
+/// right one by definition.
+class LineReading
+{
+public:
+    /// \param baseDir where relative paths of material libraries begin.
+    explicit LineReading(const QString &baseDir) : _baseDir(baseDir) {}
+
+    LineDecoder &decoder() { return _decoder; }
+
+    /// Reads a line, given as to LineDecoder::decode().
+    /// \return false when only a reader of the whole file can tell what it means.
+    bool read(const char *begin, const char *end, qint64 offset);
+
+    /// The line read: OBJReader::LINE_EOF when it is of no kind that matters, or
+    /// does not parse. Negative indices are counted from the first value on; see
+    /// corner().
+    const OBJReader &line() const { return *_reader; }
+    int lineType() const { return _lineType; }
+
+private:
+    const QString _baseDir;
+    LineDecoder _decoder;
+    QString _text;
+    QTextStream _stream;
+    std::optional<OBJReader> _reader;
+    int _lineType = OBJReader::LINE_EOF;
+};
+
+} // namespace Halvard::Orv

@@ -1,0 +1,140 @@
+#include "Scanning/PlainFaces.h"
+
+#include "Scanning/ASCIIBytes.h"
+#include "Scanning/NumberConversion.h"
+
+#include <algorithm>
+
+namespace Halvard::Orv {
+
+namespace {
+
+/// A corner's indices as they stand in a file; 0 for one that is left out.
+struct FileCorner
+{
+    int position = 0;
+    int texCoord = 0;
+    int normal = 0;
+};
+
+/// Reads what stands before the next slash, and moves `text` behind it.
+bool takeIndex(const char *&text, const char *end, int &index)
+{
+    const char *const slash = std::find(text, end, '/');
+    const bool isIndex = readPlainInt(text, slash, index);
+    text = slash == end ? end : slash + 1;
+    return isIndex;
+}
+
+/// As takeIndex(), but the index may be left out.
+bool takeOptionalIndex(const char *&text, const char *end, int &index)
+{
+    if (text == end || *text == '/') {
+        text += text == end ? 0 : 1;
+        return true;
+    }
+    return takeIndex(text, end, index);
+}
+
+/// Reads "v", "v/vt", "v//vn" or "v/vt/vn"; further parts are not looked at.
+bool readCorner(const char *begin, const char *end, FileCorner &corner)
+{
+    return takeIndex(begin, end, corner.position) &&
+           takeOptionalIndex(begin, end, corner.texCoord) &&
+           takeOptionalIndex(begin, end, corner.normal);
+}
+
+/// As OBJReader::resolveIndex().
+int resolved(int index, const OBJAttribute &attribute)
+{
+    if (index > 0)
+        return index - 1;
+    return index == 0 ? OBJReader::AbsentIndex : index + static_cast<int>(attribute.valueCount());
+}
+
+/// Collects the corners of one face.
+class FaceAppender
+{
+public:
+    explicit FaceAppender(OBJGeometry &geometry)
+        : _geometry(geometry), _positionsBefore(geometry.positions.indices.size()),
+          _texCoordsBefore(geometry.texCoords.indices.size()),
+          _normalsBefore(geometry.normals.indices.size())
+    {}
+
+    void append(const OBJReader::Vertex &corner)
+    {
+        append(_geometry.positions, corner.v);
+        append(_geometry.texCoords, corner.vt);
+        append(_geometry.normals, corner.vn);
+        ++_count;
+    }
+
+    void finish()
+    {
+        _geometry.cornerCounts.append(_count);
+        _geometry.cornerCount += _count;
+    }
+
+    /// Takes the corners back.
+    void drop()
+    {
+        _geometry.positions.indices.resize(_positionsBefore);
+        _geometry.texCoords.indices.resize(_texCoordsBefore);
+        _geometry.normals.indices.resize(_normalsBefore);
+    }
+
+private:
+    /// An attribute without values so far gets no index.
+    static void append(OBJAttribute &attribute, int index)
+    {
+        if (attribute.exists())
+            attribute.indices.append(static_cast<quint32>(index));
+    }
+
+    OBJGeometry &_geometry;
+    const size_t _positionsBefore;
+    const size_t _texCoordsBefore;
+    const size_t _normalsBefore;
+    quint32 _count = 0;
+};
+
+/// The zero-based index of a reader that has counted no values.
+int counted(int index, const OBJAttribute &attribute)
+{
+    return index < 0 ? index + static_cast<int>(attribute.valueCount()) : index;
+}
+
+} // namespace
+
+const char *readFaceLine(const char *text, const char *end, OBJGeometry &geometry)
+{
+    FaceAppender face(geometry);
+    for (text = skipBlanks(text); !isLineEnd(text) && *text != '#'; text = skipBlanks(text)) {
+        FileCorner corner;
+        const char *const token = text;
+        text = tokenEnd(token);
+        if (!text || !readCorner(token, text, corner)) {
+            face.drop();
+            return nullptr;
+        }
+        face.append({resolved(corner.position, geometry.positions),
+                     resolved(corner.normal, geometry.normals),
+                     resolved(corner.texCoord, geometry.texCoords)});
+    }
+    face.finish();
+    return lineAfter(text, end);
+}
+
+void appendFace(const OBJReader &line, OBJGeometry &geometry)
+{
+    FaceAppender face(geometry);
+    for (int i = 0; i < line.getNumVertices(); ++i) {
+        const OBJReader::Vertex corner = line.getVertex(i);
+        face.append({counted(corner.v, geometry.positions), counted(corner.vn, geometry.normals),
+                     counted(corner.vt, geometry.texCoords)});
+    }
+    face.finish();
+}
+
+} // namespace Halvard::Orv

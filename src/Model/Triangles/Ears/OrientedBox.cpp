@@ -1,0 +1,105 @@
+#include "Triangles/Ears/OrientedBox.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Halvard::Orv {
+
+namespace {
+
+/// A difference in double, where it cannot overflow.
+struct Offset
+{
+    Offset(QVector2D point, QVector2D origin)
+        : x(static_cast<double>(point.x()) - static_cast<double>(origin.x())),
+          y(static_cast<double>(point.y()) - static_cast<double>(origin.y()))
+    {}
+
+    double x;
+    double y;
+};
+
+/// Along the greatest spread. Any axis would do for a box to be right; a few points
+/// are enough to find a good one.
+QVector2D mainAxis(const QVector2D *points, const int *first, const int *last, ptrdiff_t step)
+{
+    constexpr ptrdiff_t EnoughPoints = 64;
+    step = std::max(step, (last - first) / EnoughPoints);
+    const QVector2D origin = points[*first];
+    double n = 0.0;
+    double x = 0.0;
+    double y = 0.0;
+    double xx = 0.0;
+    double xy = 0.0;
+    double yy = 0.0;
+    for (ptrdiff_t i = 0; i < last - first; i += step) {
+        const Offset offset(points[first[i]], origin);
+        n += 1.0;
+        x += offset.x;
+        y += offset.y;
+        xx += offset.x * offset.x;
+        xy += offset.x * offset.y;
+        yy += offset.y * offset.y;
+    }
+    // The axis lies at half the angle of this vector.
+    const double difference = (xx - x * x / n) - (yy - y * y / n);
+    const double twice = 2.0 * (xy - x * y / n);
+    const double length = std::sqrt(difference * difference + twice * twice);
+    if (!(length > 0.0))
+        return {1.0f, 0.0f};
+    const double cosine = std::sqrt(std::max(0.0, 0.5 + 0.5 * difference / length));
+    const double sine = std::sqrt(std::max(0.0, 0.5 - 0.5 * difference / length));
+    return {static_cast<float>(cosine), static_cast<float>(twice < 0.0 ? -sine : sine)};
+}
+
+} // namespace
+
+OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const int *last,
+                                ptrdiff_t step)
+{
+    const QVector2D origin = points[*first];
+    const QVector2D axis = mainAxis(points, first, last, step);
+    const double ax = static_cast<double>(axis.x());
+    const double ay = static_cast<double>(axis.y());
+    double low = 0.0;
+    double high = 0.0;
+    double left = 0.0;
+    double right = 0.0;
+    for (ptrdiff_t i = 0; i < last - first; i += step) {
+        const Offset offset(points[first[i]], origin);
+        const double along = ax * offset.x + ay * offset.y;
+        const double across = ax * offset.y - ay * offset.x;
+        low = std::min(low, along);
+        high = std::max(high, along);
+        left = std::min(left, across);
+        right = std::max(right, across);
+    }
+    const double middle = 0.5 * (low + high);
+    const double centre = 0.5 * (left + right);
+    OrientedBox box;
+    box.axis = axis;
+    box.centre = {static_cast<float>(static_cast<double>(origin.x()) + ax * middle - ay * centre),
+                  static_cast<float>(static_cast<double>(origin.y()) + ay * middle + ax * centre)};
+    // The extents are those around the centre as rounded.
+    const Offset offset(box.centre, origin);
+    const double along = ax * offset.x + ay * offset.y;
+    const double across = ax * offset.y - ay * offset.x;
+    const double halfLength = std::max(high - along, along - low);
+    const double halfWidth = std::max(right - across, across - left);
+    // For what is rounded here, and for |axis| being only about 1.
+    const double slack = 1e-6 * (halfLength + halfWidth);
+    box.along = static_cast<float>(halfLength + slack);
+    box.across = static_cast<float>(halfWidth + slack);
+    return box;
+}
+
+bool OrientedBox::holds(QVector2D point) const
+{
+    const Offset offset(point, centre);
+    const double ax = static_cast<double>(axis.x());
+    const double ay = static_cast<double>(axis.y());
+    return std::fabs(ax * offset.x + ay * offset.y) <= static_cast<double>(along) &&
+           std::fabs(ax * offset.y - ay * offset.x) <= static_cast<double>(across);
+}
+
+} // namespace Halvard::Orv

@@ -1,0 +1,309 @@
+// OBJ files that are odd as files: encodings, sizes, and devices that misbehave.
+#include "support/ReadOBJ.h"
+#include "support/ScopedLocaleCodec.h"
+
+#include "support/TemporaryModel.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <string>
+
+namespace OrvTest {
+namespace {
+
+using namespace Halvard::Orv;
+
+constexpr int PieceBytes = 16384; // what QTextStream reads at a time
+
+/// Expects the same result by both roads, and that no third one is needed.
+void expectSame(const char *name, const QByteArray &text)
+{
+    EXPECT_EQ(difference(readAsBytes(text), readByLines(text)), "") << name << ":\n"
+                                                                    << printable(text);
+}
+
+/// Names, blanks and minus signs of other alphabets, sound and broken.
+const QByteArray Letters =
+    "v 1 2 3\xc3\xa4\nv \xe2\x88\x92"
+    "1 2 3\nv\xc2\xa0"
+    "1\xc2\xa0"
+    "2 3\nv 1\xe3\x80\x80"
+    "2 3\n"
+    "usemtl \xc3\xa4\nf 1 1 1\nusemtl \xe4\nf 1 1 1\nusemtl \xe2\x82\nf 1 1 1\n"
+    "\xc2\xa0v 1 2 3\n\x85v 4 5 6\n\xa0# x\n# \xc3\xa4 \xff\nf 1\xa0"
+    "1\x85"
+    "1\n"
+    "\xc3\xb6 1\nvt 1 2 \xff\nvn 1 2 3 # \xe4\nf 1/1/1 1/1/1 1/1/1 # \xe4\nf 1 1 \xe4\nf 1 1 "
+    "1\xe4\n"
+    "o \xe4\nv\xe4 1 2 3\nv 1 2 3 \xe2\x82";
+
+TEST(OBJScanningEncodings, LocalesDecideWhatBytesMean)
+{
+    for (const char *codec :
+         {"UTF-8", "ISO-8859-1", "ISO-8859-15", "US-ASCII", "windows-1252", "KOI8-R"}) {
+        const ScopedLocaleCodec locale(codec);
+        expectSame(codec, Letters);
+    }
+}
+
+/// What is left of a sequence at the end of a file is no character.
+TEST(OBJScanningEncodings, SequencesCutOffByTheEndOfTheFile)
+{
+    const ScopedLocaleCodec locale("UTF-8");
+    for (const char *text :
+         {"v 1 2 3\xe2\x82", "v 1 2 3\nf 1 1 1\xc3", "v 1 2 3\nf 1 1 1\xf0\x9f\x98", "v 1 2 3\xff",
+          "v\xe2", "v 1\xe2\x82\r", "v 1\xe2\x82\r\n"})
+        expectSame("cut", text);
+}
+
+TEST(OBJScanningEncodings, AByteOrderMarkMakesItUTF8)
+{
+    for (const char *codec : {"UTF-8", "ISO-8859-1"}) {
+        const ScopedLocaleCodec locale(codec);
+        const QByteArray mark = "\xef\xbb\xbf";
+        expectSame("mark", mark + Letters);
+        expectSame("mark and number", mark + "v 1 2 3\n");
+        expectSame("mark twice", mark + mark + "v 1 2 3\nv 4 5 6\n");
+        expectSame("mark later", "v 1 2 3\n" + mark + "v 4 5 6\n");
+        expectSame("mark in a number", "v 1" + mark + " 2 3\n");
+        expectSame("mark alone", mark);
+        expectSame("mark and line feed", mark + "\n");
+        expectSame("part of a mark", mark.left(2));
+        expectSame("part of a mark in a line", mark.left(2) + "\nv 1 2 3\n");
+    }
+}
+
+TEST(OBJScanningEncodings, OthersAreLeftToTheLineReader)
+{
+    const QByteArray utf16("\xff\xfev\0 \0"
+                           "1\0\n\0",
+                           10);
+    EXPECT_EQ(readAsBytes(utf16).outcome, OBJScanOutcome::NeedsLineReader);
+    const ScopedLocaleCodec locale("Shift_JIS");
+    EXPECT_EQ(readAsBytes("v 1 2 3\n").outcome, OBJScanOutcome::NeedsLineReader);
+}
+
+TEST(OBJScanningEncodings, AMarkWhereTheStreamMaySwallowItIsLeftToTheLineReader)
+{
+    const ScopedLocaleCodec locale("UTF-8");
+    const QByteArray mark = "\xef\xbb\xbf";
+    for (const int distance : {-1, 0, 1, 100}) {
+        const QByteArray text =
+            QByteArray(PieceBytes + distance - 1, '#') + "\n" + mark + "v 1 2 3\nv 4 5 6\n";
+        const ReadOBJ bytes = readAsBytes(text);
+        if (distance <= 0)
+            EXPECT_EQ(bytes.outcome, OBJScanOutcome::NeedsLineReader) << distance;
+        else
+            EXPECT_EQ(difference(bytes, readByLines(text)), "") << distance;
+    }
+}
+
+/// Names that lie across the border of two pieces, at every distance.
+TEST(OBJScanningEncodings, LettersAtTheBorderOfPieces)
+{
+    const ScopedLocaleCodec locale("UTF-8");
+    for (const char *name : {"\xc3\xa4", "\xe2\x82\xac", "\xf0\x9f\x98\x80", "\xe2\x82",
+                             "\xf0\x9f\x98", "\xf0\x9f", "\xc3", "\xff", "\xc0\xaf"}) {
+        const TemporaryModel model;
+        // Replacement characters are counted: each name is a material of its own.
+        model.write(QStringLiteral("m.mtl"), QByteArray("newmtl a") + name +
+                                                 "\nnewmtl a\xff\nnewmtl a\xff\xff\n"
+                                                 "newmtl a\xff\xff\xff\n");
+        for (int distance = -6; distance <= 1; ++distance) {
+            const QByteArray head = "v 1 2 3\nmtllib m.mtl\n";
+            const QByteArray text = head +
+                                    QByteArray(PieceBytes + distance - head.size() - 9, '#') +
+                                    "\nusemtl a" + name + "\nf 1 1 1\nv 4 5 6\n";
+            const QString file = model.write(QStringLiteral("m.obj"), text);
+            QFile forBytes(file);
+            QFile forLines(file);
+            const ReadOBJ bytes = readAsBytes(forBytes, model.directory());
+            EXPECT_EQ(difference(bytes, readByLines(forLines, model.directory())), "")
+                << printable(name) << " at " << distance;
+            EXPECT_EQ(bytes.groups.size(), 1u);
+        }
+    }
+}
+
+TEST(OBJScanningLimits, TooManyOfAnything)
+{
+    const struct
+    {
+        const char *name;
+        const char *line;
+        std::size_t elements; ///< that a line adds
+    } rows[] = {
+        {"positions", "v 1 2 3\n", 3},
+        {"normals", "vn 1 2 3\n", 3},
+        {"coordinates", "vt 1 2\n", 2},
+        {"corners, each of a position", "f 1 1 1\n", 9},
+        {"faces", "f\n", 1},
+        {"corners, odd", "f +1 1\n", 6},
+    };
+    for (const auto &row : rows) {
+        OBJScanLimits limits;
+        limits.streamElements = 7 * row.elements;
+        const QByteArray line = row.line;
+        EXPECT_EQ(readAsBytes(line.repeated(7), limits).outcome, OBJScanOutcome::Finished)
+            << row.name;
+        EXPECT_EQ(readAsBytes(line.repeated(8), limits).outcome, OBJScanOutcome::LimitExceeded)
+            << row.name;
+        limits.chunkBytes = 5;
+        EXPECT_EQ(readAsBytes(line.repeated(100), limits).outcome, OBJScanOutcome::LimitExceeded)
+            << row.name;
+    }
+}
+
+TEST(OBJScanningLimits, StreamsHoldWhatTheLimitsLetThrough)
+{
+    // A QByteArray holds less than 2^31 bytes with its header.
+    EXPECT_LE(OBJScanLimits().streamElements * 4, (std::size_t(1) << 31) - 1 - 64);
+    EXPECT_LE(OBJScanLimits().corners() * 3 * 4, (std::size_t(1) << 31) - 1 - 64);
+    EXPECT_LE(OBJScanLimits().lineBytes + OBJScanLimits().chunkBytes, (std::size_t(1) << 30) - 64);
+}
+
+TEST(OBJScanningLimits, LinesThatAreTooLong)
+{
+    OBJScanLimits limits;
+    limits.chunkBytes = 16;
+    limits.lineBytes = 1000;
+    const QByteArray after = "v 1 2 3\n";
+    EXPECT_EQ(readAsBytes('#' + QByteArray(900, 'x') + '\n' + after, limits).outcome,
+              OBJScanOutcome::Finished);
+    EXPECT_EQ(readAsBytes('#' + QByteArray(1100, 'x') + '\n' + after, limits).outcome,
+              OBJScanOutcome::LimitExceeded);
+    EXPECT_EQ(readAsBytes(after + QByteArray(1100, 'x'), limits).outcome,
+              OBJScanOutcome::LimitExceeded);
+}
+
+TEST(OBJScanningLimits, TheLongestLineThatIsNotTooLong)
+{
+    OBJScanLimits limits;
+    limits.chunkBytes = 1; // by which a line may be longer
+    limits.lineBytes = 10;
+    EXPECT_EQ(readAsBytes(QByteArray(10, 'x') + '\n', limits).outcome, OBJScanOutcome::Finished);
+    EXPECT_EQ(readAsBytes(QByteArray(11, 'x') + '\n', limits).outcome,
+              OBJScanOutcome::LimitExceeded);
+}
+
+/// Looking again and again at the begin of the line would take hours.
+TEST(OBJScanningLimits, LongLinesTakeLinearTime)
+{
+    constexpr int count = 2000000;
+    OBJScanLimits limits;
+    limits.chunkBytes = 32;
+    const QByteArray face = "v 1 2 3\nf" + QByteArray(" 1 -1/1").repeated(count / 2);
+    const ReadOBJ bytes = readAsBytes(face, limits);
+    EXPECT_EQ(bytes.cornerCounts, std::vector<std::uint32_t>{count});
+    EXPECT_EQ(bytes.positions.indices.size(), std::size_t(count));
+    for (const char c : {'#', 'x', ' ', '1', '\r'}) {
+        const QByteArray line(8000000, c);
+        EXPECT_EQ(readAsBytes(line + "\nv 1 2 3\n", limits).positions.values.size(), 3u);
+        EXPECT_EQ(readAsBytes("v 1 2 " + line + "\n", limits).positions.values.size(), 3u);
+    }
+}
+
+/// Gives its bytes as the test wants.
+class OddDevice : public QIODevice
+{
+public:
+    OddDevice(const QByteArray &bytes, qint64 mostAtOnce) : _bytes(bytes), _mostAtOnce(mostAtOnce)
+    {}
+
+    bool sequential = false;
+    qint64 endsEarlyAt = -1; ///< gives no more from there on, though it has more
+    qint64 failsAt = -1;
+    qint64 sizeClaimed = -1;
+    int reads = 0;
+
+    bool isSequential() const override { return sequential; }
+    qint64 size() const override { return sizeClaimed < 0 ? _bytes.size() : sizeClaimed; }
+
+protected:
+    qint64 readData(char *target, qint64 most) override
+    {
+        ++reads;
+        if (failsAt >= 0 && pos() >= failsAt)
+            return -1;
+        const qint64 end = endsEarlyAt < 0 ? _bytes.size() : endsEarlyAt;
+        const qint64 count = std::max<qint64>(0, std::min({most, _mostAtOnce, end - pos()}));
+        std::copy_n(_bytes.constData() + pos(), count, target);
+        return count;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    const QByteArray _bytes;
+    const qint64 _mostAtOnce;
+};
+
+const QByteArray Model = "v 1 2 3\nv 4 5 6\nf 1 2 1\nv 7 8 9\n";
+
+TEST(OBJScanningDevices, GiveAsMuchAtOnceAsTheyLike)
+{
+    for (const qint64 most : {1, 2, 3, 100}) {
+        OddDevice device(Model, most);
+        EXPECT_EQ(difference(readAsBytes(device), readByLines(Model)), "") << most;
+    }
+}
+
+TEST(OBJScanningDevices, AreReadToWhereTheyEnd)
+{
+    for (const int end : {0, 1, 5, 8, 20}) {
+        OddDevice shrunk(Model, 1000);
+        shrunk.endsEarlyAt = end;
+        EXPECT_EQ(difference(readAsBytes(shrunk), readByLines(Model.left(end))), "") << end;
+        OddDevice broken(Model, end > 0 ? end : 1);
+        broken.failsAt = end;
+        EXPECT_EQ(difference(readAsBytes(broken), readByLines(Model.left(end))), "") << end;
+    }
+    OddDevice grown(Model, 1000);
+    grown.sizeClaimed = 10; // when it was opened
+    EXPECT_EQ(difference(readAsBytes(grown), readByLines(Model)), "");
+}
+
+/// A file of size 0 that has bytes all the same is empty to a stream.
+TEST(OBJScanningDevices, AreEmptyWhenTheySaySo)
+{
+    OddDevice device(Model, 1000);
+    device.sizeClaimed = 0;
+    EXPECT_EQ(difference(readAsBytes(device), readByLines(QByteArray())), "");
+}
+
+TEST(OBJScanningDevices, ThatCannotBeReadAgainAreNotTouched)
+{
+    OddDevice pipe(Model, 1000);
+    pipe.sequential = true;
+    EXPECT_EQ(readAsBytes(pipe).outcome, OBJScanOutcome::NeedsLineReader);
+    EXPECT_EQ(pipe.reads, 0);
+}
+
+/// Of files of 20 MB and more, arrays get their room beforehand.
+TEST(OBJScanningSizes, AFileOfManyMegabytes)
+{
+    constexpr int copies = 440000;
+    const QByteArray copy = "v 1 1 1\nvn 1 1 1\nvt 1 1\nf 1/1/1 1/1/1 1/1/1 1/1/1\n";
+    const ReadOBJ read = readAsBytes(copy.repeated(copies));
+    ASSERT_EQ(read.outcome, OBJScanOutcome::Finished);
+
+    constexpr std::uint32_t oneAsFloat = 0x3f800000;
+    const auto holds = [](const std::vector<std::uint32_t> &all, size_t perCopy,
+                          std::uint32_t value) {
+        return all.size() == perCopy * copies &&
+               std::count(all.begin(), all.end(), value) == std::ptrdiff_t(all.size());
+    };
+    EXPECT_TRUE(holds(read.positions.values, 3, oneAsFloat));
+    EXPECT_TRUE(holds(read.normals.values, 3, oneAsFloat));
+    EXPECT_TRUE(holds(read.texCoords.values, 2, oneAsFloat));
+    EXPECT_TRUE(holds(read.positions.indices, 4, 0));
+    EXPECT_TRUE(holds(read.normals.indices, 4, 0));
+    EXPECT_TRUE(holds(read.texCoords.indices, 4, 0));
+    EXPECT_TRUE(holds(read.cornerCounts, 1, 4));
+}
+
+} // namespace
+} // namespace OrvTest

@@ -1,0 +1,186 @@
+#include "Triangles/Ears/BlockerSearch.h"
+#include "Triangles/Ears/RingBoxes.h"
+
+#include "support/RandomRings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <set>
+
+using namespace Halvard::Orv;
+using namespace OrvTest;
+
+namespace {
+
+constexpr std::uint32_t Seed = 20240917;
+
+CornerTriangle triangleOf(const std::vector<QVector2D> &points, int corner, int next, int prev)
+{
+    const auto at = [&](int i) { return points[static_cast<std::size_t>(i)]; };
+    return CornerTriangle(at(corner), at(next), at(prev));
+}
+
+/// Mostly neighbours, as ears are.
+CornerTriangle anyTriangle(Dice &dice, const std::vector<QVector2D> &points)
+{
+    const int count = static_cast<int>(points.size());
+    const int corner = dice.below(count);
+    const int step = dice.oneIn(2) ? 1 : dice.between(1, count - 1);
+    if (dice.oneIn(4))
+        return triangleOf(points, corner, dice.below(count), dice.below(count));
+    return triangleOf(points, corner, (corner + step) % count, (corner + count - step) % count);
+}
+
+/// Whether nothing lies in any triangle through the corner, as far as ears go: they
+/// have a next and a previous corner apart from each other, and are convex.
+bool isCandidate(const CornerTriangle &triangle)
+{
+    const QVector2D corner = triangle.edge(0).start;
+    const QVector2D toNext = triangle.edge(0).direction;
+    const QVector2D toPrev = unit(triangle.edge(2).start - corner);
+    return cross(toNext, toPrev) > 0.0f;
+}
+
+std::vector<QVector2D> finitePoints(const Ring &ring)
+{
+    std::vector<QVector2D> points;
+    std::copy_if(
+        ring.points.begin(), ring.points.end(), std::back_inserter(points),
+        [](QVector2D point) { return std::isfinite(point.x()) && std::isfinite(point.y()); });
+    return points;
+}
+
+TEST(RingBoxes, HasEveryPointOnce)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    RingBoxes boxes;
+    for (int count = 1; count < 200; ++count) {
+        std::vector<QVector2D> points = finitePoints(anyRing(dice, count));
+        if (points.empty())
+            continue;
+        boxes.build(points);
+        std::vector<int> order = boxes.order();
+        std::sort(order.begin(), order.end());
+        std::vector<int> expected(points.size());
+        std::iota(expected.begin(), expected.end(), 0);
+        EXPECT_EQ(order, expected) << count;
+    }
+}
+
+TEST(RingBoxes, LeadsToEveryPointThatBlocks)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    RingBoxes boxes;
+    int blocking = 0;
+    for (int round = 0; round < 400 && !HasFailure(); ++round) {
+        const Ring ring = anyRing(dice, dice.between(3, 300));
+        const std::vector<QVector2D> points = finitePoints(ring);
+        if (points.size() < 3)
+            continue;
+        boxes.build(points);
+        for (int i = 0; i < 50; ++i) {
+            const CornerTriangle triangle = anyTriangle(dice, points);
+            if (!isCandidate(triangle))
+                continue;
+            std::set<int> leaves;
+            boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int first) {
+                EXPECT_TRUE(leaves.insert(first).second) << "twice";
+                return false;
+            });
+            for (std::size_t place = 0; place < points.size(); ++place) {
+                const auto point = static_cast<std::size_t>(boxes.order()[place]);
+                if (!triangle.isBlockedBy(points[point]))
+                    continue;
+                ++blocking;
+                const int first =
+                    static_cast<int>(place) / RingBoxes::LeafSize * RingBoxes::LeafSize;
+                EXPECT_EQ(leaves.count(first), 1u) << ring.name << ", round " << round;
+            }
+        }
+    }
+    EXPECT_GT(blocking, 10000);
+}
+
+TEST(RingBoxes, StopsWhereItIsTold)
+{
+    Dice dice(Seed);
+    const std::vector<QVector2D> points = starRing(dice, 100).points;
+    RingBoxes boxes;
+    boxes.build(points);
+    const CornerTriangle all({-9, -9}, {9, -9}, {0, 20});
+    int visits = 0;
+    EXPECT_TRUE(boxes.anyLeaf(all, TriangleReach(all), [&](int) { return ++visits == 3; }));
+    EXPECT_EQ(visits, 3);
+    EXPECT_FALSE(boxes.anyLeaf(all, TriangleReach(all), [](int) { return false; }));
+}
+
+/// The shapes that boxes along the axes, in ring order or in space, do badly with.
+TEST(RingBoxes, LooksAtFewLeavesOfRingsOfManyCorners)
+{
+    Dice dice(Seed);
+    constexpr int Count = 20000;
+    const Ring rings[] = {starRing(dice, Count), combRing(Count / 2), spiralRing(Count),
+                          windingRing(dice, Count), convexRing(dice, Count)};
+    for (const Ring &ring : rings) {
+        RingBoxes boxes;
+        boxes.build(ring.points);
+        const int count = static_cast<int>(ring.points.size());
+        int candidates = 0;
+        int visits = 0;
+        for (int corner = 0; corner < count; ++corner) {
+            const CornerTriangle triangle =
+                triangleOf(ring.points, corner, (corner + 1) % count, (corner + count - 1) % count);
+            if (!isCandidate(triangle))
+                continue;
+            ++candidates;
+            boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int) {
+                ++visits;
+                return false;
+            });
+        }
+        EXPECT_GT(candidates, count / 4) << ring.name;
+        EXPECT_LT(visits, 12 * candidates) << ring.name << ", of " << count / RingBoxes::LeafSize;
+    }
+}
+
+TEST(BlockerSearch, AgreesWithALoopWhileCornersGo)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    BlockerSearch search;
+    int outcomes[2] = {};
+    for (int round = 0; round < 300 && !HasFailure(); ++round) {
+        const int count = round % 3 == 0 ? dice.between(257, 900) : dice.between(5, 60);
+        const Ring ring = anyRing(dice, count);
+        search.reset(ring.points.data(), count);
+        std::vector<int> active(static_cast<std::size_t>(count));
+        std::iota(active.begin(), active.end(), 0);
+        while (active.size() > 3 && !HasFailure()) {
+            const int left = static_cast<int>(active.size());
+            const int at = dice.below(left);
+            const int corner = active[static_cast<std::size_t>(at)];
+            const CornerTriangle triangle =
+                triangleOf(ring.points, corner, active[static_cast<std::size_t>((at + 1) % left)],
+                           active[static_cast<std::size_t>((at + left - 1) % left)]);
+            if (isCandidate(triangle)) {
+                const bool expected = std::any_of(active.begin(), active.end(), [&](int other) {
+                    return triangle.isBlockedBy(ring.points[static_cast<std::size_t>(other)]);
+                });
+                EXPECT_EQ(search.isBlocked(corner, triangle), expected) << ring.name;
+                ++outcomes[expected ? 1 : 0];
+            }
+            const int gone = dice.below(left);
+            search.remove(active[static_cast<std::size_t>(gone)]);
+            active.erase(active.begin() + gone);
+        }
+    }
+    EXPECT_GT(outcomes[0], 5000);
+    EXPECT_GT(outcomes[1], 5000);
+}
+
+} // namespace
