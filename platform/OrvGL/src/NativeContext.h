@@ -17,6 +17,11 @@ struct NativeContext
     /// What is current on the calling thread. Loads no library: one that is not loaded has made no
     /// context. (libepoxy's own inquiry ends the process where there is neither EGL nor GLX.)
     static NativeContext current();
+
+    /// Whether the library through which libepoxy calls the OpenGL of this context, which is
+    /// current, can be loaded; libepoxy ends the process where it cannot. Warns once for each
+    /// library that is missing.
+    bool canBeCalled() const;
 };
 
 inline bool operator==(const NativeContext &a, const NativeContext &b)

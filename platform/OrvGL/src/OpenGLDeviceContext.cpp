@@ -66,7 +66,7 @@ OpenGLDeviceContext::~OpenGLDeviceContext() = default;
 ContextPointer OpenGLDeviceContext::current()
 {
     const NativeContext native = NativeContext::current();
-    if (!native.handle || processIsEnding)
+    if (!native.handle || processIsEnding || !native.canBeCalled())
         return {};
     ContextPointer context = find(native);
     if (!context || !context->_d->matchesCurrent())

@@ -1,3 +1,6 @@
+#include "support/ForeignContext.h"
+#include "support/MessageCapture.h"
+
 #include <OrvGL/HeadlessContext.h>
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/TextureManager.h>
@@ -52,6 +55,27 @@ TEST(MissingLibrary, IsExplained)
                                                       "libEGL.so.1 cannot be loaded ("),
                                            EndsWith(std::string(")") + advice)));
     expectNoContext();
+}
+
+// Run with a file in the place of libGLESv2.so.2 that is no library.
+TEST(MissingESLibrary, LeavesAContextThatCannotBeCalled)
+{
+    if (!qEnvironmentVariable("LD_LIBRARY_PATH").contains(QLatin1String("/broken-es")))
+        GTEST_SKIP() << "only ctest hides libGLESv2";
+    const auto es = OrvTest::ForeignContext::make(OrvTest::ForeignContext::Kind::OpenGLES);
+    ASSERT_TRUE(es && es->makeCurrent());
+    {
+        const OrvTest::MessageCapture messages;
+        expectNoContext();
+        EXPECT_THAT(messages.texts(QtWarningMsg),
+                    ::testing::ElementsAre("OpenGL cannot be called: libGLESv2.so.2 cannot be "
+                                           "loaded; install libgles2"));
+    }
+
+    // Another context of the process is not the worse for it.
+    const auto desktop = OrvTest::ForeignContext::make();
+    ASSERT_TRUE(desktop && desktop->makeCurrent());
+    EXPECT_TRUE(OpenGLDeviceContext::current());
 }
 
 } // namespace
