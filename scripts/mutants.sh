@@ -13,7 +13,8 @@
 #
 # A mutant that was killed is not run again while its file and its description stay as
 # they are; --again runs it nevertheless. --quick runs no tests but those named. --check
-# only looks whether every mutant can be applied to the working tree, --list prints them.
+# only looks whether every mutant can be applied to the working tree and its tests are there,
+# --list prints them.
 #
 # The copy and its build are in build/mutants, or in ORV_MUTANTS_DIR. What is copied is
 # HEAD, or ORV_MUTANTS_COMMIT. A first build takes minutes, a mutant some seconds, one that
@@ -147,6 +148,24 @@ break_lines() {
   done
 }
 
+# has_its_tests MUTANT: says which of its tests are not there, and fails, if any.
+declare -A known_tests=()
+has_its_tests() {
+  local name
+  if ((${#known_tests[@]} == 0)); then
+    while IFS= read -r name; do
+      name=${name##*/}
+      known_tests[${name%.cpp}]=1
+    done < <(find "$repository/tests" -name '*Test.cpp')
+  fi
+  for name in ${tests[$1]}; do
+    if [[ -z ${known_tests[${name#Portable}]-} ]]; then
+      tell "$1" "there is no test $name"
+      return 1
+    fi
+  done
+}
+
 # ---- The copy ---------------------------------------------------------------------
 
 # With an index of its own, so that neither the working tree nor its index is touched,
@@ -161,13 +180,12 @@ update_tree() {
   )
 }
 
+# Every test program of the library itself, the long ones last.
 all_tests() {
   local name targets
   cmake "$build_dir" >"$dir/configure.log" # the tree may have got other tests
   targets=$(cmake --build "$build_dir" --target help)
-  # The long ones last.
-  (cd "$tree/tests" && printf '%s\n' *Test.cpp) | sed 's/\.cpp$//'
-  for name in $(cd "$tree/tests/fast" && printf '%s\n' *Test.cpp | sed 's/\.cpp$//'); do
+  for name in $(cd "$tree/tests/Model" && find . -name '*Test.cpp' | sed 's|.*/||; s|\.cpp$||' | sort); do
     printf '%s\n' "$name"
     # What knows nothing of vector instructions has but one form.
     if grep -q "^Portable$name: " <<<"$targets"; then
@@ -179,7 +197,7 @@ all_tests() {
 
 program_of() {
   local folder
-  for folder in . fast reference; do
+  for folder in Model reference; do
     if [[ -x $build_dir/tests/$folder/$1 ]]; then
       printf '%s\n' "$build_dir/tests/$folder/$1"
       return
@@ -303,7 +321,7 @@ case $mode in
   check)
     bad=0
     for i in "${!files[@]}"; do
-      break_lines "$i" "$repository" || bad=$((bad + 1))
+      break_lines "$i" "$repository" && has_its_tests "$i" || bad=$((bad + 1))
     done
     ((bad == 0)) || die "$bad of ${#files[@]} mutants do not fit"
     say "${#files[@]} mutants fit"

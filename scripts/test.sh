@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds everything, with warnings as errors, and runs every test: first the release
 # build, then the tests of concurrent use under the thread sanitizer, then every test
-# under the address and undefined-behaviour sanitizers. Before all of them, what fuzzing
-# has found once is tried again, and every fuzz target runs for a moment.
+# under the address and undefined-behaviour sanitizers. Before all of them, the mutants are
+# looked at for whether they still fit, what fuzzing has found once is tried again, and every
+# fuzz target runs for a moment.
 #
 #     scripts/test.sh
 #
@@ -47,6 +48,9 @@ if command -v python3 >/dev/null; then
   say "samples: comparing with what their generator writes"
   python3 "$repository/samples/make_samples.py" --check >&2
 fi
+
+say "mutants: looking whether every one still fits the sources"
+bash "$repository/scripts/mutants.sh" --check
 
 bash "$repository/scripts/fuzz.sh" --replay >&2
 
