@@ -4,6 +4,7 @@
 #include <OrvModel/ModelLoading.h>
 
 #include "Builder/GeometryUpload.h"
+#include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
 #include "LoaderPaths.h"
 #include "OBJLinePath.h"
@@ -154,6 +155,7 @@ private:
 GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, LoaderPath road,
                                const OBJScanLimits &limits)
 {
+    const FloatingPointState state;
     try {
         QFile file(fileName);
         if (openInputFile(file)) {

@@ -5,6 +5,7 @@
 
 #include "Builder/AssertionReport.h"
 #include "Builder/StreamBytes.h"
+#include "Lanes/FloatingPointState.h"
 #include "Reports/LoadReport.h"
 #include "Triangles/FaceTriangulation.h"
 
@@ -85,6 +86,7 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
                                                  const StreamPointer &indices,
                                                  const QVector<unsigned int> &faceOffsets)
 {
+    const FloatingPointState state;
     if (!_verticesPerFace || !group.faces || !positions || !indices)
         return;
     if (_verticesPerFace->type() != GL_UNSIGNED_INT)

@@ -1,6 +1,7 @@
 // Everything the GPU gets.
 #include <OrvModel/ModelBuilder.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Reports/LoadReport.h"
 
 #include <OrvCore/InstanceDataCollection.h>
@@ -106,6 +107,7 @@ void ModelBuilder::upload(GPUModel *model, const InstanceData &instanceData,
                           const QString &positionAttribute, const QString &materialIdMember,
                           unsigned int usage, unsigned int primitiveType)
 {
+    const FloatingPointState state;
     if (!isValid() || !isPositionAttribute(positionAttribute))
         return;
     const QSharedPointer<OpenGLDeviceContext> context = OpenGLDeviceContext::current();

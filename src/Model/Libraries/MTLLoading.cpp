@@ -4,6 +4,7 @@
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
 
 #include <QtCore/QFile>
@@ -126,6 +127,7 @@ void pourMTLLines(QFile &file, const QString &fileName, ModelBuilder &builder)
 
 bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
 {
+    const FloatingPointState state;
     try {
         QFile file(fileName);
         if (!openInputFile(file))

@@ -1,5 +1,6 @@
 #include <OrvModel/TextureLoading.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Materials/TextureSize.h"
 
 #include <OrvGL/AutoBinder.h>
@@ -69,6 +70,7 @@ bool uploadImage(Texture *texture, const QImage &image)
 
 Texture *LoadTexture(const QString &fileName)
 {
+    const FloatingPointState state;
     QHash<QString, Texture *> &cache = textureCache();
     if (Texture *known = cache.value(fileName))
         return known;

@@ -1,5 +1,7 @@
 #include <OrvModel/MTLReader.h>
 
+#include "Lanes/FloatingPointState.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -81,6 +83,7 @@ void MTLReader::classify()
 
 bool MTLReader::parseLine()
 {
+    const FloatingPointState state;
     _parsedOk = false;
     switch (_lineType) {
     case LINE_NEWMTL:

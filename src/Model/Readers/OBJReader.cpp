@@ -1,5 +1,6 @@
 #include <OrvModel/OBJReader.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Readers/Tokens.h"
 
 #include <QtCore/QTextStream>
@@ -104,6 +105,7 @@ void OBJReader::classify(const QStringRef &keyword)
 
 bool OBJReader::parseLine()
 {
+    const FloatingPointState state;
     switch (_lineType) {
     case LINE_V:
     case LINE_VN:

@@ -1,5 +1,7 @@
 #include <OrvModel/PolygonDump.h>
 
+#include "Lanes/FloatingPointState.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QTextStream>
 #include <QtGui/QVector2D>
@@ -28,6 +30,7 @@ void writePoints(QTextStream &out, int count, QVector2D const *points)
 
 void DumpAsOBJPolygon(QString const &fileName, int count, QVector2D const *points)
 {
+    const FloatingPointState state;
     QFile file(fileName);
     if (!openForDump(file))
         return;
@@ -42,6 +45,7 @@ void DumpAsOBJPolygon(QString const &fileName, int count, QVector2D const *point
 void DumpAsOBJTriangles(QString const &fileName, int count, QVector2D const *points,
                         QVector<int> const &triangles)
 {
+    const FloatingPointState state;
     QFile file(fileName);
     if (!openForDump(file))
         return;

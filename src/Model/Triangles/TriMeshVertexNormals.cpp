@@ -1,5 +1,6 @@
 #include <OrvModel/TriMeshVertexNormals.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Triangles/VertexNormalSums.h"
 
 #include <cstddef>
@@ -9,6 +10,7 @@ namespace Halvard::Orv {
 void TriMeshVertexNormals(int vertexCount, int indexCount, float const *positions,
                           unsigned int const *indices, float *normals)
 {
+    const FloatingPointState state;
     if (vertexCount <= 0)
         return;
     VertexNormalSums sums(static_cast<unsigned int>(vertexCount), positions, normals);

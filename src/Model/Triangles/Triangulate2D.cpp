@@ -1,5 +1,6 @@
 #include <OrvModel/Triangulate2D.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Triangles/Ears/CornerEvaluation.h"
 #include "Triangles/Ears/EarClipping.h"
 
@@ -42,6 +43,7 @@ bool isDegenerate(QVector2D p0, QVector2D p1, QVector2D p2)
 
 void Triangulate2D(int count, float const *points, QVector<int> &triangles, bool clockwise)
 {
+    const FloatingPointState state;
     static_assert(sizeof(QVector2D) == 2 * sizeof(float), "points are read in place");
     EarClipping clipping;
     clipping.triangulate(count, reinterpret_cast<QVector2D const *>(points), triangles, clockwise);
@@ -49,6 +51,7 @@ void Triangulate2D(int count, float const *points, QVector<int> &triangles, bool
 
 void UpdateVertex(QVector<Vertex> &vertices, QVector2D const *points, int index)
 {
+    const FloatingPointState state;
     evaluateCorner(vertices[index], points, index, [&](const CornerTriangle &triangle) {
         return isBlocked(vertices, points, index, triangle);
     });
@@ -56,6 +59,7 @@ void UpdateVertex(QVector<Vertex> &vertices, QVector2D const *points, int index)
 
 int FindDegenerateTriangle(int count, unsigned int const *indices, float const *points, int start)
 {
+    const FloatingPointState state;
     const auto point = [points](unsigned int index) {
         const float *xy = points + 2 * static_cast<size_t>(index);
         return QVector2D(xy[0], xy[1]);

@@ -1,5 +1,6 @@
 #include <OrvModel/Triangulate3D.h>
 
+#include "Lanes/FloatingPointState.h"
 #include "Triangles/FaceTriangulation.h"
 
 #include <QtGui/QVector3D>
@@ -109,6 +110,7 @@ const QVector<int> &FaceTriangulation::triangulate(int count, int const *indices
 void Triangulate3DImpl(QVector3D const &normal, int count, int const *indices,
                        float const *positions, QVector<int> &triangles)
 {
+    const FloatingPointState state;
     FaceTriangulation face;
     triangles = face.triangulate(normal, count, indices, positions);
 }
@@ -116,6 +118,7 @@ void Triangulate3DImpl(QVector3D const &normal, int count, int const *indices,
 void Triangulate3D(QVector3D const &normal, int count, int const *indices, float const *positions,
                    QVector<unsigned int> &out)
 {
+    const FloatingPointState state;
     FaceTriangulation face;
     appendMapped(face.triangulate(normal, count, indices, positions), indices, out);
 }
@@ -123,12 +126,14 @@ void Triangulate3D(QVector3D const &normal, int count, int const *indices, float
 void Triangulate3D(int count, int const *indices, float const *positions,
                    QVector<unsigned int> &out)
 {
+    const FloatingPointState state;
     Triangulate3D(ringNormal(count, indices, positions), count, indices, positions, out);
 }
 
 void Triangulate3D(QVector3D const &normal, int count, int const *indices, float const *positions,
                    QVector<unsigned short> &out)
 {
+    const FloatingPointState state;
     FaceTriangulation face;
     appendMapped(face.triangulate(normal, count, indices, positions), indices, out);
 }
@@ -136,6 +141,7 @@ void Triangulate3D(QVector3D const &normal, int count, int const *indices, float
 void Triangulate3D(int count, int const *indices, float const *positions,
                    QVector<unsigned short> &out)
 {
+    const FloatingPointState state;
     Triangulate3D(ringNormal(count, indices, positions), count, indices, positions, out);
 }
 
