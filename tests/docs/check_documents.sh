@@ -9,7 +9,8 @@
 #     "#part" to a heading of that document;
 #   * `src/...` and other paths below ROOT that stand in backquotes exist. Records
 #     (docs/records) and the changelog tell of earlier days and may name what has gone;
-#   * docs/architecture.md has a row for each room of src/Model.
+#   * docs/architecture.md has a row for each room of src/Model, and the files that its tables name
+#     are in that room, in src/Model or in tests/Model.
 #
 # Prints one line for each problem, sorted; the exit status is 1 if there is one.
 set -euo pipefail
@@ -79,14 +80,30 @@ check_paths() {
                print number ":" code } }')
 }
 
+# Rows of two tables: "| floor | `ROOM/` | ... | `X.cpp`, ... |" with files of that room, and
+# "| what | `ROOM/X.cpp` ... | `ROOM/XTest.cpp` ... |" with sources and their tests.
 check_rooms() {
-  local room
-  [[ -d src/Model && -f docs/architecture.md ]] || return 0
+  local document=docs/architecture.md room line folder file
+  [[ -d src/Model && -f $document ]] || return 0
   for room in src/Model/*/; do
     room=$(basename "$room")
-    grep -Eq "^\| [0-9] \| \`$room/\` \|" docs/architecture.md ||
-      problems+=("docs/architecture.md: no row for the room src/Model/$room")
+    grep -Eq "^\| [0-9] \| \`$room/\` \|" "$document" ||
+      problems+=("$document: no row for the room src/Model/$room")
   done
+  while IFS=: read -r line folder file; do
+    [[ -e $folder/$file ]] || problems+=("$document:$line: no such file: $folder/$file")
+  done < <(awk -F '|' '
+    function files(folder, cell) {
+      while (match(cell, /`[A-Za-z0-9_\/]+\.(cpp|h)`/)) {
+        print NR ":" folder ":" substr(cell, RSTART + 1, RLENGTH - 2)
+        cell = substr(cell, RSTART + RLENGTH)
+      }
+    }
+    /^\| [0-9] \|/ { room = $3; gsub(/[` ]/, "", room); sub(/\/$/, "", room)
+                    files(room == "src/Model" ? room : "src/Model/" room, $5); next }
+    /^## Where do I find/ { finding = 1; next }
+    /^## / { finding = 0 }
+    finding && /^\|/ { files("src/Model", $3); files("tests/Model", $4) }' "$document")
 }
 
 documents=0

@@ -19,15 +19,19 @@ expect() {
 
 expect "an empty folder" 1 "$work: no documents"
 
-mkdir -p "$work"/{docs/records,src/Model/Lanes,build,.hidden}
-touch "$work/src/Model/Lanes/Lanes.h"
+mkdir -p "$work"/{docs/records,src/Model/Lanes,tests/Model/Lanes,build,.hidden}
+touch "$work/src/Model/Lanes/Lanes.h" "$work/tests/Model/Lanes/LanesTest.cpp"
 cat >"$work/docs/architecture.md" <<'DOCUMENT'
 # Rooms of `src/Model`, and more
-| 1 | `Lanes/` | floats |
+| 1 | `Lanes/` | floats | `Lanes.h` |
 ## See [the list](../README.md): it's short
 [up](../README.md) [to itself](#rooms-of-srcmodel-and-more) [far](https://example.org/none)
 [a link in a heading](#see-the-list-its-short) `[no link](none.md)` and `src/Model/Lanes/Lanes.h`
 `src/Model/ROOM/X.cpp`, `tests/XTest.cpp` and `src/Model/*.h` stand for many.
+
+## Where do I find ...
+| what | source | test |
+| a float | `Lanes/Lanes.h` (`add`) | `Lanes/LanesTest.cpp` |
 
     [in code](none.md)
 
@@ -41,6 +45,8 @@ printf '[gone](none.md)\n' | tee "$work/build/x.md" >"$work/.hidden/x.md"
 expect "a sound repository" 0 "3 documents, nothing missing"
 
 mkdir "$work/src/Model/Attic"
+rm "$work/tests/Model/Lanes/LanesTest.cpp"
+sed -i 's/^| 1 .*/| 1 | `Lanes\/` | floats | `Rows.h` and `Lanes.h` |/' "$work/docs/architecture.md"
 cat >"$work/docs/broken.md" <<'DOCUMENT'
 # Broken
 [a](gone.md) and ![b](images/gone.png), [fine](architecture.md)
@@ -49,6 +55,8 @@ Look into `src/Model/Gone.cpp` or `scripts/gone.sh --now`.
 DOCUMENT
 printf '[e](gone.md)\n' >>"$work/docs/records/old.md"
 expect "a broken one" 1 "docs/architecture.md: no row for the room src/Model/Attic
+docs/architecture.md:10: no such file: tests/Model/Lanes/LanesTest.cpp
+docs/architecture.md:2: no such file: src/Model/Lanes/Rows.h
 docs/broken.md:2: no such file: gone.md
 docs/broken.md:2: no such file: images/gone.png
 docs/broken.md:3: no such heading: #nowhere-either
