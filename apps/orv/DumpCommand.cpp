@@ -77,10 +77,8 @@ void writeAttributes(JSONWriter &json, const DrawBuffers *bundle)
     for (const VertexArrayObject::Attribute &attribute : attributes) {
         json.key(attribute.name);
         json.beginObject();
-        json.key("components");
-        json.value(attribute.components);
-        json.key("type");
-        json.value(attribute.type);
+        json.member("components", attribute.components);
+        json.member("type", attribute.type);
         json.key("values");
         writeValues(json, attribute);
         json.endObject();
@@ -106,20 +104,13 @@ void writeCommands(JSONWriter &json, const GPUModel &model, int bundle)
     int slot = 0;
     for (const DrawElementsIndirectCommand &command : model.bundle(bundle)->commands()) {
         json.beginObject();
-        json.key("count");
-        json.value(command.count);
-        json.key("instanceCount");
-        json.value(command.instanceCount);
-        json.key("firstIndex");
-        json.value(command.firstIndex);
-        json.key("baseVertex");
-        json.value(command.baseVertex);
-        json.key("baseInstance");
-        json.value(command.baseInstance);
-        json.key("material");
-        json.value(model.materialName(bundle, slot));
-        json.key("object");
-        json.value(model.objectName(bundle, slot));
+        json.member("count", command.count);
+        json.member("instanceCount", command.instanceCount);
+        json.member("firstIndex", command.firstIndex);
+        json.member("baseVertex", command.baseVertex);
+        json.member("baseInstance", command.baseInstance);
+        json.member("material", model.materialName(bundle, slot));
+        json.member("object", model.objectName(bundle, slot));
         json.endObject();
         ++slot;
     }
@@ -132,8 +123,7 @@ void writeRecord(JSONWriter &json, const InstanceData &record)
     QStringList members = record.members();
     members.sort();
     json.beginObject();
-    json.key("name");
-    json.value(record.name());
+    json.member("name", record.name());
     json.key("values");
     json.beginObject();
     for (const QString &member : members) {
@@ -141,7 +131,7 @@ void writeRecord(JSONWriter &json, const InstanceData &record)
         if (bytes.isEmpty())
             continue;
         json.key(member);
-        writeNumbers<float>(json, bytes, JSONWriter::oneLine);
+        writeNumbers<float>(json, bytes, JSONWriter::OneLine);
     }
     json.endObject();
     json.key("textures");
@@ -174,16 +164,11 @@ void writeBundle(JSONWriter &json, const GPUModel &model, int index)
 {
     const DrawBuffers &bundle = *model.bundle(index);
     json.beginObject();
-    json.key("key");
-    json.value(quint64(model.key(index)));
-    json.key("primitiveType");
-    json.value(bundle.primitiveType());
-    json.key("vertexCount");
-    json.value(bundle.vertexCount());
-    json.key("indexCount");
-    json.value(bundle.indexCount());
-    json.key("indexType");
-    json.value(bundle.indexType());
+    json.member("key", quint64(model.key(index)));
+    json.member("primitiveType", bundle.primitiveType());
+    json.member("vertexCount", bundle.vertexCount());
+    json.member("indexCount", bundle.indexCount());
+    json.member("indexType", bundle.indexType());
     writeCommands(json, model, index);
     writeRecords(json, "materials", model.materials(index));
     writeRecords(json, "instances", model.instances(index));
@@ -195,10 +180,8 @@ void writeModel(JSONWriter &json, const GPUModel &model)
     // All bundles of one upload share the buffers.
     const DrawBuffers *const first = model.bundle(0);
     json.beginObject();
-    json.key("vertexCount");
-    json.value(first ? first->vertexCount() : 0);
-    json.key("indexType");
-    json.value(first ? first->indexType() : unsigned(GL_UNSIGNED_SHORT));
+    json.member("vertexCount", first ? first->vertexCount() : 0);
+    json.member("indexType", first ? first->indexType() : unsigned(GL_UNSIGNED_SHORT));
     writeIndices(json, first);
     writeAttributes(json, first);
     json.key("bundles");
@@ -222,28 +205,25 @@ ExitStatus dumpCommand(const QStringList &arguments)
     if (const auto status = line.parse(arguments))
         return *status;
     const QString output = line.value(QStringLiteral("output"));
-    QString error;
     if (line.isSet(QStringLiteral("output"))) {
         if (output.isEmpty())
             return line.wrongUsage(QStringLiteral("The output file has no name."));
-        error = OutputFile::obstacle(output);
+        const QString obstacle = OutputFile::obstacle(output);
+        if (!obstacle.isEmpty()) {
+            printError(obstacle);
+            return CannotRun;
+        }
     }
 
     LoadedModel loaded;
-    if (error.isEmpty()) {
-        if (const ExitStatus status = loaded.load(line.model()); status != Fine)
-            return status;
-        if (const auto file = OutputFile::open(output, error)) {
-            const Progress progress(QStringLiteral("writing"));
-            JSONWriter json(file->device());
-            writeModel(json, loaded.model());
-            json.finish();
-            if (file->commit(error))
-                return Fine;
-        }
-    }
-    printError(error);
-    return CannotRun;
+    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
+        return status;
+    return OutputFile::write(output, [&loaded](QIODevice &device) {
+        const Progress progress(QStringLiteral("writing"));
+        JSONWriter json(device);
+        writeModel(json, loaded.model());
+        json.finish();
+    });
 }
 
 } // namespace Halvard::Orv::Cli

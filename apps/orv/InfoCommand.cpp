@@ -15,17 +15,12 @@ namespace {
 
 ExitStatus print(const ModelSummary &summary, bool asJSON)
 {
-    QString error;
-    if (const auto out = OutputFile::open(QString(), error)) {
+    return OutputFile::write(QString(), [&](QIODevice &device) {
         if (asJSON)
-            writeSummaryJSON(out->device(), summary);
+            writeSummaryJSON(device, summary);
         else
-            writeAll(out->device(), summaryText(summary).toLocal8Bit());
-        if (out->commit(error))
-            return Fine;
-    }
-    printError(error);
-    return CannotRun;
+            writeAll(device, summaryText(summary).toLocal8Bit());
+    });
 }
 
 } // namespace

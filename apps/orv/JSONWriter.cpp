@@ -11,11 +11,11 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-constexpr int flushAt = 64 * 1024;
+constexpr int FlushAt = 64 * 1024;
 
 QByteArray quoted(const QString &text)
 {
-    static constexpr char hex[] = "0123456789abcdef";
+    static constexpr char Hex[] = "0123456789abcdef";
     QByteArray result = "\"";
     for (const char byte : text.toUtf8()) {
         if (byte == '"' || byte == '\\') {
@@ -23,8 +23,8 @@ QByteArray quoted(const QString &text)
             result += byte;
         } else if (static_cast<unsigned char>(byte) < 0x20) {
             result += "\\u00";
-            result += hex[byte >> 4];
-            result += hex[byte & 15];
+            result += Hex[byte >> 4];
+            result += Hex[byte & 15];
         } else {
             result += byte;
         }
@@ -36,13 +36,13 @@ QByteArray quoted(const QString &text)
 
 JSONWriter::JSONWriter(QIODevice &device) : _device(device)
 {
-    _pending.reserve(flushAt + 4096);
+    _pending.reserve(FlushAt + 4096);
 }
 
 void JSONWriter::raw(const char *bytes, int size)
 {
     _pending.append(bytes, size);
-    if (_pending.size() >= flushAt)
+    if (_pending.size() >= FlushAt)
         flush();
 }
 
@@ -72,7 +72,7 @@ void JSONWriter::startItem()
     Level &level = _levels.back();
     if (level.count > 0)
         raw(",", 1);
-    if (level.perLine != oneLine && level.count % quint64(level.perLine) == 0)
+    if (level.perLine != OneLine && level.count % quint64(level.perLine) == 0)
         newLine();
     else if (level.count > 0)
         raw(" ", 1);
@@ -90,7 +90,7 @@ void JSONWriter::close(char bracket)
 {
     const Level level = _levels.back();
     _levels.pop_back();
-    if (level.count > 0 && level.perLine != oneLine)
+    if (level.count > 0 && level.perLine != OneLine)
         newLine();
     raw(&bracket, 1);
 }

@@ -28,19 +28,27 @@ class JSONWriter
 {
 public:
     /// `perLine` of beginArray(): the whole array on one line.
-    static constexpr int oneLine = 0;
+    static constexpr int OneLine = 0;
 
     explicit JSONWriter(QIODevice &device);
 
     void beginObject();
     void endObject();
-    /// \param perLine values to a line, at least 1, or `oneLine`. An array within a
+    /// \param perLine values to a line, at least 1, or `OneLine`. An array within a
     ///        one-line array must be one too.
     void beginArray(int perLine = 1);
     void endArray();
     /// The name of the value, object or array that comes next.
     void key(const QString &name);
     void key(const char *ascii);
+
+    /// A key and its value.
+    template <typename Value>
+    void member(const char *ascii, const Value &value)
+    {
+        key(ascii);
+        this->value(value);
+    }
 
     void value(const QString &text);
     void value(bool isTrue);

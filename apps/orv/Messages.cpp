@@ -15,7 +15,7 @@ namespace Halvard::Orv::Cli {
 namespace {
 
 /// So many different texts are held; what comes beyond is only counted.
-constexpr size_t heldAtMost = 1000;
+constexpr size_t HeldAtMost = 1000;
 
 struct Held
 {
@@ -51,7 +51,7 @@ void hold(const QString &text)
     const auto known = s.positions.constFind(text);
     if (known != s.positions.constEnd()) {
         ++s.held[*known].count;
-    } else if (s.held.size() < heldAtMost) {
+    } else if (s.held.size() < HeldAtMost) {
         s.positions.insert(text, s.held.size());
         s.held.push_back({text, 1});
     } else {

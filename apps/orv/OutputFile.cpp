@@ -1,5 +1,7 @@
 #include "OutputFile.h"
 
+#include "CommandLine.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -66,6 +68,18 @@ std::unique_ptr<OutputFile> OutputFile::open(const QString &path, QString &error
         return std::unique_ptr<OutputFile>(new OutputFile(path, std::move(device)));
     error = cannotWrite(path, device->errorString());
     return nullptr;
+}
+
+ExitStatus OutputFile::write(const QString &path, const std::function<void(QIODevice &)> &write)
+{
+    QString error;
+    if (const auto file = open(path, error)) {
+        write(file->device());
+        if (file->commit(error))
+            return Fine;
+    }
+    printError(error);
+    return CannotRun;
 }
 
 QIODevice &OutputFile::device()

@@ -2,8 +2,11 @@
 /// Where results go: a file that is there whole or not at all, or stdout.
 #pragma once
 
+#include "ExitStatus.h"
+
 #include <QtCore/QString>
 
+#include <functional>
 #include <memory>
 
 class QFileDevice;
@@ -23,6 +26,9 @@ public:
     /// Why open() would fail, as far as can be told without trying; empty when it
     /// should not. Asked before long work, not instead of open().
     static QString obstacle(const QString &path);
+
+    /// Opens, has `write` write, and commits. Prints on stderr what goes wrong.
+    static ExitStatus write(const QString &path, const std::function<void(QIODevice &)> &write);
 
     /// Leaves everything as it was, unless commit() came before.
     ~OutputFile();

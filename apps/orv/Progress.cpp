@@ -16,19 +16,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto patience = std::chrono::milliseconds(500);
-constexpr auto framePeriod = std::chrono::milliseconds(100);
+constexpr auto Patience = std::chrono::milliseconds(500);
+constexpr auto FramePeriod = std::chrono::milliseconds(100);
 
 /// A block that runs to and fro.
 std::string barOfFrame(int frame)
 {
-    constexpr int width = 20;
-    constexpr int blockWidth = 4;
-    constexpr int way = width - blockWidth;
-    const int step = frame % (2 * way);
-    const int left = step <= way ? step : 2 * way - step;
-    std::string bar(width, ' ');
-    bar.replace(size_t(left), blockWidth, blockWidth, '=');
+    constexpr int Width = 20;
+    constexpr int BlockWidth = 4;
+    constexpr int Way = Width - BlockWidth;
+    const int step = frame % (2 * Way);
+    const int left = step <= Way ? step : 2 * Way - step;
+    std::string bar(Width, ' ');
+    bar.replace(size_t(left), BlockWidth, BlockWidth, '=');
     return '[' + bar + ']';
 }
 
@@ -57,7 +57,7 @@ void Progress::run()
     const auto start = Clock::now();
     const auto isDone = [this] { return _isDone; };
     std::unique_lock lock(_mutex);
-    if (_wake.wait_for(lock, patience, isDone))
+    if (_wake.wait_for(lock, Patience, isDone))
         return;
     int frame = 0;
     do {
@@ -65,7 +65,7 @@ void Progress::run()
         std::fprintf(stderr, "\r%s %s, %.1f s", barOfFrame(frame++).c_str(), _what.constData(),
                      seconds);
         std::fflush(stderr);
-    } while (!_wake.wait_for(lock, framePeriod, isDone));
+    } while (!_wake.wait_for(lock, FramePeriod, isDone));
     // Back to the start of the line, and the line away.
     std::fputs("\r\033[K", stderr);
     std::fflush(stderr);

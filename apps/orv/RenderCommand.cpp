@@ -22,9 +22,9 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-constexpr int largestSide = 16384;
+constexpr int LargestSide = 16384;
 /// Beyond, the buffers alone take gigabytes.
-constexpr qint64 largestArea = 100'000'000;
+constexpr qint64 LargestArea = 100'000'000;
 
 struct RenderRequest
 {
@@ -43,9 +43,9 @@ std::optional<QSize> parseSize(const QString &text)
     if (!match.hasMatch())
         return {};
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
-    const bool isInRange = size.width() >= 1 && size.width() <= largestSide && size.height() >= 1 &&
-                           size.height() <= largestSide &&
-                           qint64(size.width()) * size.height() <= largestArea;
+    const bool isInRange = size.width() >= 1 && size.width() <= LargestSide && size.height() >= 1 &&
+                           size.height() <= LargestSide &&
+                           qint64(size.width()) * size.height() <= LargestArea;
     return isInRange ? std::optional(size) : std::nullopt;
 }
 
@@ -96,8 +96,8 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
         return QStringLiteral("Invalid size '%1': use WIDTHxHEIGHT, at most %2 each and %3 pixels "
                               "in all.")
             .arg(sizeText)
-            .arg(largestSide)
-            .arg(largestArea);
+            .arg(LargestSide)
+            .arg(LargestArea);
     request.size = *size;
 
     const QString azimuthText = line.value(QStringLiteral("azimuth"));
@@ -160,15 +160,12 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
 {
     QString error;
     const QByteArray bytes = encoded(picture, request, error);
-    if (!bytes.isEmpty()) {
-        if (const auto file = OutputFile::open(request.output, error)) {
-            writeAll(file->device(), bytes);
-            if (file->commit(error))
-                return Fine;
-        }
+    if (bytes.isEmpty()) {
+        printError(error);
+        return CannotRun;
     }
-    printError(error);
-    return CannotRun;
+    return OutputFile::write(request.output,
+                             [&bytes](QIODevice &device) { writeAll(device, bytes); });
 }
 
 } // namespace

@@ -6,24 +6,17 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-template <typename Value>
-void write(JSONWriter &json, const char *key, const Value &value)
-{
-    json.key(key);
-    json.value(value);
-}
-
 void writeFile(JSONWriter &json, const ModelSummary &summary)
 {
     const LoadReport &report = summary.report;
     json.key("file");
     json.beginObject();
-    write(json, "name", summary.fileName);
-    write(json, "bytes", summary.fileBytes);
-    write(json, "positions", report.positions);
-    write(json, "normals", report.normals);
-    write(json, "texCoords", report.texCoords);
-    write(json, "faces", report.faces);
+    json.member("name", summary.fileName);
+    json.member("bytes", summary.fileBytes);
+    json.member("positions", report.positions);
+    json.member("normals", report.normals);
+    json.member("texCoords", report.texCoords);
+    json.member("faces", report.faces);
     json.key("facesByCornerCount");
     json.beginObject();
     for (auto it = report.facesByCornerCount.begin(); it != report.facesByCornerCount.end(); ++it) {
@@ -31,7 +24,7 @@ void writeFile(JSONWriter &json, const ModelSummary &summary)
         json.value(it.value());
     }
     json.endObject();
-    write(json, "corners", report.corners);
+    json.member("corners", report.corners);
     json.endObject();
 }
 
@@ -39,8 +32,8 @@ void writeBytes(JSONWriter &json, const ModelSummary::GPUBytes &bytes)
 {
     json.key("bytes");
     json.beginObject();
-    write(json, "total", bytes.total());
-    write(json, "indices", bytes.indices);
+    json.member("total", bytes.total());
+    json.member("indices", bytes.indices);
     json.key("attributes");
     json.beginObject();
     for (const auto &attribute : bytes.attributes) {
@@ -48,7 +41,7 @@ void writeBytes(JSONWriter &json, const ModelSummary::GPUBytes &bytes)
         json.value(attribute.second);
     }
     json.endObject();
-    write(json, "commands", bytes.commands);
+    json.member("commands", bytes.commands);
     json.endObject();
 }
 
@@ -56,11 +49,11 @@ void writeGPU(JSONWriter &json, const ModelSummary &summary)
 {
     json.key("gpu");
     json.beginObject();
-    write(json, "verticesBeforeWelding", summary.report.gpuVerticesBeforeWelding);
-    write(json, "verticesAfterWelding", summary.report.gpuVertices);
-    write(json, "triangles", summary.triangles);
-    write(json, "bundles", summary.bundles);
-    write(json, "commands", summary.commands);
+    json.member("verticesBeforeWelding", summary.report.gpuVerticesBeforeWelding);
+    json.member("verticesAfterWelding", summary.report.gpuVertices);
+    json.member("triangles", summary.triangles);
+    json.member("bundles", summary.bundles);
+    json.member("commands", summary.commands);
     writeBytes(json, summary.gpuBytes);
     json.endObject();
 }
@@ -71,15 +64,15 @@ void writeMaterials(JSONWriter &json, const ModelSummary &summary)
     json.beginArray();
     for (const ModelSummary::Material &material : summary.materials) {
         json.beginObject();
-        write(json, "name", material.name);
-        write(json, "triangles", material.triangles);
+        json.member("name", material.name);
+        json.member("triangles", material.triangles);
         json.key("textures");
         json.beginObject();
         for (const ModelSummary::Texture &texture : material.textures) {
             json.key(texture.member);
             json.beginObject();
-            write(json, "path", texture.path);
-            write(json, "exists", texture.exists);
+            json.member("path", texture.path);
+            json.member("exists", texture.exists);
             json.endObject();
         }
         json.endObject();
@@ -91,7 +84,7 @@ void writeMaterials(JSONWriter &json, const ModelSummary &summary)
 void writePoint(JSONWriter &json, const char *key, const QVector3D &point)
 {
     json.key(key);
-    json.beginArray(JSONWriter::oneLine);
+    json.beginArray(JSONWriter::OneLine);
     for (int axis = 0; axis < 3; ++axis)
         json.value(point[axis]);
     json.endArray();
@@ -115,13 +108,13 @@ void writeTimes(JSONWriter &json, const ModelSummary &summary)
     const LoadReport::Stages &stages = summary.report.stages;
     json.key("nanoseconds");
     json.beginObject();
-    write(json, "total", summary.nanoseconds);
-    write(json, "read", stages.read);
-    write(json, "weld", stages.weld);
-    write(json, "triangulate", stages.triangulate);
-    write(json, "normals", stages.normals);
-    write(json, "gl", stages.gl);
-    write(json, "other", summary.otherNanoseconds());
+    json.member("total", summary.nanoseconds);
+    json.member("read", stages.read);
+    json.member("weld", stages.weld);
+    json.member("triangulate", stages.triangulate);
+    json.member("normals", stages.normals);
+    json.member("gl", stages.gl);
+    json.member("other", summary.otherNanoseconds());
     json.endObject();
 }
 

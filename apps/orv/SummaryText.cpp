@@ -18,7 +18,7 @@ public:
              const QString &remark = QString())
     {
         const QString shifted = QString(2 * indent, QLatin1Char(' ')) + label;
-        _text += shifted.leftJustified(labelWidth) + value.rightJustified(valueWidth);
+        _text += shifted.leftJustified(LabelWidth) + value.rightJustified(ValueWidth);
         if (!remark.isEmpty())
             _text += QLatin1String("  ") + remark;
         _text += QLatin1Char('\n');
@@ -39,8 +39,8 @@ public:
     const QString &text() const { return _text; }
 
 private:
-    static constexpr int labelWidth = 26;
-    static constexpr int valueWidth = 14;
+    static constexpr int LabelWidth = 26;
+    static constexpr int ValueWidth = 14;
 
     QString _text;
 };
@@ -48,12 +48,12 @@ private:
 void addFaces(Table &table, const LoadReport &report)
 {
     // A mesh has a few; what is beyond is told in one line.
-    constexpr int shownAtMost = 8;
+    constexpr int ShownAtMost = 8;
     table.row(1, QStringLiteral("faces"), qint64(report.faces));
     int shown = 0;
     quint64 rest = 0;
     for (auto it = report.facesByCornerCount.begin(); it != report.facesByCornerCount.end(); ++it) {
-        if (shown++ < shownAtMost)
+        if (shown++ < ShownAtMost)
             table.row(2,
                       it.key() == 1 ? QStringLiteral("of 1 corner")
                                     : QStringLiteral("of %1 corners").arg(it.key()),

@@ -18,7 +18,7 @@ struct Subcommand
     Cli::ExitStatus (*run)(const QStringList &arguments);
 };
 
-constexpr Subcommand subcommands[] = {
+constexpr Subcommand Subcommands[] = {
     {"render", "draw the model into an image file", Cli::renderCommand},
     {"info", "say what is in the model", Cli::infoCommand},
     {"dump", "print the model as it lies on the GPU, as JSON", Cli::dumpCommand},
@@ -33,7 +33,7 @@ QString help()
 {
     QString text = usage();
     text += QStringLiteral("Loads Wavefront OBJ models.\n\nSubcommands:\n");
-    for (const Subcommand &subcommand : subcommands)
+    for (const Subcommand &subcommand : Subcommands)
         text += QStringLiteral("  %1  %2\n")
                     .arg(QLatin1String(subcommand.name), -8)
                     .arg(QLatin1String(subcommand.summary));
@@ -66,7 +66,7 @@ Cli::ExitStatus run(const QStringList &arguments)
         Cli::printOut(QStringLiteral("orv %1\n").arg(ModelVersions::getVersion()));
         return Cli::Fine;
     }
-    for (const Subcommand &subcommand : subcommands) {
+    for (const Subcommand &subcommand : Subcommands) {
         if (first == QLatin1String(subcommand.name))
             return subcommand.run(arguments.mid(2));
     }

@@ -11,11 +11,11 @@ namespace Halvard::Orv::Render {
 namespace {
 
 /// Of the picture's shorter side.
-constexpr double fieldOfViewDegrees = 32;
+constexpr double FieldOfViewDegrees = 32;
 /// The part of the picture, on each side, that framing leaves free.
-constexpr double margin = 0.06;
+constexpr double Margin = 0.06;
 /// From the camera to the nearest vertex at least, in model radii.
-constexpr double minimumDistance = 0.01;
+constexpr double MinimumDistance = 0.01;
 
 double radians(double degrees)
 {
@@ -110,11 +110,11 @@ Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, doubl
     // Below the smallest normal float a model is a point to the GPU.
     const double extent = geometry.bounds.radius();
     const double radius = extent >= double(std::numeric_limits<float>::min()) ? extent : 1;
-    const double slope = std::tan(radians(fieldOfViewDegrees / 2));
+    const double slope = std::tan(radians(FieldOfViewDegrees / 2));
     const double slopeX = slope * std::max(aspect, 1.0);
     const double slopeY = slope * std::max(1 / aspect, 1.0);
-    const double usedX = slopeX * (1 - 2 * margin);
-    const double usedY = slopeY * (1 - 2 * margin);
+    const double usedX = slopeX * (1 - 2 * Margin);
+    const double usedY = slopeY * (1 - 2 * Margin);
 
     const Axes axes = axesOf(angles);
     Reach reach;
@@ -127,7 +127,7 @@ Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, doubl
     const double distanceY = (reach.bottom + reach.top) / (2 * usedY);
     const double x = (reach.right - reach.left) / 2;
     const double y = (reach.top - reach.bottom) / 2;
-    const double z = std::max({distanceX, distanceY, reach.nearest + minimumDistance});
+    const double z = std::max({distanceX, distanceY, reach.nearest + MinimumDistance});
 
     // A little room, lest rounding cuts off the outermost vertices.
     const double nearPlane = (z - reach.nearest) * 0.98;

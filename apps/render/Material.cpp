@@ -14,7 +14,7 @@ namespace Halvard::Orv::Render {
 
 namespace {
 
-constexpr float sharpestShininess = 1000;
+constexpr float SharpestShininess = 1000;
 
 template <size_t Count>
 std::optional<std::array<float, Count>> readFloats(const InstanceData &record, const char *member)
@@ -63,7 +63,7 @@ Material materialFromRecord(const InstanceData &record)
         readColour(record, "Kd").value_or(isTextured ? QVector3D(1, 1, 1) : material.diffuse);
     material.specular = readColour(record, "Ks").value_or(material.specular);
     // Below 1 a highlight would cover the whole model.
-    material.shininess = readNumber(record, "Ns", material.shininess, 1, sharpestShininess);
+    material.shininess = readNumber(record, "Ns", material.shininess, 1, SharpestShininess);
     material.opacity = readNumber(record, "d", material.opacity, 0, 1);
     return material;
 }

@@ -11,8 +11,8 @@ namespace Halvard::Orv::Render {
 QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
                      const RenderOptions &options, QString *error)
 {
-    constexpr int samples = 4;
-    const auto target = OffscreenTarget::create(size, samples, error);
+    constexpr int Samples = 4;
+    const auto target = OffscreenTarget::create(size, Samples, error);
     const auto renderer = target ? Renderer::create(error) : nullptr;
     if (!renderer)
         return {};

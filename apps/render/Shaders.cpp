@@ -4,18 +4,18 @@ namespace Halvard::Orv::Render {
 
 namespace {
 
-constexpr char versionLine[] = "#version 430 core\n";
+constexpr char VersionLine[] = "#version 430 core\n";
 
-constexpr char drawNumber[] = R"(
+constexpr char DrawNumber[] = R"(
 #extension GL_ARB_shader_draw_parameters : require
 #define DRAW_NUMBER uint(gl_DrawIDARB)
 )";
 
-constexpr char noDrawNumber[] = R"(
+constexpr char NoDrawNumber[] = R"(
 #define DRAW_NUMBER 0u
 )";
 
-constexpr char modelVertex[] = R"(
+constexpr char ModelVertex[] = R"(
 in vec3 va_Vertex;
 in vec3 va_Normal;
 in vec2 va_TexCoord;
@@ -69,7 +69,7 @@ void main()
 }
 )";
 
-constexpr char fragmentInputs[] = R"(
+constexpr char FragmentInputs[] = R"(
 in vec3 vPosition;
 in vec3 vNormal;
 in vec3 vModelNormal;
@@ -80,7 +80,7 @@ flat in uint vRecord;
 out vec4 fColour;
 )";
 
-constexpr char surfaceFragment[] = R"(
+constexpr char SurfaceFragment[] = R"(
 struct Material {
     vec4 diffuse;  // and opacity
     vec4 specular; // and shininess
@@ -167,7 +167,7 @@ void main()
 }
 )";
 
-constexpr char normalsFragment[] = R"(
+constexpr char NormalsFragment[] = R"(
 void main()
 {
     if (vInvalid != 0.0)
@@ -178,7 +178,7 @@ void main()
 }
 )";
 
-constexpr char lineFragment[] = R"(
+constexpr char LineFragment[] = R"(
 uniform vec4 uColour;
 
 void main()
@@ -189,7 +189,7 @@ void main()
 }
 )";
 
-constexpr char backgroundVertex[] = R"(
+constexpr char BackgroundVertex[] = R"(
 out float vHeight;
 
 // One triangle that covers the picture.
@@ -201,7 +201,7 @@ void main()
 }
 )";
 
-constexpr char backgroundFragment[] = R"(
+constexpr char BackgroundFragment[] = R"(
 in float vHeight;
 
 uniform vec4 uTop;
@@ -218,39 +218,39 @@ void main()
 
 QByteArray fragmentShader(const char *body)
 {
-    return QByteArray(versionLine) + fragmentInputs + body;
+    return QByteArray(VersionLine) + FragmentInputs + body;
 }
 
 } // namespace
 
 QByteArray modelVertexShader(bool knowsDrawNumber)
 {
-    return QByteArray(versionLine) + (knowsDrawNumber ? drawNumber : noDrawNumber) + modelVertex;
+    return QByteArray(VersionLine) + (knowsDrawNumber ? DrawNumber : NoDrawNumber) + ModelVertex;
 }
 
 QByteArray surfaceFragmentShader()
 {
-    return fragmentShader(surfaceFragment);
+    return fragmentShader(SurfaceFragment);
 }
 
 QByteArray normalsFragmentShader()
 {
-    return fragmentShader(normalsFragment);
+    return fragmentShader(NormalsFragment);
 }
 
 QByteArray lineFragmentShader()
 {
-    return fragmentShader(lineFragment);
+    return fragmentShader(LineFragment);
 }
 
 QByteArray backgroundVertexShader()
 {
-    return QByteArray(versionLine) + backgroundVertex;
+    return QByteArray(VersionLine) + BackgroundVertex;
 }
 
 QByteArray backgroundFragmentShader()
 {
-    return QByteArray(versionLine) + backgroundFragment;
+    return QByteArray(VersionLine) + BackgroundFragment;
 }
 
 } // namespace Halvard::Orv::Render

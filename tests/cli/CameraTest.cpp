@@ -32,11 +32,11 @@ QVector3D projected(const Camera &camera, const QVector3D &point)
 
 TEST(CameraTest, EverythingIsInsideAndTouchesTheMargins)
 {
-    constexpr unsigned seed = 4711;
-    std::mt19937 random(seed);
+    constexpr unsigned Seed = 4711;
+    std::mt19937 random(Seed);
     std::uniform_real_distribution<float> part(-1, 1);
     for (int round = 0; round < 200; ++round) {
-        SCOPED_TRACE(testing::Message() << "seed " << seed << ", round " << round);
+        SCOPED_TRACE(testing::Message() << "seed " << Seed << ", round " << round);
         const QVector3D extent(std::pow(10.0f, part(random)), std::pow(10.0f, part(random)),
                                std::pow(10.0f, part(random)));
         std::vector<QVector3D> points;

@@ -48,7 +48,7 @@ TEST(JSONWriterTest, IndentsObjectsAndArrays)
             json.value(i);
         json.endArray();
         json.key("line");
-        json.beginArray(JSONWriter::oneLine);
+        json.beginArray(JSONWriter::OneLine);
         json.value(true);
         json.value(false);
         json.null();
@@ -104,16 +104,16 @@ TEST(JSONWriterTest, StringsAreEscaped)
 
 TEST(JSONWriterTest, LongDocumentsComeOutWhole)
 {
-    constexpr int count = 100000;
+    constexpr int Count = 100000;
     const std::string text = written([](JSONWriter &json) {
         json.beginArray(7);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < Count; ++i)
             json.value(i);
         json.endArray();
     });
     const QJsonArray numbers = QJsonDocument::fromJson(QByteArray::fromStdString(text)).array();
-    ASSERT_EQ(numbers.size(), count);
-    for (int i = 0; i < count; ++i)
+    ASSERT_EQ(numbers.size(), Count);
+    for (int i = 0; i < Count; ++i)
         ASSERT_EQ(numbers[i].toInt(-1), i);
 }
 

@@ -128,8 +128,8 @@ TEST_F(LightingTest, EveryCommandOfABundleHasItsMaterial)
 {
     QByteArray library;
     QByteArray model = "mtllib m.mtl\n";
-    constexpr int count = 8;
-    for (int i = 0; i < count; ++i) {
+    constexpr int Count = 8;
+    for (int i = 0; i < Count; ++i) {
         const QByteArray number = QByteArray::number(i);
         // Each a colour of the cube's corners.
         library += "newmtl m" + number + "\nKd " + (i & 1 ? "1 " : "0 ") + (i & 2 ? "1 " : "0 ") +
@@ -142,9 +142,9 @@ TEST_F(LightingTest, EveryCommandOfABundleHasItsMaterial)
     files.write(QStringLiteral("m.mtl"), library);
     size = {160, 40};
     const QImage picture = draw(model);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Count; ++i) {
         // The strip reaches from 6 to 94 percent.
-        const QColor colour = at(picture, 0.06 + 0.88 * (i + 0.5) / count, 0.5);
+        const QColor colour = at(picture, 0.06 + 0.88 * (i + 0.5) / Count, 0.5);
         EXPECT_EQ(colour.red() > 100, bool(i & 1)) << i;
         EXPECT_EQ(colour.green() > 100, bool(i & 2)) << i;
         EXPECT_EQ(colour.blue() > 100, bool(i & 4)) << i;

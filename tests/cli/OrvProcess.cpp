@@ -13,7 +13,7 @@ namespace {
 OrvRun runProgram(const QString &program, const QStringList &arguments,
                   const QStringList &environment)
 {
-    constexpr int patienceMs = 60 * 1000;
+    constexpr int PatienceMs = 60 * 1000;
     QProcess process;
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     for (const QString &variable : environment)
@@ -22,7 +22,7 @@ OrvRun runProgram(const QString &program, const QStringList &arguments,
     process.setProcessEnvironment(variables);
     process.start(program, arguments);
     OrvRun run;
-    if (!process.waitForFinished(patienceMs)) {
+    if (!process.waitForFinished(PatienceMs)) {
         ADD_FAILURE() << program.toStdString() << ' '
                       << arguments.join(QLatin1Char(' ')).toStdString() << ": "
                       << process.errorString().toStdString();

@@ -22,7 +22,7 @@ using namespace OrvTest;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr int patienceMs = 60 * 1000;
+constexpr int PatienceMs = 60 * 1000;
 
 /// A terminal that nobody sits at.
 class Terminal
@@ -61,7 +61,7 @@ public:
         QElapsedTimer timer;
         timer.start();
         QByteArray text;
-        while (!text.contains(part) && timer.elapsed() < patienceMs)
+        while (!text.contains(part) && timer.elapsed() < PatienceMs)
             text += read(100);
         return text;
     }
@@ -97,7 +97,7 @@ protected:
     void finish()
     {
         ASSERT_EQ(fcntl(_leased, F_SETLEASE, F_UNLCK), 0);
-        ASSERT_TRUE(_process.waitForFinished(patienceMs));
+        ASSERT_TRUE(_process.waitForFinished(PatienceMs));
         EXPECT_EQ(_process.exitCode(), 0);
         EXPECT_THAT(_process.readAllStandardOutput().toStdString(), HasSubstr("triangles"));
     }

@@ -16,7 +16,7 @@ struct Layout
 
 // By number of InstanceDataPlan::DataType. A scalar of N bytes is aligned to N, a vector of two to
 // 2N, of three and of four to 4N; a matrix is an array of its columns.
-constexpr Layout layouts[] = {
+constexpr Layout Layouts[] = {
     {4, 4},                                 // Texture: an unsigned integer
     {4, 4},   {8, 8},   {12, 16}, {16, 16}, // Int, IVec2 ... IVec4
     {4, 4},   {8, 8},   {12, 16}, {16, 16}, // UInt, UVec2 ... UVec4
@@ -25,12 +25,12 @@ constexpr Layout layouts[] = {
     {64, 16},                               // Mat4: four columns of four
 };
 
-constexpr int typeCount = sizeof(layouts) / sizeof(layouts[0]);
-static_assert(typeCount == InstanceDataPlan::Mat4 + 1, "one layout per type");
+constexpr int TypeCount = sizeof(Layouts) / sizeof(Layouts[0]);
+static_assert(TypeCount == InstanceDataPlan::Mat4 + 1, "one layout per type");
 
 bool isType(InstanceDataPlan::DataType type)
 {
-    return static_cast<unsigned int>(type) < static_cast<unsigned int>(typeCount);
+    return static_cast<unsigned int>(type) < static_cast<unsigned int>(TypeCount);
 }
 
 int roundedUp(int value, int alignment)
@@ -62,12 +62,12 @@ int InstanceDataPlan::stride() const
 
 int InstanceDataPlan::sizeOf(DataType type)
 {
-    return isType(type) ? layouts[type].size : 0;
+    return isType(type) ? Layouts[type].size : 0;
 }
 
 int InstanceDataPlan::alignmentOf(DataType type)
 {
-    return isType(type) ? layouts[type].alignment : 1;
+    return isType(type) ? Layouts[type].alignment : 1;
 }
 
 } // namespace Halvard::Orv

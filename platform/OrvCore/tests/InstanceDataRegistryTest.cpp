@@ -68,23 +68,23 @@ TEST(InstanceDataRegistry, IgnoresANullPlan)
 
 TEST(InstanceDataRegistry, ServesSeveralThreadsAtOnce)
 {
-    constexpr int threadCount = 4;
-    constexpr int plansPerThread = 100;
+    constexpr int ThreadCount = 4;
+    constexpr int PlansPerThread = 100;
     const QString name = QStringLiteral("registry, threads");
-    std::vector<const InstanceDataPlan *> seen(threadCount * plansPerThread, nullptr);
+    std::vector<const InstanceDataPlan *> seen(ThreadCount * PlansPerThread, nullptr);
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < threadCount; ++thread) {
+    for (int thread = 0; thread < ThreadCount; ++thread) {
         threads.emplace_back([thread, name, &seen] {
-            for (int i = 0; i < plansPerThread; ++i) {
+            for (int i = 0; i < PlansPerThread; ++i) {
                 registered(name);
-                seen[static_cast<size_t>(thread * plansPerThread + i)] =
+                seen[static_cast<size_t>(thread * PlansPerThread + i)] =
                     InstanceDataRegistry::Instance().plan(name);
             }
         });
     }
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(InstanceDataRegistry::Instance().planCount(name), threadCount * plansPerThread);
+    EXPECT_EQ(InstanceDataRegistry::Instance().planCount(name), ThreadCount * PlansPerThread);
     const std::set<const InstanceDataPlan *> answers(seen.begin(), seen.end());
     EXPECT_EQ(answers.size(), 1u) << "the answer changed";
     EXPECT_EQ(answers.count(nullptr), 0u);

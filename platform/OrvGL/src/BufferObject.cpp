@@ -158,8 +158,8 @@ void BufferObject::uploadArbitraryData(const void *data, int count, unsigned int
     if (count < 0)
         qWarning("BufferObject::upload: %d elements taken as none", count);
     const auto elements = static_cast<unsigned long>(count > 0 ? count : 0);
-    constexpr auto mostBytes = static_cast<unsigned long>(std::numeric_limits<GLsizeiptr>::max());
-    if (elements > 0 && elementSize > mostBytes / elements) {
+    constexpr auto MostBytes = static_cast<unsigned long>(std::numeric_limits<GLsizeiptr>::max());
+    if (elements > 0 && elementSize > MostBytes / elements) {
         qWarning("BufferObject::upload: %lu elements of %lu bytes are more than OpenGL can count",
                  elements, elementSize);
         return;

@@ -1,3 +1,5 @@
+/// \file
+/// A mark by which a context is recognised.
 #pragma once
 
 #include <OrvGL/OpenGLFunctions.h>

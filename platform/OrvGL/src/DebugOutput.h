@@ -1,3 +1,5 @@
+/// \file
+/// What the driver says, as messages.
 #pragma once
 
 namespace Halvard::Orv {

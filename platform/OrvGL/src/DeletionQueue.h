@@ -1,3 +1,5 @@
+/// \file
+/// Objects to delete once a context that knows them is current.
 #pragma once
 
 #include <OrvGL/OpenGLFunctions.h>

@@ -13,7 +13,7 @@ namespace Halvard::Orv {
 
 namespace {
 
-constexpr auto commandSize = static_cast<qint64>(sizeof(DrawElementsIndirectCommand));
+constexpr auto CommandSize = static_cast<qint64>(sizeof(DrawElementsIndirectCommand));
 
 // Bytes of one index; 0 when `type` is no index type.
 int indexSizeOf(GLenum type)
@@ -136,7 +136,7 @@ bool DrawBuffers::draw(unsigned int program, int firstCommand, int commandCount)
     glBindBuffer(GL_DRAW_INDIRECT_BUFFER, _commandBuffer->id());
     // OpenGL takes an offset into the bound buffer in the guise of an address.
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
-    const auto *const start = reinterpret_cast<const void *>(firstCommand * commandSize);
+    const auto *const start = reinterpret_cast<const void *>(firstCommand * CommandSize);
     glMultiDrawElementsIndirect(_primitiveType, _indexType, start, commandCount, 0);
     glBindBuffer(GL_DRAW_INDIRECT_BUFFER, 0);
     _vao->release();

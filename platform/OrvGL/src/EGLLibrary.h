@@ -1,3 +1,5 @@
+/// \file
+/// The functions of EGL, where the system has them.
 #pragma once
 
 // For the types and enumerants only. libepoxy's own EGL functions end the process where the library

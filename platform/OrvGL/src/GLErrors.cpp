@@ -38,9 +38,9 @@ const char *nameOf(GLenum error)
 bool reportGLErrors(const QString &when)
 {
     // One flag per kind of error at most; a lost context answers forever.
-    constexpr int mostFlags = 8;
+    constexpr int MostFlags = 8;
     bool any = false;
-    for (int i = 0; i < mostFlags; ++i) {
+    for (int i = 0; i < MostFlags; ++i) {
         const GLenum error = glGetError();
         if (error == GL_NO_ERROR)
             break;

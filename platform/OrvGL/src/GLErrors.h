@@ -1,3 +1,5 @@
+/// \file
+/// Error flags as warnings.
 #pragma once
 
 class QString;

@@ -35,7 +35,7 @@ struct HeadlessContext::Private
 
 namespace {
 
-constexpr int neededVersion = 43;
+constexpr int NeededVersion = 43;
 
 // Puts back what was current on the thread, and the API that EGL calls of the thread are about.
 class CurrentEGLKeeper
@@ -127,9 +127,9 @@ EGLConfig chooseConfig(const EGLLibrary &egl, EGLDisplay display)
 EGLContext createCoreContext(const EGLLibrary &egl, EGLDisplay display, EGLConfig config,
                              EGLContext shareWith)
 {
-    for (EGLint minor = 6; minor >= neededVersion % 10; --minor) {
+    for (EGLint minor = 6; minor >= NeededVersion % 10; --minor) {
         const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                 neededVersion / 10,
+                                 NeededVersion / 10,
                                  EGL_CONTEXT_MINOR_VERSION,
                                  minor,
                                  EGL_CONTEXT_OPENGL_PROFILE_MASK,
@@ -152,8 +152,8 @@ QString advice(const QStringList &failures)
 {
     return QStringLiteral("No OpenGL %1.%2 context can be made: %3. Install a driver; libegl1, "
                           "libegl-mesa0, libgl1 and libgl1-mesa-dri make a software one.")
-        .arg(neededVersion / 10)
-        .arg(neededVersion % 10)
+        .arg(NeededVersion / 10)
+        .arg(NeededVersion % 10)
         .arg(failures.join(QStringLiteral("; ")));
 }
 
@@ -204,7 +204,7 @@ HeadlessContext::open(EGLDisplay display, const Private *shareWith, QString *fai
     if (!egl.makeCurrent(d->display, d->surface, d->surface, d->context))
         return fail(egl.failure("eglMakeCurrent"));
     const QSharedPointer<OpenGLDeviceContext> context = OpenGLDeviceContext::current();
-    if (!context || context->version() < neededVersion)
+    if (!context || context->version() < NeededVersion)
         return fail(QStringLiteral("the driver gives OpenGL %1 only")
                         .arg(context ? context->description() : QString()));
     d->description = context->description();

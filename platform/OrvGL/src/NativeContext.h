@@ -1,3 +1,5 @@
+/// \file
+/// The context that is current on a thread, whoever made it.
 #pragma once
 
 namespace Halvard::Orv {

@@ -1,3 +1,5 @@
+/// \file
+/// What a device context keeps to itself.
 #pragma once
 
 #include <OrvGL/OpenGLDeviceContext.h>

@@ -1,3 +1,5 @@
+/// \file
+/// Contexts that share objects.
 #pragma once
 
 #include "ContextMark.h"

@@ -23,16 +23,16 @@ public:
     {
         glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &_buffer);
         glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
-        for (size_t i = 0; i < modes.size(); ++i) {
-            glGetIntegerv(modes[i], &_values[i]);
-            glPixelStorei(modes[i], 0);
+        for (size_t i = 0; i < Modes.size(); ++i) {
+            glGetIntegerv(Modes[i], &_values[i]);
+            glPixelStorei(Modes[i], 0);
         }
     }
 
     ~PlainUnpackState()
     {
-        for (size_t i = 0; i < modes.size(); ++i)
-            glPixelStorei(modes[i], _values[i]);
+        for (size_t i = 0; i < Modes.size(); ++i)
+            glPixelStorei(Modes[i], _values[i]);
         glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(_buffer));
     }
 
@@ -40,7 +40,7 @@ public:
     PlainUnpackState &operator=(const PlainUnpackState &) = delete;
 
 private:
-    static constexpr std::array<GLenum, 2> modes = {GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS};
+    static constexpr std::array<GLenum, 2> Modes = {GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS};
     std::array<GLint, 2> _values{};
     GLint _buffer = 0;
 };

@@ -13,7 +13,7 @@ namespace Halvard::Orv {
 
 namespace {
 
-constexpr int mostComponents = 4; // of one attribute location
+constexpr int MostComponents = 4; // of one attribute location
 
 // How a shader takes the values of an attribute.
 enum class Reading
@@ -82,7 +82,7 @@ bool connect(GLuint location, Reading reading, const VertexArrayObject::Attribut
 
 bool hasDrawableSize(int components)
 {
-    return components >= 1 && components <= mostComponents;
+    return components >= 1 && components <= MostComponents;
 }
 
 struct ShaderAttribute

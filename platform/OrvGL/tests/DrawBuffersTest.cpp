@@ -148,22 +148,22 @@ TEST_F(DrawBuffersTest, GivesBackWhatWasSet)
 TEST_F(DrawBuffersTest, DrawsEachCommandWithItsNumber)
 {
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
-    EXPECT_THAT(columnsSeen(), ElementsAre(red, green, blue));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Red, Green, Blue));
 }
 
 TEST_F(DrawBuffersTest, DrawsARunAndNumbersItFromZero)
 {
     EXPECT_TRUE(_draw.draw(_program, 1, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, red, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Red, Black));
     _canvas->clear();
     EXPECT_TRUE(_draw.draw(_program, 1, 2));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, red, green));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Red, Green));
 }
 
 TEST_F(DrawBuffersTest, DrawsNothingForARunOfNone)
 {
     EXPECT_TRUE(_draw.draw(_program, 3, 0));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, black, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Black, Black));
 }
 
 TEST_F(DrawBuffersTest, ReadsIndicesOfEverySize)
@@ -173,17 +173,17 @@ TEST_F(DrawBuffersTest, ReadsIndicesOfEverySize)
     setCommands({{6, 1, 0, 0, 0}});
     _draw.setIndexedDraw(shorts, 6, GL_UNSIGNED_SHORT);
     EXPECT_TRUE(_draw.draw(_program, 0, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, red, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Red, Black));
     _draw.setIndexedDraw(bytes, 6, GL_UNSIGNED_BYTE);
     EXPECT_TRUE(_draw.draw(_program, 0, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, red, red));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Red, Red));
 }
 
 TEST_F(DrawBuffersTest, AddsTheBaseVertex)
 {
     setCommands({{6, 1, 0, 2, 0}}); // the first column's indices, two vertices further
     EXPECT_TRUE(_draw.draw(_program, 0, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, black, red));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Black, Red));
 }
 
 TEST_F(DrawBuffersTest, DrawsNewCommandsAfterOldOnes)
@@ -192,7 +192,7 @@ TEST_F(DrawBuffersTest, DrawsNewCommandsAfterOldOnes)
     _canvas->clear();
     setCommands({{6, 1, 12, 0, 0}});
     EXPECT_TRUE(_draw.draw(_program, 0, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, black, red));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Black, Red));
 }
 
 TEST_F(DrawBuffersTest, DrawsOtherPrimitives)
@@ -203,7 +203,7 @@ TEST_F(DrawBuffersTest, DrawsOtherPrimitives)
     _vao->registerBO(QStringLiteral("va_Vertex"), middle, 2, GL_FLOAT);
     setCommands({{1, 1, 0, 0, 0}});
     EXPECT_TRUE(_draw.draw(_program, 0, 1));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, red, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Red, Black));
 }
 
 TEST_F(DrawBuffersTest, LeavesTheProgramInUseAndNothingElseBound)
@@ -222,7 +222,7 @@ TEST_F(DrawBuffersTest, EmptiesCommandsThatReachBeyondTheIndices)
         {3, 1, 0xffffffff, 0, 0}, {6, 1, 6, 0, 0}, {7, 1, 12, 0, 0}};
     setCommands(commands);
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, green, black)) << "and keeps their numbers";
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Green, Black)) << "and keeps their numbers";
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
     EXPECT_THAT(log.texts(QtWarningMsg),
                 ElementsAre("DrawBuffers: 2 of 3 commands reach beyond the 18 indices there are, "
@@ -240,7 +240,7 @@ TEST_F(DrawBuffersTest, HoldsCommandsAgainstWhatTheBufferReallyHolds)
     const unsigned first[] = {0, 1, 5, 0, 5, 4};
     buffer->uploadGLuintData(first, 6, GL_STATIC_DRAW);
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
-    EXPECT_THAT(columnsSeen(), ElementsAre(red, black, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Red, Black, Black));
     EXPECT_THAT(log.texts(QtWarningMsg),
                 ElementsAre("DrawBuffers: 2 of 3 commands reach beyond the 6 indices there are, "
                             "and are not drawn"));
@@ -287,7 +287,7 @@ TEST_F(DrawBuffersTest, SaysOnceWhyNothingIsDrawn)
         EXPECT_THAT(log.texts(QtWarningMsg),
                     ElementsAre("DrawBuffers: nothing is drawn: " + refusal.reason));
     }
-    EXPECT_THAT(columnsSeen(), ElementsAre(black, black, black));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Black, Black, Black));
 }
 
 TEST_F(DrawBuffersTest, RefusesAProgramThatIsNotLinked)
@@ -321,7 +321,7 @@ TEST_F(DrawBuffersTest, RefusesBuffersOfAnotherContext)
                                                      "buffer is of another OpenGL context"));
     ASSERT_TRUE(_context->makeCurrent());
     EXPECT_TRUE(_draw.draw(_program, 0, 3));
-    EXPECT_THAT(columnsSeen(), ElementsAre(red, green, blue));
+    EXPECT_THAT(columnsSeen(), ElementsAre(Red, Green, Blue));
 }
 
 TEST(DrawBuffers, DrawsNothingWithoutAContext)

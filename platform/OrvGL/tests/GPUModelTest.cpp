@@ -270,10 +270,10 @@ TEST_F(GPUModelDrawTest, DrawsEveryCommandOfEveryBundleWithItsMaterial)
     glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, buffer->id());
 
     EXPECT_TRUE(model.draw(_program));
-    EXPECT_EQ(_canvas->pixel(0, 0), red);
-    EXPECT_EQ(_canvas->pixel(1, 0), green);
-    EXPECT_EQ(_canvas->pixel(0, 1), red);
-    EXPECT_EQ(_canvas->pixel(1, 1), green);
+    EXPECT_EQ(_canvas->pixel(0, 0), Red);
+    EXPECT_EQ(_canvas->pixel(1, 0), Green);
+    EXPECT_EQ(_canvas->pixel(0, 1), Red);
+    EXPECT_EQ(_canvas->pixel(1, 1), Green);
 }
 
 TEST_F(GPUModelDrawTest, DrawsTheOtherBundlesWhereOneCannotBeDrawn)
@@ -288,8 +288,8 @@ TEST_F(GPUModelDrawTest, DrawsTheOtherBundlesWhereOneCannotBeDrawn)
     model.add(makeHalf(0), 1, nullptr, nullptr, 1);
     const MessageCapture log;
     EXPECT_FALSE(model.draw(_program));
-    EXPECT_EQ(_canvas->pixel(0, 0), black);
-    EXPECT_EQ(_canvas->pixel(0, 1), white);
+    EXPECT_EQ(_canvas->pixel(0, 0), Black);
+    EXPECT_EQ(_canvas->pixel(0, 1), White);
     EXPECT_THAT(log.texts(QtWarningMsg),
                 ElementsAre("DrawBuffers: nothing is drawn: there are no vertex attributes"));
 }
@@ -297,7 +297,7 @@ TEST_F(GPUModelDrawTest, DrawsTheOtherBundlesWhereOneCannotBeDrawn)
 TEST_F(GPUModelDrawTest, AnEmptyModelDrawsNothing)
 {
     EXPECT_TRUE(GPUModel().draw(_program));
-    EXPECT_EQ(_canvas->pixel(0, 0), black);
+    EXPECT_EQ(_canvas->pixel(0, 0), Black);
 }
 
 TEST_F(GPUModelDrawTest, AModelMayOutliveItsContext)

@@ -107,10 +107,10 @@ TEST(HeadlessContext, WorksOneAfterAnother)
 
 TEST(HeadlessContext, WorksOnSeveralThreadsAtOnce)
 {
-    constexpr int threadCount = 4;
+    constexpr int ThreadCount = 4;
     std::atomic<int> sound{0};
     std::vector<std::thread> threads;
-    for (int i = 0; i < threadCount; ++i) {
+    for (int i = 0; i < ThreadCount; ++i) {
         threads.emplace_back([i, &sound] {
             const auto context = makeContext();
             if (!context || !context->makeCurrent())
@@ -122,7 +122,7 @@ TEST(HeadlessContext, WorksOnSeveralThreadsAtOnce)
     }
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(sound, threadCount);
+    EXPECT_EQ(sound, ThreadCount);
 }
 
 TEST(HeadlessContext, IsCurrentOnOneThreadAtATime)

@@ -101,9 +101,9 @@ TEST_F(InstanceDataLayoutTest, IsTheDriversForEveryTypeBehindAFloat)
 
 TEST_F(InstanceDataLayoutTest, IsTheDriversForRandomRecords)
 {
-    constexpr unsigned seed = 20220607;
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    constexpr unsigned Seed = 20220607;
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    std::mt19937 random(Seed);
     for (int round = 0; round < 20; ++round) {
         Plan plan(QStringLiteral("Plan"));
         const int count = 1 + static_cast<int>(random() % 9);

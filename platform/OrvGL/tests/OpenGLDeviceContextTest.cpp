@@ -117,9 +117,9 @@ TEST(OpenGLDeviceContext, IsNotMistakenForADestroyedOneWithTheSameHandle)
         QSharedPointer<OpenGLDeviceContext> device;
         QSharedPointer<BufferObject> buffer;
     };
-    constexpr int attempts = 200;
+    constexpr int Attempts = 200;
     std::map<EGLContext, Gone> gone;
-    for (int i = 0; i < attempts; ++i) {
+    for (int i = 0; i < Attempts; ++i) {
         const auto context = ForeignContext::make();
         ASSERT_TRUE(context && context->makeCurrent());
         const auto device = OpenGLDeviceContext::current();
@@ -138,9 +138,9 @@ TEST(OpenGLDeviceContext, IsNotMistakenForADestroyedOneWithTheSameHandle)
 // An OpenGL ES context carries no mark.
 TEST(OpenGLDeviceContext, IsNotMistakenForADestroyedOneOfOpenGLES)
 {
-    constexpr int attempts = 200;
+    constexpr int Attempts = 200;
     std::set<EGLContext> gone;
-    for (int i = 0; i < attempts; ++i) {
+    for (int i = 0; i < Attempts; ++i) {
         {
             const auto es = ForeignContext::make(ForeignContext::Kind::OpenGLES);
             ASSERT_TRUE(es && es->makeCurrent() && OpenGLDeviceContext::current());

@@ -108,7 +108,7 @@ TEST_F(SharedContextTest, DrawsWhatWasMadeOnAnotherThread)
     ASSERT_TRUE(draw);
     Canvas canvas(2, 2);
     EXPECT_TRUE(draw->draw(linkProgram(whiteTriangle, showColour), 0, 1));
-    EXPECT_EQ(canvas.pixel(1, 1), white);
+    EXPECT_EQ(canvas.pixel(1, 1), White);
 }
 
 TEST_F(SharedContextTest, DrawsOneBundleInBothInTurn)
@@ -119,7 +119,7 @@ TEST_F(SharedContextTest, DrawsOneBundleInBothInTurn)
         ASSERT_TRUE(context->makeCurrent());
         Canvas canvas(2, 2);
         EXPECT_TRUE(draw->draw(program, 0, 1));
-        EXPECT_EQ(canvas.pixel(1, 1), white);
+        EXPECT_EQ(canvas.pixel(1, 1), White);
         EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
     }
 }

@@ -78,8 +78,8 @@ TEST_F(VertexArrayObjectTest, FeedsFloatsOneVertexAfterTheOther)
 {
     registerValues<float>("va", {1, 0, 0, 0, 1, 0}, 3, GL_FLOAT);
     const GLuint program = showing("in vec3 va", "vec4(va, 1)");
-    EXPECT_EQ(drawn(program, 0), red);
-    EXPECT_EQ(drawn(program, 1), green);
+    EXPECT_EQ(drawn(program, 0), Red);
+    EXPECT_EQ(drawn(program, 1), Green);
 }
 
 TEST_F(VertexArrayObjectTest, FeedsIntegersToFloatsAsTheNumbersTheyAre)
@@ -93,18 +93,18 @@ TEST_F(VertexArrayObjectTest, FeedsIntegersToIntegersWithoutLoss)
     // As a float, 2^24 + 1 would be 2^24.
     registerValues<unsigned int>("va", {16777217}, 1, GL_UNSIGNED_INT);
     EXPECT_EQ(drawn(showing("in uint va", "va == 16777217u ? vec4(0, 1, 0, 1) : vec4(1, 0, 0, 1)")),
-              green);
+              Green);
     registerValues<short>("va", {-5, 7}, 2, GL_SHORT);
     EXPECT_EQ(
         drawn(showing("in ivec2 va", "va == ivec2(-5, 7) ? vec4(0, 1, 0, 1) : vec4(1, 0, 0, 1)")),
-        green);
+        Green);
 }
 
 TEST_F(VertexArrayObjectTest, FeedsDoublesWithoutLoss)
 {
     registerValues<double>("va", {1.0 + 0x1p-40}, 1, GL_DOUBLE);
     EXPECT_EQ(drawn(showing("in double va", "va > 1.0lf ? vec4(0, 1, 0, 1) : vec4(1, 0, 0, 1)")),
-              green);
+              Green);
 }
 
 TEST_F(VertexArrayObjectTest, ServesProgramsThatPlaceAttributesDifferently)
@@ -117,16 +117,16 @@ TEST_F(VertexArrayObjectTest, ServesProgramsThatPlaceAttributesDifferently)
     const GLuint high = showing("layout(location = 5) in vec3 first;"
                                 "layout(location = 0) in vec3 second",
                                 "vec4(first + second, 1)");
-    EXPECT_EQ(drawn(low), red);
+    EXPECT_EQ(drawn(low), Red);
     EXPECT_EQ(drawn(high), qRgb(255, 0, 255));
-    EXPECT_EQ(drawn(low), red);
+    EXPECT_EQ(drawn(low), Red);
 }
 
 TEST_F(VertexArrayObjectTest, SkipsAttributesThatTheProgramLacks)
 {
     registerValues<float>("va", {0, 1, 0}, 3, GL_FLOAT);
     registerValues<float>("va_Normal", {1, 1, 1}, 3, GL_FLOAT);
-    EXPECT_EQ(drawn(showing("in vec3 va", "vec4(va, 1)")), green);
+    EXPECT_EQ(drawn(showing("in vec3 va", "vec4(va, 1)")), Green);
 }
 
 TEST_F(VertexArrayObjectTest, CutsConnectionsThatTheNextProgramDoesNotUse)
@@ -146,16 +146,16 @@ TEST_F(VertexArrayObjectTest, LeavesWithoutValuesWhatCannotBeFed)
     const MessageCapture log;
     const GLuint floats = showing("layout(location = 3) in vec4 va", "va");
     glVertexAttrib4f(3, 0, 0, 1, 1);
-    EXPECT_EQ(drawn(floats), blue) << "not registered";
+    EXPECT_EQ(drawn(floats), Blue) << "not registered";
     _vao.registerBO(QStringLiteral("va"), {}, 3, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), blue) << "null buffer";
+    EXPECT_EQ(drawn(floats), Blue) << "null buffer";
     _vao.registerBO(QStringLiteral("va"), _device->createBufferObject(), 3, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), blue) << "empty buffer";
+    EXPECT_EQ(drawn(floats), Blue) << "empty buffer";
     registerValues<float>("va", {1, 1, 1}, 3, GL_TRIANGLES);
-    EXPECT_EQ(drawn(floats), blue) << "unknown type";
+    EXPECT_EQ(drawn(floats), Blue) << "unknown type";
     EXPECT_THAT(log.messages(), IsEmpty());
     registerValues<float>("va", {1, 1, 1, 1, 1}, 5, GL_FLOAT);
-    EXPECT_EQ(drawn(floats), blue) << "too many components";
+    EXPECT_EQ(drawn(floats), Blue) << "too many components";
     EXPECT_THAT(
         log.texts(QtWarningMsg),
         ElementsAre("VertexArrayObject: attribute \"va\" has 5 values per vertex, cannot be "

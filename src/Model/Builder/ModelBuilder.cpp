@@ -2,25 +2,13 @@
 
 #include <OrvModel/InstanceDataPlans.h>
 
+#include "Materials/PlanRegistration.h"
+
 #include <OrvGL/OpenGLFunctions.h>
 
 #include <memory>
 
 namespace Halvard::Orv {
-
-namespace {
-
-/// The plan of the records that upload() copies, registered by the first builder.
-void ensureInstanceInfoPlan()
-{
-    static const bool registered = [] {
-        registerInstanceInfo();
-        return true;
-    }();
-    Q_UNUSED(registered)
-}
-
-} // namespace
 
 ModelBuilder::ModelBuilder(const QSharedPointer<ModelDataStreamAllocator> &allocator,
                            quint64 flagsMask)
@@ -28,7 +16,7 @@ ModelBuilder::ModelBuilder(const QSharedPointer<ModelDataStreamAllocator> &alloc
                            : QSharedPointer<ModelDataStreamAllocator>(new ModelDataArrayAllocator)),
       _flagsMask(flagsMask)
 {
-    ensureInstanceInfoPlan();
+    registerPlanOnce<registerInstanceInfo>(); // of the records that upload() copies
     _verticesPerFace = allocate(GL_UNSIGNED_INT, 0);
     _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
 }

@@ -6,6 +6,7 @@
 
 #include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
+#include "Materials/PlanRegistration.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -16,16 +17,6 @@
 namespace Halvard::Orv {
 
 namespace {
-
-/// The plan of the materials' records, registered by the first library opened.
-void ensureOBJMaterialPlan()
-{
-    static const bool registered = [] {
-        registerOBJMaterial();
-        return true;
-    }();
-    Q_UNUSED(registered)
-}
 
 /// The section being read: from its "newmtl" to the next one or the end.
 class MaterialSection
@@ -132,7 +123,7 @@ bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
         QFile file(fileName);
         if (!openInputFile(file))
             return false;
-        ensureOBJMaterialPlan();
+        registerPlanOnce<registerOBJMaterial>(); // of the materials' records
         pourMTLLines(file, fileName, builder);
         return true;
     } catch (const std::bad_alloc &) {

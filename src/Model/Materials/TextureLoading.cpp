@@ -42,8 +42,8 @@ QImage loadFlippedImage(const QString &fileName)
 /// context answers with an error for ever.
 void clearErrors()
 {
-    constexpr int mostFlags = 8;
-    for (int i = 0; i < mostFlags && glGetError() != GL_NO_ERROR; ++i) {
+    constexpr int MostFlags = 8;
+    for (int i = 0; i < MostFlags && glGetError() != GL_NO_ERROR; ++i) {
     }
 }
 
@@ -52,14 +52,14 @@ void clearErrors()
 bool uploadImage(Texture *texture, const QImage &image)
 {
     clearErrors();
-    constexpr GLint lastMipLevel = 4;
+    constexpr GLint LastMipLevel = 4;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, lastMipLevel);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, LastMipLevel);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, image.width(), image.height(), 0, GL_BGRA,
                  GL_UNSIGNED_BYTE, image.constBits());
     glGenerateMipmap(texture->target());

@@ -1,3 +1,5 @@
+/// \file
+/// The values of one instance or material.
 #pragma once
 
 #include <OrvCore/OrvCoreExport.h>

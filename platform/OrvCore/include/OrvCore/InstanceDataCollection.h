@@ -1,3 +1,5 @@
+/// \file
+/// Records as one array for a shader.
 #pragma once
 
 #include <OrvCore/InstanceData.h>

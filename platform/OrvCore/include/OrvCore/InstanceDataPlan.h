@@ -1,3 +1,5 @@
+/// \file
+/// Which members a record has, and where they lie for a shader.
 #pragma once
 
 #include <OrvCore/OrvCoreExport.h>

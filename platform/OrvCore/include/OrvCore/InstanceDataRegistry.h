@@ -1,3 +1,5 @@
+/// \file
+/// The plans of the process, by name.
 #pragma once
 
 #include <OrvCore/OrvCoreExport.h>

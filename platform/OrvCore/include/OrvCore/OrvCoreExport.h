@@ -1,3 +1,5 @@
+/// \file
+/// Which symbols libOrvCore exports.
 #pragma once
 
 #include <QtCore/QtGlobal>

@@ -1,3 +1,5 @@
+/// \file
+/// Binding for the length of a scope.
 #pragma once
 
 #include <OrvGL/Bindable.h>

@@ -1,3 +1,5 @@
+/// \file
+/// What can be bound, and bound again.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

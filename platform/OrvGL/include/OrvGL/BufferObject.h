@@ -1,3 +1,5 @@
+/// \file
+/// OpenGL buffers.
 #pragma once
 
 #include <OrvGL/Bindable.h>

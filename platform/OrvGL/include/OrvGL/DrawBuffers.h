@@ -1,3 +1,5 @@
+/// \file
+/// A bundle of draw commands over shared buffers.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

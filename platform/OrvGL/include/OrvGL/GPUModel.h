@@ -1,3 +1,5 @@
+/// \file
+/// A model on the GPU: bundles and their records.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

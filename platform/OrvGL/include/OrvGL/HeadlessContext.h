@@ -1,3 +1,5 @@
+/// \file
+/// An OpenGL context without a window.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

@@ -1,3 +1,5 @@
+/// \file
+/// The current OpenGL context and what it makes.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>
@@ -26,8 +28,8 @@ class ORVGL_EXPORT OpenGLDeviceContext
 {
 public:
     /// The context current on the calling thread; null when there is none. The same context gives
-    /// the same object every time, on whatever thread. Null, too, after a warning, where the library
-    /// with the functions of its kind of OpenGL is not installed.
+    /// the same object every time, on whatever thread. Null, too, after a warning, where the
+    /// library with the functions of its kind of OpenGL is not installed.
     ///
     /// On the first sight of a context it is connected to Qt's logger: with KHR_debug, errors and
     /// messages of high severity become warnings, those of medium and low severity debug messages,

@@ -1,3 +1,5 @@
+/// \file
+/// The functions of OpenGL.
 #pragma once
 
 /// All OpenGL functions and enumerants, resolved on first call by libepoxy.

@@ -1,3 +1,5 @@
+/// \file
+/// Which symbols libOrvGL exports.
 #pragma once
 
 #include <QtCore/QtGlobal>

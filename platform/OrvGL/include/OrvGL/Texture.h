@@ -1,3 +1,5 @@
+/// \file
+/// OpenGL textures.
 #pragma once
 
 #include <OrvGL/Bindable.h>

@@ -1,3 +1,5 @@
+/// \file
+/// Textures that the whole process shares.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

@@ -1,3 +1,5 @@
+/// \file
+/// Vertex attributes by name.
 #pragma once
 
 #include <OrvGL/OrvGLExport.h>

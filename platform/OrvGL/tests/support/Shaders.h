@@ -34,10 +34,10 @@ private:
     GLuint _framebuffer = 0;
 };
 
-constexpr QRgb black = 0xff000000;
-constexpr QRgb red = 0xffff0000;
-constexpr QRgb green = 0xff00ff00;
-constexpr QRgb blue = 0xff0000ff;
-constexpr QRgb white = 0xffffffff;
+constexpr QRgb Black = 0xff000000;
+constexpr QRgb Red = 0xffff0000;
+constexpr QRgb Green = 0xff00ff00;
+constexpr QRgb Blue = 0xff0000ff;
+constexpr QRgb White = 0xffffffff;
 
 } // namespace OrvTest
