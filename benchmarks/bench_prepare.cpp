@@ -266,7 +266,7 @@ void prepare(benchmark::State &state, const Model &model)
     BestTimes best;
     LoadReport report;
     const ScopedLoadReport scope(report);
-    PreparedModel prepared;
+    PreparedGeometry prepared;
     size_t expectedTriangles = 0;
     for (auto _ : state) {
         prepareInSteps(model, best);

@@ -8,6 +8,7 @@
 // common notations.
 //
 // The counters are megabytes per CPU second, of the best run and of the median one.
+#include "Libraries/MaterialLibraries.h"
 #include "Scanning/OBJScanning.h"
 
 #include <OrvCore/InstanceData.h>
@@ -236,11 +237,12 @@ void scan(benchmark::State &state, const Model &model)
     for (auto _ : state) {
         ModelBuilder builder({}, 0);
         builder.createMaterialGroup(QStringLiteral("<default>"), InstanceData(), -1, 0);
+        MaterialLibraries libraries(builder);
         OBJGeometry geometry;
         QString libraryPath;
         file.seek(0);
         const double begin = cpuSeconds();
-        const auto outcome = scanOBJFile(file, directory.path(), builder, geometry, libraryPath);
+        const auto outcome = scanOBJFile(file, directory.path(), libraries, geometry, libraryPath);
         times.push_back(cpuSeconds() - begin);
         state.SetIterationTime(times.back());
         right = right && outcome == OBJScanOutcome::Finished && isRight(geometry, model, copies);

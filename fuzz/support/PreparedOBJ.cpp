@@ -4,6 +4,7 @@
 
 #include "support/ModelBuilderInspector.h"
 
+#include "Libraries/MaterialLibraries.h"
 #include "OBJLinePath.h"
 #include "Preparing/GeometryPreparing.h"
 #include "Scanning/OBJScanning.h"
@@ -74,12 +75,12 @@ void addDefaultGroup(ModelBuilder &builder)
     builder.createMaterialGroup(QStringLiteral("<default>"), makeDefaultMaterial(), -1, 0);
 }
 
-void keepPrepared(const PreparedModel &model, PreparedOBJ &result)
+void keepPrepared(const PreparedGeometry &model, PreparedOBJ &result)
 {
-    for (const PreparedModel::Attribute &attribute : model.attributes)
+    for (const PreparedGeometry::Attribute &attribute : model.attributes)
         result.attributes[attribute.name] = bytesOf(attribute.values);
     result.indices = bytesOf(model.indices);
-    for (const PreparedModel::Command &command : model.commands)
+    for (const PreparedGeometry::Command &command : model.commands)
         result.commands.push_back({command.group, command.firstIndex, command.count});
 }
 
@@ -205,11 +206,12 @@ PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
     buffer.open(QIODevice::ReadOnly | QIODevice::Text);
     ModelBuilder builder({}, 0);
     addDefaultGroup(builder);
+    MaterialLibraries libraries(builder);
     OBJGeometry geometry;
 
     PreparedOBJ result;
     const OrvTest::MessageCapture capture;
-    switch (scanOBJFile(buffer, baseDir, builder, geometry, result.libraryPath, limits)) {
+    switch (scanOBJFile(buffer, baseDir, libraries, geometry, result.libraryPath, limits)) {
     case OBJScanOutcome::Finished:
         keepPrepared(prepareGeometry(std::move(geometry), Inspector::materialGroups(builder).keys(),
                                      &builder),

@@ -6,6 +6,7 @@
 #include "Builder/GeometryUpload.h"
 #include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
+#include "Libraries/MaterialLibraries.h"
 #include "LoaderPaths.h"
 #include "OBJLinePath.h"
 #include "Reports/LoadReport.h"
@@ -45,15 +46,7 @@ void describe(const OBJGeometry &geometry, LoadReport &report)
     report.texCoords = geometry.texCoords.valueCount();
     report.faces = geometry.faceCount();
     report.corners = geometry.cornerCount;
-    quint64 facesBySmallCount[CornerCounts::Escape + 1] = {};
-    for (size_t face = 0; face < geometry.cornerCounts.small.size(); ++face)
-        ++facesBySmallCount[geometry.cornerCounts.small[face]];
-    for (quint32 corners = 0; corners < CornerCounts::Escape; ++corners) {
-        if (facesBySmallCount[corners] > 0)
-            report.facesByCornerCount.insert(corners, facesBySmallCount[corners]);
-    }
-    for (size_t face = 0; face < geometry.cornerCounts.large.size(); ++face)
-        ++report.facesByCornerCount[geometry.cornerCounts.large[face]];
+    report.facesByCornerCount = geometry.cornerCounts.histogram();
 }
 
 QString loadFailure(const QString &fileName)
@@ -122,8 +115,9 @@ private:
     OBJScanOutcome scan(ModelBuilder &builder, OBJGeometry &geometry, QString &detail)
     {
         const StageTimer timer(&LoadReport::Stages::read);
+        MaterialLibraries libraries(builder);
         const OBJScanOutcome outcome =
-            scanOBJFile(_file, _baseDir, builder, geometry, detail, _limits);
+            scanOBJFile(_file, _baseDir, libraries, geometry, detail, _limits);
         if (LoadReport *report = currentLoadReport(); report && outcome == OBJScanOutcome::Finished)
             describe(geometry, *report);
         return outcome;

@@ -1,6 +1,7 @@
 // The loader's own road up to the upload, taken by many threads at once. What they get
 // is compared with what one thread gets afterwards, so that they also meet everything
 // that is made on first use. Meant to be run under the thread sanitizer as well.
+#include "Libraries/MaterialLibraries.h"
 #include "Preparing/GeometryPreparing.h"
 #include "Scanning/OBJScanning.h"
 
@@ -86,21 +87,22 @@ Loaded load(const QString &path, const QString &directory)
     EXPECT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text));
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(defaultGroup, InstanceData(), -1, 0);
+    MaterialLibraries libraries(builder);
     OBJGeometry geometry;
     QString libraryPath;
     Loaded loaded;
-    loaded.outcome = scanOBJFile(file, directory, builder, geometry, libraryPath);
+    loaded.outcome = scanOBJFile(file, directory, libraries, geometry, libraryPath);
     if (loaded.outcome != OBJScanOutcome::Finished)
         return loaded;
 
-    const PreparedModel model =
+    const PreparedGeometry model =
         prepareGeometry(std::move(geometry), {defaultGroup, redGroup}, &builder);
-    for (const PreparedModel::Attribute &attribute : model.attributes) {
+    for (const PreparedGeometry::Attribute &attribute : model.attributes) {
         loaded.lines.push_back(attribute.name.toStdString());
         loaded.lines.push_back(::testing::PrintToString(bitsOf(floats(attribute.values))));
     }
     loaded.lines.push_back(::testing::PrintToString(uints(model.indices)));
-    for (const PreparedModel::Command &command : model.commands) {
+    for (const PreparedGeometry::Command &command : model.commands) {
         loaded.lines.push_back(command.group.toStdString() + ' ' +
                                std::to_string(command.firstIndex) + ' ' +
                                std::to_string(command.count));

@@ -3,6 +3,8 @@
 #include "support/ModelBuilderInspector.h"
 #include "support/StreamContents.h"
 
+#include "Libraries/MaterialLibraries.h"
+
 #include <OrvCore/InstanceData.h>
 #include <OrvModel/ModelLoading.h>
 #include <OrvModel/OBJReader.h>
@@ -244,9 +246,10 @@ ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir, const OBJScanLimi
     EXPECT_TRUE(device.open(QIODevice::ReadOnly | QIODevice::Text));
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(defaultMaterial(), InstanceData(), -1, 0);
+    MaterialLibraries libraries(builder);
     OBJGeometry geometry;
     QString libraryPath;
-    const auto outcome = scanOBJFile(device, baseDir, builder, geometry, libraryPath, limits);
+    const auto outcome = scanOBJFile(device, baseDir, libraries, geometry, libraryPath, limits);
     EXPECT_TRUE(device.isTextModeEnabled());
     ReadOBJ result;
     if (outcome == OBJScanOutcome::Finished)

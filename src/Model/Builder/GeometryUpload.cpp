@@ -15,19 +15,19 @@ void GeometryUpload::upload(OBJGeometry &&geometry, ModelBuilder &builder, GPUMo
     const QSharedPointer<OpenGLDeviceContext> context = OpenGLDeviceContext::current();
     if (!context)
         return;
-    PreparedModel prepared =
+    PreparedGeometry prepared =
         prepareGeometry(std::move(geometry), builder._materialGroups.keys(), &builder);
     if (prepared.isEmpty())
         return;
 
-    for (const PreparedModel::Attribute &attribute : qAsConst(prepared.attributes)) {
+    for (const PreparedGeometry::Attribute &attribute : qAsConst(prepared.attributes)) {
         ModelBuilder::VertexAttribute &target = builder._vertexAttributes[attribute.name];
         target.gpuValues = attribute.values;
         target.gpuIndices = prepared.indices;
         target.components = attribute.components;
     }
     builder._gpuIndices = prepared.indices;
-    for (const PreparedModel::Command &run : qAsConst(prepared.commands))
+    for (const PreparedGeometry::Command &run : qAsConst(prepared.commands))
         builder.addDrawCommand(run.group, builder.materialGroupFlags(run.group), run.firstIndex,
                                run.count);
     prepared = {};

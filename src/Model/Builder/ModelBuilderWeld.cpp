@@ -3,6 +3,7 @@
 
 #include "Builder/AssertionReport.h"
 #include "Builder/StreamBytes.h"
+#include "Reports/WeldingReport.h"
 #include "Welding/RowWelding.h"
 
 #include <OrvGL/OpenGLFunctions.h>

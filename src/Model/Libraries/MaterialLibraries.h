@@ -2,8 +2,9 @@
 /// The material libraries of one model.
 #pragma once
 
-#include <QtCore/QSet>
 #include <QtCore/QString>
+
+#include <set>
 
 namespace Halvard::Orv {
 
@@ -22,9 +23,14 @@ public:
     /// As loadMaterialsFromMTLFile() into the builder.
     bool load(const QString &path);
 
+    /// Whether a material of that name can be used now.
+    bool hasMaterial(const QString &name) const;
+
 private:
     ModelBuilder &_builder;
-    QSet<QString> _loaded; // paths as given, and canonical: one file has many names
+    /// Paths as given, and canonical ones: a file has many names. Ordered: paths can be made
+    /// up that collide in a hash table.
+    std::set<QString> _loaded;
 };
 
 } // namespace Halvard::Orv

@@ -7,8 +7,7 @@
 namespace Halvard::Orv {
 
 // Zeros at first; pages that nothing was written to take no memory. Sizes need not be
-// whole pages. Null when there is none to be had, as always where nobody has written
-// this for the system yet.
+// whole pages. Null when there is none to be had; always null except on Linux.
 
 void *mapMemory(size_t bytes);
 

@@ -3,10 +3,10 @@
 // of the tuples in that order numbers them in the order of the corners, too. The
 // vertices before welding, one per corner, are never made.
 //
-// Memory, beside the geometry itself: 4 bytes per position while tuples are found;
-// per tuple 4 for its position and 4 that serve two purposes one after the other; 6
-// per tuple for the hash table. The other indices of tuples, and in the end the
-// vertices' values, take over the room of the indices of corners.
+// Memory, beside the geometry itself: 4 bytes per position while tuples are found; per
+// tuple 4 for its position, 4 for its chain and then its vertex, and 6 for the hash
+// table. The other indices of tuples, and in the end the vertices' values, take over the
+// memory of the indices of corners.
 #include "Preparing/CornerWelding.h"
 
 #include "Preparing/IndexTuples.h"
@@ -59,8 +59,8 @@ private:
     quint32 *_indices;
 };
 
-/// The GPU vertices of all index tuples. Those that are kept move up, to the place
-/// of their number.
+/// The GPU vertices of all index tuples. The indices of those that are kept move to the
+/// place of their number.
 template <typename... Columns>
 class VertexRows
 {
@@ -110,10 +110,10 @@ private:
 };
 
 template <typename... Columns>
-quint32 weldTuples(IndexTuples &tuples, Columns... columns)
+quint32 weldTuples(GrowArray<quint32> &vertexOfTuple, Columns... columns)
 {
     VertexRows<Columns...> rows(columns...);
-    return numberRows(rows, tuples.count(), tuples.spare.data());
+    return numberRows(rows, static_cast<quint32>(vertexOfTuple.size()), vertexOfTuple.data());
 }
 
 /// One index per corner, whatever the file has.
@@ -126,18 +126,45 @@ void completeIndices(OBJAttribute &attribute, quint32 cornerCount)
               static_cast<quint32>(OBJReader::AbsentIndex));
 }
 
-/// The tuples of all corners, whose numbers replace the position indices. The other
-/// attributes' indices are those of the tuples afterwards.
-IndexTuples findTuples(OBJGeometry &geometry, GrowArray<quint32> &corners)
+/// Takes the indices of all corners into an attribute.
+CornerIndices takeIndices(OBJAttribute &attribute, quint32 cornerCount)
 {
+    completeIndices(attribute, cornerCount);
+    return {std::move(attribute.indices), attribute.valueCount()};
+}
+
+/// The distinct index tuples of all corners. Those into other attributes are in the order
+/// normals, texture coordinates, without those that do not exist.
+IndexTuples findTuples(OBJGeometry &geometry)
+{
+    CornerIndices positions = takeIndices(geometry.positions, geometry.cornerCount);
     std::vector<CornerIndices> others;
     for (OBJAttribute *attribute : {&geometry.normals, &geometry.texCoords}) {
-        if (attribute->exists()) {
-            completeIndices(*attribute, geometry.cornerCount);
-            others.push_back({attribute->indices, attribute->valueCount()});
-        }
+        if (attribute->exists())
+            others.push_back(takeIndices(*attribute, geometry.cornerCount));
     }
-    return numberIndexTuples(corners, geometry.positions.valueCount(), others);
+    return numberIndexTuples(std::move(positions), std::move(others));
+}
+
+/// What a vertex is made of: an index into each attribute that exists.
+struct VertexIndices
+{
+    GrowArray<quint32> positions;
+    GrowArray<quint32> normals;
+    GrowArray<quint32> texCoords;
+};
+
+/// The tuples' indices by attribute.
+VertexIndices takeVertexIndices(IndexTuples &tuples, const OBJGeometry &geometry)
+{
+    VertexIndices indices;
+    indices.positions = std::move(tuples.positions);
+    size_t column = 0;
+    if (geometry.normals.exists())
+        indices.normals = std::move(tuples.others[column++]);
+    if (geometry.texCoords.exists())
+        indices.texCoords = std::move(tuples.others[column]);
+    return indices;
 }
 
 /// What an index that selects no value selects.
@@ -149,8 +176,7 @@ void appendZeros(OBJAttribute &attribute)
     values.commit(attribute.components);
 }
 
-/// The value of each vertex.
-/// \param indices used up: what is gathered takes over their memory.
+/// The value of each vertex, in the memory of the vertices' indices.
 template <unsigned Components>
 GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<float> &values,
                               quint32 count)
@@ -164,7 +190,8 @@ GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<floa
     const size_t size = size_t(count) * Components;
     gathered.resize(size + Padding);
     gathered[size] = 0.0f;
-    // From the last one on: a value covers only indices that have been used.
+    // From the last vertex to the first: a value overwrites only indices of vertices
+    // that have their value.
     const auto indexAt = [&](size_t vertex) {
         quint32 index;
         std::memcpy(&index, gathered.data() + vertex, sizeof index);
@@ -182,60 +209,70 @@ GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<floa
     return gathered;
 }
 
-void renumber(GrowArray<quint32> &corners, const quint32 *numbers)
+/// The vertex of each corner, in the memory of the corners' tuples.
+GrowArray<quint32> verticesOfCorners(GrowArray<quint32> &&tupleOfCorner,
+                                     const GrowArray<quint32> &vertexOfTuple)
 {
-    quint32 *const end = corners.data() + corners.size();
-    for (quint32 *corner = corners.data(); corner != end; ++corner)
-        *corner = numbers[*corner];
+    GrowArray<quint32> vertexOfCorner = std::move(tupleOfCorner);
+    quint32 *const end = vertexOfCorner.data() + vertexOfCorner.size();
+    for (quint32 *corner = vertexOfCorner.data(); corner != end; ++corner)
+        *corner = vertexOfTuple[*corner];
+    return vertexOfCorner;
 }
 
-/// Numbers the different vertices among those of the tuples; their indices come
-/// first then.
-quint32 weld(OBJGeometry &geometry, IndexTuples &tuples)
+/// Numbers the different vertices among those of the tuples.
+/// \param indices of the tuples; those of the vertices come first afterwards.
+/// \param vertexOfTuple an entry per tuple.
+/// \return how many vertices there are.
+quint32 weld(const OBJGeometry &geometry, VertexIndices &indices, GrowArray<quint32> &vertexOfTuple)
 {
-    const ValueColumn<3> positions(geometry.positions.values, tuples.positions);
-    const ValueColumn<3> normals(geometry.normals.values, geometry.normals.indices);
-    const ValueColumn<2> texCoords(geometry.texCoords.values, geometry.texCoords.indices);
+    const ValueColumn<3> positions(geometry.positions.values, indices.positions);
+    const ValueColumn<3> normals(geometry.normals.values, indices.normals);
+    const ValueColumn<2> texCoords(geometry.texCoords.values, indices.texCoords);
     if (geometry.normals.exists() && geometry.texCoords.exists())
-        return weldTuples(tuples, positions, normals, texCoords);
+        return weldTuples(vertexOfTuple, positions, normals, texCoords);
     if (geometry.normals.exists())
-        return weldTuples(tuples, positions, normals);
+        return weldTuples(vertexOfTuple, positions, normals);
     if (geometry.texCoords.exists())
-        return weldTuples(tuples, positions, texCoords);
-    return weldTuples(tuples, positions);
+        return weldTuples(vertexOfTuple, positions, texCoords);
+    return weldTuples(vertexOfTuple, positions);
 }
 
 } // namespace
 
 WeldedCorners weldCorners(OBJGeometry &geometry)
 {
-    completeIndices(geometry.positions, geometry.cornerCount);
-    WeldedCorners welded;
-    welded.vertexOfCorner = std::move(geometry.positions.indices);
-    IndexTuples tuples = findTuples(geometry, welded.vertexOfCorner);
+    IndexTuples tuples = findTuples(geometry);
     for (OBJAttribute *attribute : {&geometry.positions, &geometry.normals, &geometry.texCoords}) {
         if (attribute->exists())
             appendZeros(*attribute);
     }
-    welded.vertexCount = weld(geometry, tuples);
-    // Where all tuples differ in their bytes, their numbers stay as they are.
-    if (welded.vertexCount < tuples.count())
-        renumber(welded.vertexOfCorner, tuples.spare.data());
-    tuples.spare = {};
+    const quint32 tupleCount = tuples.count();
+    VertexIndices indices = takeVertexIndices(tuples, geometry);
+    GrowArray<quint32> vertexOfTuple = std::move(tuples.reusable);
+    const quint32 count = weld(geometry, indices, vertexOfTuple);
 
-    const quint32 count = welded.vertexCount;
+    WeldedCorners welded;
+    welded.vertexCount = count;
+    // Where all tuples differ in their bytes, they are the vertices.
+    if (count == tupleCount)
+        welded.vertexOfCorner = std::move(tuples.tupleOfCorner);
+    else
+        welded.vertexOfCorner = verticesOfCorners(std::move(tuples.tupleOfCorner), vertexOfTuple);
+    vertexOfTuple = {};
+
     if (geometry.texCoords.exists())
-        welded.texCoords = gatherValues<2>(std::move(geometry.texCoords.indices),
-                                           geometry.texCoords.values, count);
+        welded.texCoords =
+            gatherValues<2>(std::move(indices.texCoords), geometry.texCoords.values, count);
     geometry.texCoords.values = {};
     if (geometry.normals.exists())
         welded.normals =
-            gatherValues<3>(std::move(geometry.normals.indices), geometry.normals.values, count);
+            gatherValues<3>(std::move(indices.normals), geometry.normals.values, count);
     geometry.normals.values = {};
     welded.positions =
-        gatherValues<3>(std::move(tuples.positions), geometry.positions.values, count);
-    welded.spare = std::move(geometry.positions.values);
-    welded.spare.resize(0);
+        gatherValues<3>(std::move(indices.positions), geometry.positions.values, count);
+    welded.reusable = std::move(geometry.positions.values);
+    welded.reusable.resize(0);
     return welded;
 }
 

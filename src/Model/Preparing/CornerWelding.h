@@ -22,8 +22,8 @@ struct WeldedCorners
     GrowArray<float> positions;
     GrowArray<float> normals;
     GrowArray<float> texCoords;
-    /// No elements, but memory that was in use: new memory would cost more.
-    GrowArray<float> spare;
+    /// Reusable memory, without elements: fresh memory would cost more.
+    GrowArray<float> reusable;
 };
 
 /// Welds the corners of a whole file: what one GPU vertex per corner, welded by

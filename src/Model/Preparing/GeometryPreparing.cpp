@@ -15,12 +15,12 @@
 #include "Preparing/FaceSums.h"
 #include "Preparing/FaceTriangles.h"
 #include "Reports/LoadReport.h"
+#include "Reports/WeldingReport.h"
 #include "Triangles/VertexNormalSums.h"
-#include "Welding/RowWelding.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 
 #include <limits>
 
@@ -47,10 +47,11 @@ bool fitsCounts(const OBJGeometry &geometry, const FaceSums &faces)
            3 * faces.triangles <= limit;
 }
 
-/// The groups that have faces, in the order asked for.
+/// The groups that have faces, in the order asked for. The map is ordered since a file can
+/// be made whose names collide in a hash table.
 QVector<const FaceGroup *> orderedGroups(const OBJGeometry &geometry, const QStringList &names)
 {
-    QHash<QString, const FaceGroup *> byName;
+    QMap<QString, const FaceGroup *> byName;
     for (const FaceGroup &group : geometry.groups)
         byName.insert(group.material, &group);
     QVector<const FaceGroup *> groups;
@@ -75,7 +76,8 @@ bool areInFileOrder(const QVector<const FaceGroup *> &groups)
     return true;
 }
 
-PreparedModel::Attribute attribute(const QString &name, int components, GrowArray<float> &&values)
+PreparedGeometry::Attribute attribute(const QString &name, int components,
+                                      GrowArray<float> &&values)
 {
     return {name, OwnedStream<float>::make(GL_FLOAT, std::move(values)), components};
 }
@@ -89,12 +91,12 @@ public:
           _hasTexCoords(geometry.texCoords.exists())
     {}
 
-    PreparedModel run(const QStringList &groupOrder, const void *builder)
+    PreparedGeometry run(const QStringList &groupOrder, const void *builder)
     {
         weld(builder);
         const QVector<const FaceGroup *> groups = orderedGroups(_geometry, groupOrder);
         const bool inPlace = !_sums.hasLargerThanTriangles && areInFileOrder(groups);
-        reuseSpareMemory(inPlace);
+        reuseMemory(inPlace);
         if (_hasNormals) {
             triangulate(groups, inPlace, nullptr);
         } else if (inPlace || fitNormals()) {
@@ -120,13 +122,13 @@ private:
     }
 
     /// Puts what welding has used up where the largest array still to be made goes.
-    void reuseSpareMemory(bool inPlace)
+    void reuseMemory(bool inPlace)
     {
-        GrowArray<float> spare = std::move(_welded.spare);
+        GrowArray<float> reusable = std::move(_welded.reusable);
         if (!inPlace)
-            _indices = std::move(spare).recast<quint32>();
+            _triangleIndices = std::move(reusable).recast<quint32>();
         else if (!_hasNormals)
-            _welded.normals = std::move(spare);
+            _welded.normals = std::move(reusable);
     }
 
     /// Whether normals, beside corners and triangles, still take less than the file,
@@ -145,13 +147,15 @@ private:
                      VertexNormalSums *normals)
     {
         const StageTimer timer(&LoadReport::Stages::triangulate);
-        GrowArray<quint32> corners = std::move(_welded.vertexOfCorner);
-        if (!inPlace)
-            _indices.reserveMore(3 * _sums.triangles);
-        GrowArray<quint32> &indices = inPlace ? corners : _indices;
+        GrowArray<quint32> vertexOfCorner = std::move(_welded.vertexOfCorner);
+        const quint32 *const corners = vertexOfCorner.data();
+        if (inPlace) // the triangles take the place of their corners
+            _triangleIndices = std::move(vertexOfCorner);
+        else
+            _triangleIndices.reserveMore(3 * _sums.triangles);
 
-        FaceTriangles triangles(_geometry.cornerCounts, corners.data(), _welded.positions.data(),
-                                indices.data(), normals);
+        FaceTriangles triangles(_geometry.cornerCounts, corners, _welded.positions.data(),
+                                _triangleIndices.data(), normals);
         for (const FaceGroup *group : groups) {
             const size_t first = triangles.size();
             for (const FaceRun &run : group->runs)
@@ -159,10 +163,8 @@ private:
             _model.commands.append({group->material, static_cast<quint32>(first),
                                     static_cast<quint32>(triangles.size() - first)});
         }
-        indices.resize(triangles.size());
-        indices.shrink();
-        if (inPlace)
-            _indices = std::move(corners);
+        _triangleIndices.resize(triangles.size());
+        _triangleIndices.shrink();
         _geometry = {};
     }
 
@@ -178,7 +180,7 @@ private:
     void addAllTriangles(VertexNormalSums &normals)
     {
         const StageTimer timer(&LoadReport::Stages::normals);
-        normals.add(_indices.data(), _indices.size());
+        normals.add(_triangleIndices.data(), _triangleIndices.size());
     }
 
     static void finishNormals(VertexNormalSums &normals)
@@ -187,7 +189,7 @@ private:
         normals.normalize();
     }
 
-    PreparedModel takeModel()
+    PreparedGeometry takeModel()
     {
         _model.attributes.append(
             attribute(QStringLiteral("va_Vertex"), 3, std::move(_welded.positions)));
@@ -196,7 +198,7 @@ private:
         if (_hasTexCoords)
             _model.attributes.append(
                 attribute(QStringLiteral("va_TexCoord"), 2, std::move(_welded.texCoords)));
-        _model.indices = OwnedStream<quint32>::make(GL_UNSIGNED_INT, std::move(_indices));
+        _model.indices = OwnedStream<quint32>::make(GL_UNSIGNED_INT, std::move(_triangleIndices));
         return std::move(_model);
     }
 
@@ -205,14 +207,14 @@ private:
     const bool _hasNormals;
     const bool _hasTexCoords;
     WeldedCorners _welded;
-    GrowArray<quint32> _indices;
-    PreparedModel _model;
+    GrowArray<quint32> _triangleIndices;
+    PreparedGeometry _model;
 };
 
 } // namespace
 
-PreparedModel prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                              const void *builder)
+PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
+                                 const void *builder)
 {
     const FaceSums sums(geometry.cornerCounts);
     if (!isDrawable(geometry) || !fitsCounts(geometry, sums))

@@ -1,5 +1,21 @@
 /// \file
 /// From the plain arrays of an OBJ file to what is uploaded.
+//
+// What one block of memory is called on its way, one entry per corner of the file. Each
+// meaning has a name of its own; the block is moved from one to the next:
+//
+//     OBJAttribute::indices        position index of each corner    (scanOBJFile)
+//             |
+//     IndexTuples::tupleOfCorner   tuple of each corner             (numberIndexTuples)
+//             |
+//     WeldedCorners::vertexOfCorner   vertex of each corner         (weldCorners)
+//             |
+//     triangleIndices              three vertices a triangle        (FaceTriangles)
+//                                  only where no face has more than three corners; otherwise
+//                                  the triangles are written to a block of their own
+//
+// The indices into normals and texture coordinates likewise become those of the tuples,
+// then of the vertices, and in the end the vertices' values.
 #pragma once
 
 #include "Scanning/OBJGeometry.h"
@@ -14,7 +30,7 @@
 namespace Halvard::Orv {
 
 /// Everything that the GPU gets of a model but its materials.
-struct PreparedModel
+struct PreparedGeometry
 {
     struct Attribute
     {
@@ -55,7 +71,7 @@ struct PreparedModel
 ///         one without positions, and for one with more corners or triangles than
 ///         32-bit signed counts of single numbers can tell, which no scan lets through
 ///         (see OBJScanLimits).
-PreparedModel prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                              const void *builder);
+PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
+                                 const void *builder);
 
 } // namespace Halvard::Orv

@@ -7,7 +7,7 @@
 // grows no more, and further tuples of that position go into a hash table.
 //
 // There are no more tuples than corners read so far, so the indices of a tuple go
-// where those of an earlier corner were: untouched memory is what costs most here.
+// where those of an earlier corner were: fresh memory is what costs most here.
 #include "Preparing/IndexTuples.h"
 
 #include "Memory/ZeroedArray.h"
@@ -95,7 +95,12 @@ public:
         return head - 1;
     }
 
-    IndexTuples take() { return {std::move(_positions), std::move(_next)}; }
+    /// Moves the tuples' positions out, and the memory of the chains.
+    void takeInto(IndexTuples &tuples)
+    {
+        tuples.positions = std::move(_positions);
+        tuples.reusable = std::move(_next);
+    }
 
 private:
     static constexpr unsigned FullLength = 16;
@@ -156,8 +161,7 @@ size_t expectedTuples(size_t positionCount, const std::vector<CornerIndices> &ot
 }
 
 template <unsigned Others>
-IndexTuples numberTuples(GrowArray<quint32> &corners, quint32 positionCount,
-                         const std::vector<CornerIndices> &others)
+IndexTuples numberTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others)
 {
     /// Corners ahead of which a chain's head is fetched.
     constexpr size_t Ahead = 16;
@@ -168,63 +172,69 @@ IndexTuples numberTuples(GrowArray<quint32> &corners, quint32 positionCount,
         indicesOf[i] = others[i].indices.data();
         nothing[i] = others[i].valueCount;
     }
-    const size_t count = corners.size();
+    const quint32 positionCount = positions.valueCount;
+    const size_t count = positions.indices.size();
     TupleChains<Others> chains(positionCount, static_cast<quint32>(count),
                                expectedTuples(positionCount, others), indicesOf);
-    quint32 *const positions = corners.data();
+    const quint32 *const positionOf = positions.indices.data();
+    quint32 *const tupleOf = positions.indices.data(); // the same memory, behind what is read
     for (size_t corner = 0; corner < count; ++corner) {
         if (count - corner > Ahead)
-            chains.prefetch(std::min(positions[corner + Ahead], positionCount));
+            chains.prefetch(std::min(positionOf[corner + Ahead], positionCount));
         // Read before find() may put a tuple where they are.
         typename TupleChains<Others>::Indices indices;
         for (unsigned i = 0; i < Others; ++i)
             indices[i] = std::min(indicesOf[i][corner], nothing[i]);
-        positions[corner] = chains.find(std::min(positions[corner], positionCount), indices);
+        tupleOf[corner] = chains.find(std::min(positionOf[corner], positionCount), indices);
     }
-    IndexTuples tuples = chains.take();
-    for (const CornerIndices &column : others)
-        column.indices.resize(tuples.count());
+    IndexTuples tuples;
+    tuples.tupleOfCorner = std::move(positions.indices);
+    chains.takeInto(tuples);
+    for (CornerIndices &column : others) {
+        tuples.others.push_back(std::move(column.indices));
+        tuples.others.back().resize(tuples.count());
+    }
     return tuples;
 }
 
 /// Without other attributes: the positions in use.
-IndexTuples numberPositions(GrowArray<quint32> &corners, quint32 positionCount)
+IndexTuples numberPositions(CornerIndices &&positions)
 {
+    const quint32 positionCount = positions.valueCount;
     ZeroedArray<quint32> numbersPlusOne(static_cast<size_t>(positionCount) + 1);
     IndexTuples tuples;
-    quint32 *const positions = tuples.positions.reserveMore(size_t(positionCount) + 2);
+    quint32 *const positionOfTuple = tuples.positions.reserveMore(size_t(positionCount) + 2);
     quint32 count = 0;
-    quint32 *const end = corners.data() + corners.size();
-    for (quint32 *corner = corners.data(); corner != end; ++corner) {
-        const quint32 position = std::min(*corner, positionCount);
+    tuples.tupleOfCorner = std::move(positions.indices);
+    quint32 *const end = tuples.tupleOfCorner.data() + tuples.tupleOfCorner.size();
+    for (quint32 *corner = tuples.tupleOfCorner.data(); corner != end; ++corner) {
+        const quint32 position = std::min(*corner, positionCount); // not a tuple yet
         quint32 &numberPlusOne = numbersPlusOne[position];
-        // Whether a corner is the first at its position cannot be foreseen, so
-        // there is no branch: the next tuple is written in any case, and counted
-        // if it is one.
-        positions[count] = position;
+        // No branch, since whether a corner is the first at its position cannot be
+        // predicted: the next tuple is written in any case, and counted if it is one.
+        positionOfTuple[count] = position;
         const quint32 isNew = numberPlusOne == 0 ? 1 : 0;
         count += isNew;
         numberPlusOne |= count & (0 - isNew);
         *corner = numberPlusOne - 1;
     }
     tuples.positions.commit(count);
-    tuples.spare = std::move(numbersPlusOne).intoArray();
-    tuples.spare.resize(count);
+    tuples.reusable = std::move(numbersPlusOne).intoArray();
+    tuples.reusable.resize(count);
     return tuples;
 }
 
 } // namespace
 
-IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount,
-                              const std::vector<CornerIndices> &others)
+IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others)
 {
     switch (others.size()) {
     case 0:
-        return numberPositions(corners, positionCount);
+        return numberPositions(std::move(positions));
     case 1:
-        return numberTuples<1>(corners, positionCount, others);
+        return numberTuples<1>(std::move(positions), std::move(others));
     default:
-        return numberTuples<2>(corners, positionCount, others);
+        return numberTuples<2>(std::move(positions), std::move(others));
     }
 }
 

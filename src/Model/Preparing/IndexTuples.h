@@ -13,8 +13,7 @@ namespace Halvard::Orv {
 /// Indices into one kind of values, one per corner.
 struct CornerIndices
 {
-    /// Receives one per tuple in their place, and keeps its room.
-    GrowArray<quint32> &indices;
+    GrowArray<quint32> indices;
     quint32 valueCount;
 };
 
@@ -22,8 +21,15 @@ struct CornerIndices
 /// first appear.
 struct IndexTuples
 {
-    GrowArray<quint32> positions; ///< position index of each tuple
-    GrowArray<quint32> spare;     ///< one entry per tuple, of no meaning: scratch memory
+    /// Tuple of each corner, in the memory of the corners' position indices.
+    GrowArray<quint32> tupleOfCorner;
+    /// Position index of each tuple.
+    GrowArray<quint32> positions;
+    /// Indices of each tuple into the other kinds of values, in the memory of the corners'
+    /// indices, with their capacity.
+    std::vector<GrowArray<quint32>> others;
+    /// Reusable memory: one entry per tuple, of no meaning.
+    GrowArray<quint32> reusable;
 
     quint32 count() const { return static_cast<quint32>(positions.size()); }
 };
@@ -33,9 +39,7 @@ struct IndexTuples
 /// An index that selects no value stands in its tuple as the number of values,
 /// whatever it was.
 ///
-/// \param corners per corner the position index; receives the tuple's number.
-/// \param others as many indices as corners each.
-IndexTuples numberIndexTuples(GrowArray<quint32> &corners, quint32 positionCount,
-                              const std::vector<CornerIndices> &others);
+/// \param others as many indices as `positions` has.
+IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others);
 
 } // namespace Halvard::Orv

@@ -1,12 +1,12 @@
 #include "Scanning/FaceGrouping.h"
 
-#include <OrvModel/ModelBuilder.h>
+#include "Libraries/MaterialLibraries.h"
 
 namespace Halvard::Orv {
 
-FaceGrouping::FaceGrouping(OBJGeometry &geometry, const ModelBuilder &builder,
+FaceGrouping::FaceGrouping(OBJGeometry &geometry, const MaterialLibraries &libraries,
                            const QString &material)
-    : _geometry(geometry), _builder(builder), _material(material)
+    : _geometry(geometry), _libraries(libraries), _material(material)
 {
     openRun();
 }
@@ -28,7 +28,7 @@ void FaceGrouping::startRun()
 
 void FaceGrouping::openRun()
 {
-    _hasGroup = _builder.hasMaterialGroup(_material);
+    _isKnown = _libraries.hasMaterial(_material);
     _run.firstFace = _geometry.faceCount();
     _run.firstCorner = _geometry.cornerCount;
     _run.firstLarge = static_cast<quint32>(_geometry.cornerCounts.large.size());
@@ -37,7 +37,7 @@ void FaceGrouping::openRun()
 void FaceGrouping::closeRun()
 {
     _run.faceCount = _geometry.faceCount() - _run.firstFace;
-    if (!_hasGroup || _run.faceCount == 0)
+    if (!_isKnown || _run.faceCount == 0)
         return;
     auto number = _groupNumbers.constFind(_material);
     if (number == _groupNumbers.constEnd()) {

@@ -4,29 +4,30 @@
 
 #include "Scanning/OBJGeometry.h"
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 
 namespace Halvard::Orv {
 
-class ModelBuilder;
+class MaterialLibraries;
 
 /// Enters the faces of an OBJGeometry into its groups, a run at a time.
 ///
-/// A face belongs to the group of the material that is selected when it is read,
-/// if the builder has that group at that moment. The groups that the builder has
-/// change with its libraries only, so that looking at the begin of a run suffices.
+/// A face belongs to the group of the material that is selected when it is read, if that
+/// material is known at that moment. Only a library makes materials known, so asking at
+/// the begin of a run suffices.
 class FaceGrouping
 {
 public:
     /// \param geometry without faces so far.
     /// \param material selected for the first faces.
-    FaceGrouping(OBJGeometry &geometry, const ModelBuilder &builder, const QString &material);
+    FaceGrouping(OBJGeometry &geometry, const MaterialLibraries &libraries,
+                 const QString &material);
 
     /// Selects the material of the faces that follow.
     void select(const QString &material);
-    /// Enters the faces read so far, and looks for the selected material's group
-    /// again.
+    /// Enters the faces read so far, and asks again whether the selected material is
+    /// known.
     void startRun();
 
 private:
@@ -34,11 +35,12 @@ private:
     void closeRun();
 
     OBJGeometry &_geometry;
-    const ModelBuilder &_builder;
+    const MaterialLibraries &_libraries;
     QString _material;
-    bool _hasGroup = false;
+    bool _isKnown = false;
     FaceRun _run{};
-    QHash<QString, size_t> _groupNumbers;
+    /// Ordered: a file can be made whose names collide in a hash table.
+    QMap<QString, size_t> _groupNumbers;
 };
 
 } // namespace Halvard::Orv

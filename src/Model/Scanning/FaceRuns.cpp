@@ -320,8 +320,8 @@ const char *readRun(CornerForm form, const char *line, const char *end, const Di
 
 } // namespace
 
-const char *readFaceLines(const char *line, const char *end, const DigitMarks &marks,
-                          OBJGeometry &geometry)
+const char *readFaceRun(const char *line, const char *end, const DigitMarks &marks,
+                        OBJGeometry &geometry)
 {
     if (!isFaceLine(line))
         return line;
@@ -334,7 +334,7 @@ const char *readFaceLines(const char *line, const char *end, const DigitMarks &m
 
 #else
 
-const char *readFaceLines(const char *line, const char *, const DigitMarks &, OBJGeometry &)
+const char *readFaceRun(const char *line, const char *, const DigitMarks &, OBJGeometry &)
 {
     return line;
 }

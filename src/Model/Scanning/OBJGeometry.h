@@ -5,6 +5,7 @@
 
 #include "Memory/GrowArray.h"
 
+#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
 
@@ -49,6 +50,9 @@ struct CornerCounts
             large.append(count);
         }
     }
+
+    /// Number of faces of each corner count that there is.
+    QMap<quint32, quint64> histogram() const;
 };
 
 /// Successive faces of one material: `faceCount` faces from `firstFace` on.

@@ -7,7 +7,7 @@
 #include "Scanning/FaceRuns.h"
 #include "Scanning/LineChunks.h"
 #include "Scanning/OddLines.h"
-#include "Scanning/PlainFaces.h"
+#include "Scanning/PlainLines.h"
 #include "Scanning/ValueRuns.h"
 
 #include <QtCore/QIODevice>
@@ -67,9 +67,9 @@ bool isKeyword(const char *begin, const char *end, const char (&keyword)[Size])
 class Scanner
 {
 public:
-    Scanner(const QString &baseDir, ModelBuilder &builder, OBJGeometry &geometry)
-        : _libraries(builder), _geometry(geometry), _reading(baseDir),
-          _grouping(geometry, builder, QStringLiteral("<default>"))
+    Scanner(const QString &baseDir, MaterialLibraries &libraries, OBJGeometry &geometry)
+        : _libraries(libraries), _geometry(geometry), _oddLines(baseDir),
+          _grouping(geometry, libraries, QStringLiteral("<default>"))
     {}
 
     Outcome scan(QIODevice &device, const OBJScanLimits &limits)
@@ -94,9 +94,9 @@ private:
     {
         const char *line = chunks.begin();
         if (chunks.offset() == 0) {
-            if (!_reading.decoder().start(line, chunks.byteCount()))
+            if (!_oddLines.decoder().start(line, chunks.byteCount()))
                 _failure = Outcome::NeedsLineReader;
-            line += _reading.decoder().markBytes();
+            line += _oddLines.decoder().markBytes();
         }
         _chunks = &chunks;
         _marks.mark(chunks.begin(), chunks.end());
@@ -106,29 +106,29 @@ private:
         }
     }
 
-    /// Reads lines of one kind that are written plainly.
-    /// \return where the first other line begins.
+    /// Reads a run of lines of one kind that are written plainly.
+    /// \return start of the first unread line; equals `line` where there is no run.
     const char *readRun(const char *line)
     {
         const char *const end = _chunks->end();
         if (line[0] == 'f')
-            return readFaceLines(line, end, _marks, _geometry);
+            return readFaceRun(line, end, _marks, _geometry);
         if (line[0] != 'v')
             return line;
         switch (line[1]) {
         case ' ':
-            return readPositionLines(line, end, _marks, _geometry.positions);
+            return readPositionRun(line, end, _marks, _geometry.positions);
         case 'n':
-            return readNormalLines(line, end, _marks, _geometry.normals);
+            return readNormalRun(line, end, _marks, _geometry.normals);
         case 't':
-            return readTexCoordLines(line, end, _marks, _geometry.texCoords);
+            return readTexCoordRun(line, end, _marks, _geometry.texCoords);
         default:
             return line;
         }
     }
 
     /// Reads one line, whatever it is.
-    /// \return where the next one begins.
+    /// \return start of the next one.
     const char *readLine(const char *line)
     {
         const char *const end = _chunks->end();
@@ -144,20 +144,19 @@ private:
         return next;
     }
 
-    /// Reads a line of plain text.
-    /// \return where the next one begins; null, and nothing is done, when the text
-    ///         is not plain.
+    /// Reads a plain line.
+    /// \return start of the next one; null, with nothing done, when the line is odd.
     const char *readPlainLine(const char *keyword, const char *text)
     {
         const char *const end = _chunks->end();
         if (isKeyword(keyword, text, "f"))
-            return readFaceLine(text, end, _geometry);
+            return readPlainFace(text, end, _geometry);
         if (isKeyword(keyword, text, "v"))
-            return readValueLine(text, end, _geometry.positions);
+            return readPlainValue(text, end, _geometry.positions);
         if (isKeyword(keyword, text, "vn"))
-            return readValueLine(text, end, _geometry.normals);
+            return readPlainValue(text, end, _geometry.normals);
         if (isKeyword(keyword, text, "vt"))
-            return readValueLine(text, end, _geometry.texCoords);
+            return readPlainValue(text, end, _geometry.texCoords);
         if (isKeyword(keyword, text, "usemtl"))
             return readMaterial(text);
         if (isKeyword(keyword, text, "mtllib"))
@@ -175,16 +174,16 @@ private:
         return lineAfter(nameEnd, _chunks->end());
     }
 
-    /// Reads the line up to `next`, where another begins, with the line reader.
+    /// Reads the line that ends at `next`, the start of another, with the line reader.
     void readOddLine(const char *line, const char *next)
     {
         const bool endsOpen = next == _chunks->end() && _chunks->endsOpen();
-        if (!_reading.read(line, next - (endsOpen ? 1 : 0), _chunks->offsetOf(line))) {
+        if (!_oddLines.read(line, next - (endsOpen ? 1 : 0), _chunks->offsetOf(line))) {
             _failure = Outcome::NeedsLineReader;
             return;
         }
-        const OBJReader &reader = _reading.line();
-        switch (_reading.lineType()) {
+        const OBJReader &reader = _oddLines.line();
+        switch (_oddLines.lineType()) {
         case OBJReader::LINE_V:
             appendValue(_geometry.positions, reader.getV());
             break;
@@ -217,9 +216,9 @@ private:
         _grouping.startRun(); // the selected material may have a group now
     }
 
-    /// A corner takes two bytes of text at least: what one chunk adds to counts within
-    /// the limits cannot make them wrap. A library that is missing in the chunk comes
-    /// behind what was counted in it.
+    /// Once a chunk is enough: a corner takes two bytes of text at least, so that one
+    /// chunk cannot make counts wrap that were within the limits. The limit is exceeded
+    /// first when a library is missing in the same chunk, since the scan stops there.
     void checkCounts(const OBJScanLimits &limits)
     {
         OBJCounts counts;
@@ -235,9 +234,9 @@ private:
         _detail = excess;
     }
 
-    MaterialLibraries _libraries;
+    MaterialLibraries &_libraries;
     OBJGeometry &_geometry;
-    LineReading _reading;
+    OddLines _oddLines;
     FaceGrouping _grouping;
     DigitMarks _marks;
     const LineChunks *_chunks = nullptr;
@@ -247,7 +246,7 @@ private:
 
 } // namespace
 
-OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuilder &builder,
+OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, MaterialLibraries &libraries,
                            OBJGeometry &geometry, QString &detail, const OBJScanLimits &limits)
 {
     // A stream that comes piece by piece may be cut anywhere by QTextStream, and
@@ -259,7 +258,7 @@ OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuild
     const RawReading raw(device);
     geometry.textBytes = static_cast<size_t>(device.size());
     expectValues(geometry, geometry.textBytes);
-    Scanner scanner(baseDir, builder, geometry);
+    Scanner scanner(baseDir, libraries, geometry);
     const Outcome outcome = scanner.scan(device, limits);
     detail = scanner.detail();
     return outcome;

@@ -10,30 +10,31 @@ class QString;
 
 namespace Halvard::Orv {
 
-class ModelBuilder;
+class MaterialLibraries;
 
 /// Reads an OBJ file to its end: what an OBJReader on a QTextStream finds in it, to
 /// the bit, at a hundred times the speed.
 ///
-/// The lines are recognised as bytes. There are three ways to read one, each of
-/// which passes on what it does not know:
+/// Lines are recognised as bytes. There are three ways to read one, each of which
+/// passes on what it does not know:
 ///
-/// 1. Runs of "v", "vt", "vn" and "f" lines as exporters write them, with spaces
-///    and plain numbers that are not too long, are read in blocks of 16 bytes.
-/// 2. Any other line of plain text (see ASCIIBytes.h) is read byte by byte.
-/// 3. What is no plain text, the lines of material libraries, and faces with odd
-///    indices are decoded and go through an OBJReader.
+/// 1. Runs (ValueRuns, FaceRuns): "v", "vt", "vn" and "f" lines as exporters write
+///    them, with spaces and plain numbers that are not too long, in blocks of 16 bytes.
+/// 2. Plain lines (PlainLines): any other line of plain text (see ASCIIBytes.h), byte
+///    by byte.
+/// 3. Odd lines (OddLines): what is no plain text, names of material libraries, and
+///    faces with odd indices are decoded and go through an OBJReader.
 ///
 /// \param device open for reading, at its begin. Its text mode makes no difference.
 ///        An error while reading is taken for the end.
 /// \param baseDir where relative paths of material libraries begin.
-/// \param builder gets the materials of the libraries, each when its line is read.
-///        Must hold the group "<default>". A face is in a group only if the builder
-///        has one for its material when the face is read.
+/// \param libraries loads each library when its line is read. Must know the material
+///        "<default>". A face is in a group only if its material is known when the
+///        face is read.
 /// \param geometry empty before; incomplete unless the outcome is Finished.
-/// \param detail set to the path of a missing library, or to what is more than the
-///        limits allow, for a message.
-OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, ModelBuilder &builder,
+/// \param detail set to the path of a missing library, or to the limit that is exceeded,
+///        for a message.
+OBJScanOutcome scanOBJFile(QIODevice &device, const QString &baseDir, MaterialLibraries &libraries,
                            OBJGeometry &geometry, QString &detail,
                            const OBJScanLimits &limits = {});
 

@@ -2,11 +2,11 @@
 
 namespace Halvard::Orv {
 
-bool LineReading::read(const char *begin, const char *end, qint64 offset)
+bool OddLines::read(const char *begin, const char *end, qint64 offset)
 {
     if (!_decoder.decode(begin, end, offset, _text))
         return false;
-    // A reader of its own for each line has counted no values: indices that refer
+    // Each line has a reader of its own, which has counted no values: indices that refer
     // back stay negative, and the caller knows what to add.
     _stream.setString(&_text, QIODevice::ReadOnly);
     _reader.emplace(_stream);

@@ -1,5 +1,5 @@
 /// \file
-/// Single lines through the line reader.
+/// Odd lines, one at a time through the line reader.
 #pragma once
 
 #include "Scanning/LineDecoding.h"
@@ -15,11 +15,11 @@ namespace Halvard::Orv {
 
 /// Hands lines, one at a time, to an OBJReader, whose reading of a line is the
 /// right one by definition.
-class LineReading
+class OddLines
 {
 public:
     /// \param baseDir where relative paths of material libraries begin.
-    explicit LineReading(const QString &baseDir) : _baseDir(baseDir) {}
+    explicit OddLines(const QString &baseDir) : _baseDir(baseDir) {}
 
     LineDecoder &decoder() { return _decoder; }
 
@@ -27,10 +27,10 @@ public:
     /// \return false when only a reader of the whole file can tell what it means.
     bool read(const char *begin, const char *end, qint64 offset);
 
-    /// The line read: OBJReader::LINE_EOF when it is of no kind that matters, or
-    /// does not parse. Negative indices are counted from the first value on; see
-    /// corner().
+    /// The line read. A negative index counts back from the first value of the file, not
+    /// from the latest: add the number of values so far, as appendFace() does.
     const OBJReader &line() const { return *_reader; }
+    /// OBJReader::LINE_EOF when the line is of no kind that matters, or does not parse.
     int lineType() const { return _lineType; }
 
 private:

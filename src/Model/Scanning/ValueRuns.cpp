@@ -164,65 +164,41 @@ const char *readRun(const char *line, const char *end, const DigitMarks &marks,
 
 } // namespace
 
-const char *readPositionLines(const char *line, const char *end, const DigitMarks &marks,
-                              OBJAttribute &positions)
+const char *readPositionRun(const char *line, const char *end, const DigitMarks &marks,
+                            OBJAttribute &positions)
 {
     return readRun<3>(line, end, marks, "v", positions.values);
 }
 
-const char *readNormalLines(const char *line, const char *end, const DigitMarks &marks,
-                            OBJAttribute &normals)
+const char *readNormalRun(const char *line, const char *end, const DigitMarks &marks,
+                          OBJAttribute &normals)
 {
     return readRun<3>(line, end, marks, "vn", normals.values);
 }
 
-const char *readTexCoordLines(const char *line, const char *end, const DigitMarks &marks,
-                              OBJAttribute &texCoords)
+const char *readTexCoordRun(const char *line, const char *end, const DigitMarks &marks,
+                            OBJAttribute &texCoords)
 {
     return readRun<2>(line, end, marks, "vt", texCoords.values);
 }
 
 #else
 
-const char *readPositionLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
+const char *readPositionRun(const char *line, const char *, const DigitMarks &, OBJAttribute &)
 {
     return line;
 }
 
-const char *readNormalLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
+const char *readNormalRun(const char *line, const char *, const DigitMarks &, OBJAttribute &)
 {
     return line;
 }
 
-const char *readTexCoordLines(const char *line, const char *, const DigitMarks &, OBJAttribute &)
+const char *readTexCoordRun(const char *line, const char *, const DigitMarks &, OBJAttribute &)
 {
     return line;
 }
 
 #endif
-
-const char *readValueLine(const char *text, const char *end, OBJAttribute &attribute)
-{
-    float *const target = attribute.values.reserveMore(attribute.components);
-    for (unsigned i = 0; i < attribute.components; ++i) {
-        target[i] = 0.0f;
-        text = skipBlanks(text);
-        if (isLineEnd(text))
-            continue;
-        const char *const token = text;
-        text = tokenEnd(token);
-        if (!text)
-            return nullptr;
-        target[i] = floatFromToken(token, text);
-    }
-    attribute.values.commit(attribute.components);
-    return lineAfter(text, end);
-}
-
-void appendValue(OBJAttribute &attribute, const float *value)
-{
-    std::copy_n(value, attribute.components, attribute.values.reserveMore(attribute.components));
-    attribute.values.commit(attribute.components);
-}
 
 } // namespace Halvard::Orv

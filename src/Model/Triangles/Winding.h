@@ -1,7 +1,7 @@
 /// \file
 /// Which way small faces run, four at a time.
 //
-// The defined road to a face's winding: s is the float sum of the cross products
+// The defined path to a face's winding: s is the float sum of the cross products
 // of successive positions, n = s normalised; u and v are normalised axes across n;
 // x and y are the float projections of the corners' offsets from corner 0 on u and
 // v; the face is clockwise when the float sum
@@ -41,13 +41,13 @@
 //
 //     |s.N| > 2^-13 D2 |s|,   2^-13 = 2048 e,
 //
-// the sign of s.N decides, with room to spare. The faces in between, slivers and
-// points mostly, are few, and are left to the defined road.
+// the sign of s.N decides, with a wide margin. The faces in between, slivers and
+// points mostly, are few, and are left to the defined path.
 //
-// Products must neither overflow nor lose bits to underflow, in either road. With
+// Products must neither overflow nor lose bits to underflow, on either path. With
 // |s|^2 in [1e-12, 1e34] and D2 in [1e-25, 1e20] nothing here exceeds 1e38, and
 // what underflows is below 1e-45 before it is multiplied by |s|, against a bound
-// of 1e-29. Whatever is outside, or not a number, is left to the defined road.
+// of 1e-29. Whatever is outside, or not a number, is left to the defined path.
 //
 // One case more is certain: |s|^2 up to 1e-12 counts as zero when s is normalised.
 // s then stays as it is, r x n is no longer, becomes the zero vector, and all

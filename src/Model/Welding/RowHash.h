@@ -12,8 +12,8 @@ namespace Halvard::Orv {
 /// Hashes words with a multiplication of 64 by 64 bits whose halves are folded,
 /// after W. Yi, wyhash (2019).
 ///
-/// Start and secret are drawn once per process and leave it in no way, since no
-/// numbering depends on them: nobody can write a file whose rows collide.
+/// Seeded once per process and never exposed, so files cannot provoke collisions. No
+/// numbering depends on the seeds.
 class RowHash
 {
 public:

@@ -18,8 +18,8 @@ namespace Halvard::Orv {
 /// wide and holds number + 1 in its low bits, 0 standing for empty, and bits of
 /// the row's hash in those that numbers leave free. A row is looked at only when
 /// these agree, so most slots of other rows are passed without leaving the table.
-/// A group is looked at as a whole: how far a row is from where it should be
-/// cannot be foreseen, and going slot by slot would mean a wrong guess each time.
+/// A group is looked at as a whole: going slot by slot would mean a mispredicted branch
+/// each time, since rows lie at any distance from where their search begins.
 class RowSlots
 {
 public:

@@ -1,6 +1,5 @@
 #include "Welding/RowWelding.h"
 
-#include "Reports/LoadReport.h"
 #include "Welding/RowHash.h"
 #include "Welding/RowNumbering.h"
 
@@ -63,19 +62,6 @@ void weldRows(const QVector<RowColumn> &columns, int rowCount, QVector<int> &old
     TableRows rows(columns, newToOld);
     static_assert(sizeof(int) == sizeof(quint32), "row numbers are written in place");
     numberRows(rows, static_cast<quint32>(rowCount), reinterpret_cast<quint32 *>(oldToNew.data()));
-}
-
-void reportWelding(const void *builder, int vertexCount, int newVertexCount,
-                   unsigned long indexBytes)
-{
-    const int kept =
-        vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
-    qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", builder, vertexCount, newVertexCount,
-           vertexCount - newVertexCount, kept, static_cast<int>(indexBytes));
-    if (LoadReport *report = currentLoadReport()) {
-        report->gpuVerticesBeforeWelding = vertexCount;
-        report->gpuVertices = newVertexCount;
-    }
 }
 
 } // namespace Halvard::Orv

@@ -26,12 +26,4 @@ struct RowColumn
 void weldRows(const QVector<RowColumn> &columns, int rowCount, QVector<int> &oldToNew,
               QVector<int> &newToOld);
 
-/// Logs what welding a builder's vertices has brought, and notes it in the load
-/// report.
-///
-/// \param builder only its address is shown.
-/// \param indexBytes size of one index.
-void reportWelding(const void *builder, int vertexCount, int newVertexCount,
-                   unsigned long indexBytes);
-
 } // namespace Halvard::Orv

@@ -94,24 +94,24 @@ Outcome byArrays(const PlainModel &model, const ModelBuilder &builder, const QSt
     const MessageCapture capture;
     OBJGeometry geometry = toGeometry(model);
     geometry.textBytes = textBytes;
-    const PreparedModel prepared = prepareGeometry(std::move(geometry), groups, &builder);
+    const PreparedGeometry prepared = prepareGeometry(std::move(geometry), groups, &builder);
     outcome.messages = capture.messages();
     if (prepared.isEmpty())
         return outcome;
-    for (const PreparedModel::Attribute &attribute : prepared.attributes) {
+    for (const PreparedGeometry::Attribute &attribute : prepared.attributes) {
         EXPECT_EQ(attribute.values->type(), typeFloat);
         EXPECT_EQ(attribute.components, attribute.name == texCoordName() ? 2 : 3);
         outcome.attributes[attribute.name.toStdString()] = bitsOf(floats(attribute.values));
     }
     EXPECT_EQ(prepared.indices->type(), typeUnsignedInt);
     outcome.indices = uints(prepared.indices);
-    for (const PreparedModel::Command &command : prepared.commands)
+    for (const PreparedGeometry::Command &command : prepared.commands)
         outcome.commands.emplace_back(command.group.toStdString(), command.firstIndex,
                                       command.count);
     return outcome;
 }
 
-/// Both roads give the same. Returns what that is.
+/// Both paths give the same. Returns what that is.
 Outcome expectSame(const PlainModel &model)
 {
     ModelBuilder builder({}, 0);
@@ -273,7 +273,7 @@ TEST(PrepareGeometryTest, groupsThatAreNotAskedForGiveNothing)
     model.groups.push_back(QStringLiteral("other"));
     model.groupOfFace = {0, 1};
     const MessageCapture capture;
-    const PreparedModel prepared = prepareGeometry(
+    const PreparedGeometry prepared = prepareGeometry(
         toGeometry(model), {QStringLiteral("nobody's"), QStringLiteral("other")}, nullptr);
     ASSERT_EQ(prepared.commands.size(), 1);
     EXPECT_EQ(prepared.commands.first().group, QStringLiteral("other"));

@@ -19,7 +19,7 @@ using namespace Halvard::Orv;
 
 constexpr int PieceBytes = 16384; // what QTextStream reads at a time
 
-/// Expects the same result by both roads, and that no third one is needed.
+/// Expects the same result on both paths, and that the scan needs no line reader.
 void expectSame(const char *name, const QByteArray &text)
 {
     EXPECT_EQ(difference(readAsBytes(text), readByLines(text)), "") << name << ":\n"

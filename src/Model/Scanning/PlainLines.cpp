@@ -1,4 +1,4 @@
-#include "Scanning/PlainFaces.h"
+#include "Scanning/PlainLines.h"
 
 #include "Scanning/ASCIIBytes.h"
 #include "Scanning/NumberConversion.h"
@@ -107,7 +107,25 @@ int counted(int index, const OBJAttribute &attribute)
 
 } // namespace
 
-const char *readFaceLine(const char *text, const char *end, OBJGeometry &geometry)
+const char *readPlainValue(const char *text, const char *end, OBJAttribute &attribute)
+{
+    float *const target = attribute.values.reserveMore(attribute.components);
+    for (unsigned i = 0; i < attribute.components; ++i) {
+        target[i] = 0.0f;
+        text = skipBlanks(text);
+        if (isLineEnd(text))
+            continue;
+        const char *const token = text;
+        text = tokenEnd(token);
+        if (!text)
+            return nullptr;
+        target[i] = floatFromToken(token, text);
+    }
+    attribute.values.commit(attribute.components);
+    return lineAfter(text, end);
+}
+
+const char *readPlainFace(const char *text, const char *end, OBJGeometry &geometry)
 {
     FaceAppender face(geometry);
     for (text = skipBlanks(text); !isLineEnd(text) && *text != '#'; text = skipBlanks(text)) {
@@ -124,6 +142,12 @@ const char *readFaceLine(const char *text, const char *end, OBJGeometry &geometr
     }
     face.finish();
     return lineAfter(text, end);
+}
+
+void appendValue(OBJAttribute &attribute, const float *value)
+{
+    std::copy_n(value, attribute.components, attribute.values.reserveMore(attribute.components));
+    attribute.values.commit(attribute.components);
 }
 
 void appendFace(const OBJReader &line, OBJGeometry &geometry)

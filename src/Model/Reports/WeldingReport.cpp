@@ -1,0 +1,22 @@
+#include "Reports/WeldingReport.h"
+
+#include "Reports/LoadReport.h"
+
+#include <QtCore/QtDebug>
+
+namespace Halvard::Orv {
+
+void reportWelding(const void *builder, int vertexCount, int newVertexCount,
+                   unsigned long indexBytes)
+{
+    const int kept =
+        vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
+    qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", builder, vertexCount, newVertexCount,
+           vertexCount - newVertexCount, kept, static_cast<int>(indexBytes));
+    if (LoadReport *report = currentLoadReport()) {
+        report->gpuVerticesBeforeWelding = vertexCount;
+        report->gpuVertices = newVertexCount;
+    }
+}
+
+} // namespace Halvard::Orv
