@@ -55,14 +55,14 @@ void watchDriver()
     epoxy_glBufferData = measuredBufferData;
 }
 
-bool load(const QString &fileName, LoaderPath road, LoadReport &report)
+bool load(const QString &fileName, LoaderPath path, LoadReport &report)
 {
     current = {};
     const ScopedLoadReport scope(report);
     const long before = residentNow();
     QString error;
     const Moment begin;
-    const std::unique_ptr<GPUModel> model(loadModelFromOBJFile(fileName, error, road));
+    const std::unique_ptr<GPUModel> model(loadModelByPath(fileName, error, path));
     const Moment end;
     if (!model || model->bundleCount() == 0)
         return false;
@@ -87,14 +87,14 @@ int main(int argc, char *argv[])
         return 2;
     watchDriver();
 
-    const LoaderPath road =
+    const LoaderPath path =
         std::strcmp(argv[2], "lines") == 0 ? LoaderPath::Lines : LoaderPath::Fast;
     const int loads = argc > 3 ? std::atoi(argv[3]) : 1;
     LoadReport report;
     std::vector<Measurement> all;
     for (int i = 0; i < loads; ++i) {
         report = {};
-        if (!load(QFile::decodeName(argv[1]), road, report))
+        if (!load(QFile::decodeName(argv[1]), path, report))
             return 1;
         all.push_back(current);
     }

@@ -1,14 +1,12 @@
 /// \file
-/// The collector into which a model is poured before it goes to the GPU.
+/// The collector of a model's geometry and materials before they go to the GPU.
 #pragma once
 
 #include <OrvModel/ModelDataStream.h>
 #include <OrvModel/OrvModelExport.h>
 
 #include <OrvCore/InstanceData.h>
-#include <OrvGL/DrawBuffers.h>
 
-#include <QtCore/QHash>
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
 #include <QtCore/QVector>
@@ -17,16 +15,14 @@
 
 namespace Halvard::Orv {
 
-class BufferObject;
 class GPUModel;
-class OpenGLDeviceContext;
-struct RowColumn;
+struct ModelBuilderState;
 
 /// Collects vertex attributes, faces and material groups the way an OBJ file
 /// gives them, and turns them into what a GPU draws.
 ///
 /// Every attribute has its own values and its own index per face corner. The
-/// usual road:
+/// usual order:
 ///
 ///     ModelBuilder builder({}, 0);
 ///     builder.createMaterialGroup("red", material, -1, 0);
@@ -184,59 +180,13 @@ public:
     void upload(GPUModel *model, const InstanceData &instanceData, const QString &positionAttribute,
                 const QString &materialIdMember, unsigned int usage, unsigned int primitiveType);
 
+    /// What the builder holds, for the library's own sources: declared and used
+    /// in there only.
+    ModelBuilderState &state() { return *_state; }
+    const ModelBuilderState &state() const { return *_state; }
+
 private:
-    friend struct GeometryUpload;        ///< the loader's own road to the streams
-    friend struct ModelBuilderInspector; ///< the tests' view of the streams
-
-    using StreamPointer = QSharedPointer<ModelDataStream>;
-    using Commands = QVector<DrawElementsIndirectCommand>;
-
-    struct VertexAttribute
-    {
-        StreamPointer values;
-        StreamPointer indices;
-        StreamPointer gpuValues;
-        StreamPointer gpuIndices;
-        int components = 0;
-    };
-
-    struct NewBundle;
-
-    StreamPointer allocate(unsigned type, unsigned long count) const;
-    bool cornersFitStreams(unsigned cornerCount) const;
-    void weldGPUStreams();
-    void dropGPUStreams();
-    bool replaceGPUValues(const QVector<RowColumn> &columns, const QVector<int> &newToOld,
-                          const StreamPointer &sharedIndices);
-    bool isPositionAttribute(const QString &name) const;
-    bool hasGPUStreams() const;
-    bool prepareForUpload(const QString &positionAttribute);
-    bool prepareMaterialGroups(const VertexAttribute &positions);
-    void dropCommands();
-    bool computeNormals(const VertexAttribute &positions);
-    void addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex, unsigned count);
-    QVector<unsigned int> faceOffsets() const;
-    bool commandsFitIndices() const;
-    QSharedPointer<BufferObject> uploadIndices(OpenGLDeviceContext &context, int vertexCount,
-                                               unsigned usage, unsigned &indexType) const;
-    QHash<QString, QSharedPointer<BufferObject>> uploadValues(OpenGLDeviceContext &context,
-                                                              unsigned usage) const;
-    void addToModel(OpenGLDeviceContext &context, GPUModel *model, const InstanceData &instanceData,
-                    const QString &positionAttribute, const QString &materialIdMember,
-                    unsigned usage, unsigned primitiveType) const;
-    NewBundle withRecords(std::unique_ptr<DrawBuffers> buffers, quint64 key,
-                          const InstanceData &instanceData, const QString &materialIdMember) const;
-    bool addBundle(GPUModel *model, NewBundle &bundle) const;
-
-    QSharedPointer<ModelDataStreamAllocator> _allocator;
-    QHash<QString, MaterialGroup> _materialGroups;
-    StreamPointer _verticesPerFace;
-    QHash<QString, VertexAttribute> _vertexAttributes;
-    QString _normalsAttribute;
-    StreamPointer _gpuIndices;
-    QHash<quint64, Commands> _drawCommands;
-    QHash<quint64, QVector<QString>> _drawCommandGroups;
-    quint64 _flagsMask;
+    std::unique_ptr<ModelBuilderState> _state;
 };
 
 } // namespace Halvard::Orv

@@ -1,13 +1,9 @@
 /// \file
-/// The two roads by which an OBJ file becomes a model, for the project's own tests
-/// and benchmarks.
-///
-/// Not installed: loadModelFromOBJFile() chooses by itself.
+/// The two paths by which an OBJ file becomes a model, for the project's own tests
+/// and benchmarks. loadModelFromOBJFile() chooses by itself.
 #pragma once
 
 #include "Scanning/OBJScanLimits.h"
-
-#include <OrvModel/OrvModelExport.h>
 
 class QString;
 
@@ -21,8 +17,8 @@ enum class LoaderPath
     Lines ///< every line through an OBJReader, a ModelBuilder for the rest: the definition
 };
 
-/// As loadModelFromOBJFile(). Nobody can tell the road from the result.
-ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage,
-                                               LoaderPath road, const OBJScanLimits &limits = {});
+/// As loadModelFromOBJFile(). Nobody can tell the path from the result.
+GPUModel *loadModelByPath(const QString &fileName, QString &errorMessage, LoaderPath path,
+                          const OBJScanLimits &limits = {});
 
 } // namespace Halvard::Orv

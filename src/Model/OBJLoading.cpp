@@ -3,16 +3,19 @@
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>
 
-#include "Builder/GeometryUpload.h"
+#include "Builder/ModelBuilderState.h"
+#include "Builder/ModelUpload.h"
 #include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
 #include "Libraries/MaterialLibraries.h"
 #include "LoaderPaths.h"
 #include "OBJLinePath.h"
+#include "Preparing/GeometryPreparing.h"
 #include "Reports/LoadReport.h"
 #include "Scanning/OBJScanning.h"
 
 #include <OrvGL/GPUModel.h>
+#include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
 #include <QtCore/QDir>
@@ -57,6 +60,43 @@ QString loadFailure(const QString &fileName)
 QString libraryFailure(const QString &path)
 {
     return QStringLiteral("Failed to load MTL file '%1'").arg(path);
+}
+
+/// \param builder holds the materials.
+UploadInput uploadInput(const PreparedGeometry &prepared, const ModelBuilderState &builder)
+{
+    UploadInput input;
+    for (const PreparedGeometry::Attribute &attribute : prepared.attributes)
+        input.attributes.append(
+            {attribute.name, attribute.components, UploadElements(attribute.values)});
+    input.positions = 0;
+    input.indices = UploadElements(prepared.indices);
+    UploadInput::Batch batch{0, {}};
+    for (const PreparedGeometry::Command &command : prepared.commands) {
+        const ModelBuilder::MaterialGroup group = builder.materialGroups.value(command.group);
+        batch.commands.append({drawCommand(command.firstIndex, command.count), command.group,
+                               group.instanceData, group.id, group.objectName});
+    }
+    if (!batch.commands.isEmpty())
+        input.batches.append(batch);
+    input.instanceData = makeModelRecord();
+    input.usage = GL_STATIC_DRAW;
+    input.primitiveType = GL_TRIANGLES;
+    input.allocator = builder.allocator;
+    return input;
+}
+
+/// Adds to the model what a builder would add that has read the same file. Adds nothing
+/// where that would add nothing.
+void uploadGeometry(OBJGeometry &&geometry, const ModelBuilder &builder, GPUModel &model)
+{
+    const QSharedPointer<OpenGLDeviceContext> context = OpenGLDeviceContext::current();
+    if (!context)
+        return;
+    const PreparedGeometry prepared =
+        prepareGeometry(std::move(geometry), builder.state().materialGroups.keys(), &builder);
+    if (!prepared.isEmpty())
+        uploadModel(uploadInput(prepared, builder.state()), context, model);
 }
 
 /// A builder with the group of faces whose file selects no material.
@@ -107,7 +147,7 @@ public:
         if (outcome != OBJScanOutcome::Finished)
             return fail(outcome, detail);
         auto model = std::make_unique<GPUModel>();
-        GeometryUpload::upload(std::move(geometry), *builder, *model, makeModelRecord());
+        uploadGeometry(std::move(geometry), *builder, *model);
         return model;
     }
 
@@ -146,15 +186,15 @@ private:
 
 } // namespace
 
-GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, LoaderPath road,
-                               const OBJScanLimits &limits)
+GPUModel *loadModelByPath(const QString &fileName, QString &errorMessage, LoaderPath path,
+                          const OBJScanLimits &limits)
 {
     const FloatingPointState state;
     try {
         QFile file(fileName);
         if (openInputFile(file)) {
             OBJLoad load(file, fileName, limits, errorMessage);
-            return (road == LoaderPath::Fast ? load.byBytes() : load.byLines()).release();
+            return (path == LoaderPath::Fast ? load.byBytes() : load.byLines()).release();
         }
     } catch (const std::bad_alloc &) {
         // By now everything of the model is gone again, and there is room for words.
@@ -166,7 +206,7 @@ GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage, L
 
 GPUModel *loadModelFromOBJFile(const QString &fileName, QString &errorMessage)
 {
-    return loadModelFromOBJFile(fileName, errorMessage, LoaderPath::Fast);
+    return loadModelByPath(fileName, errorMessage, LoaderPath::Fast);
 }
 
 } // namespace Halvard::Orv

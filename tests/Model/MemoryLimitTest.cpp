@@ -168,7 +168,7 @@ struct LimitedLoad
         const MessageCapture messages;
         {
             const auto limited = limit();
-            model.reset(loadModelFromOBJFile(fileName, error, road));
+            model.reset(loadModelByPath(fileName, error, road));
             failures = FailingMalloc::failures();
             blocksLeft = FailingMalloc::blocksLeft();
         }

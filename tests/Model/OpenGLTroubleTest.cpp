@@ -128,7 +128,7 @@ protected:
     void expectNothing(LoaderPath road)
     {
         QString error = QStringLiteral("untouched");
-        const std::unique_ptr<GPUModel> model(loadModelFromOBJFile(fileName, error, road));
+        const std::unique_ptr<GPUModel> model(loadModelByPath(fileName, error, road));
         EXPECT_EQ(error, QLatin1String("untouched")) << "the file is not at fault";
         ASSERT_TRUE(model);
         EXPECT_EQ(model->bundleCount(), 0);

@@ -60,7 +60,7 @@ RoadOutcome loadByRoad(const QString &fileName, LoaderPath road, const OBJScanLi
     outcome.errorMessage = QStringLiteral("untouched");
     MessageCapture capture;
     const std::unique_ptr<GPUModel> model(
-        loadModelFromOBJFile(fileName, outcome.errorMessage, road, limits));
+        loadModelByPath(fileName, outcome.errorMessage, road, limits));
     outcome.messages = capture.messages();
     for (Message &message : outcome.messages)
         forgetAddress(message);

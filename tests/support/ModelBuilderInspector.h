@@ -2,7 +2,8 @@
 /// The tests' view of what a ModelBuilder keeps to itself.
 #pragma once
 
-#include <OrvModel/ModelBuilder.h>
+#include "Builder/ModelBuilderState.h"
+#include "Builder/UploadPreparation.h"
 
 namespace Halvard::Orv {
 
@@ -10,58 +11,51 @@ namespace Halvard::Orv {
 /// into a state that its own operations lead to only by failing.
 struct ModelBuilderInspector
 {
-    using StreamPointer = ModelBuilder::StreamPointer;
-    using Commands = ModelBuilder::Commands;
-    using VertexAttribute = ModelBuilder::VertexAttribute;
+    using StreamPointer = ModelBuilderState::StreamPointer;
+    using Commands = ModelBuilderState::Commands;
+    using VertexAttribute = ModelBuilderState::VertexAttribute;
     using MaterialGroup = ModelBuilder::MaterialGroup;
 
     static QSharedPointer<ModelDataStreamAllocator> &allocator(ModelBuilder &builder)
     {
-        return builder._allocator;
+        return builder.state().allocator;
     }
-    static QHash<QString, MaterialGroup> &materialGroups(ModelBuilder &builder)
-    {
-        return builder._materialGroups;
-    }
+    static auto &materialGroups(ModelBuilder &builder) { return builder.state().materialGroups; }
     /// The group `name`, default-constructed when the builder has none; never inserts.
     static MaterialGroup materialGroup(const ModelBuilder &builder, const QString &name)
     {
-        return builder._materialGroups.value(name);
+        return builder.state().materialGroups.value(name);
     }
     static StreamPointer &verticesPerFace(ModelBuilder &builder)
     {
-        return builder._verticesPerFace;
+        return builder.state().verticesPerFace;
     }
-    static QHash<QString, VertexAttribute> &vertexAttributes(ModelBuilder &builder)
+    static auto &vertexAttributes(ModelBuilder &builder)
     {
-        return builder._vertexAttributes;
+        return builder.state().vertexAttributes;
     }
     /// The attribute `name`, default-constructed when the builder has none; never inserts.
     static VertexAttribute vertexAttribute(const ModelBuilder &builder, const QString &name)
     {
-        return builder._vertexAttributes.value(name);
+        return builder.state().vertexAttributes.value(name);
     }
-    static QString &normalsAttribute(ModelBuilder &builder) { return builder._normalsAttribute; }
-    static StreamPointer &gpuIndices(ModelBuilder &builder) { return builder._gpuIndices; }
-    static QHash<quint64, Commands> &drawCommands(ModelBuilder &builder)
+    static QString &normalsAttribute(ModelBuilder &builder)
     {
-        return builder._drawCommands;
+        return builder.state().normalsAttribute;
     }
-    static QHash<quint64, QVector<QString>> &drawCommandGroups(ModelBuilder &builder)
+    static StreamPointer &gpuIndices(ModelBuilder &builder) { return builder.state().gpuIndices; }
+    static auto &drawCommands(ModelBuilder &builder) { return builder.state().drawCommands; }
+    static auto &drawCommandGroups(ModelBuilder &builder)
     {
-        return builder._drawCommandGroups;
+        return builder.state().drawCommandGroups;
     }
-    /// The part of upload() that needs no OpenGL: streams, triangles and normals are
-    /// built where they are not yet. False when there is nothing to upload.
+    /// The part of upload() that needs no OpenGL. False when there is nothing to upload.
     static bool prepare(ModelBuilder &builder, const QString &positionAttribute)
     {
-        if (!builder.isValid() || !builder.isPositionAttribute(positionAttribute))
-            return false;
-        const bool isPrepared = builder._gpuIndices && !builder._gpuIndices->isEmpty();
-        return (isPrepared || builder.prepareForUpload(positionAttribute)) &&
-               builder.hasGPUStreams();
+        return canBeUploaded(builder, positionAttribute) &&
+               prepareForUpload(builder, positionAttribute);
     }
-    static quint64 flagsMask(const ModelBuilder &builder) { return builder._flagsMask; }
+    static quint64 flagsMask(const ModelBuilder &builder) { return builder.state().flagsMask; }
 };
 
 } // namespace Halvard::Orv

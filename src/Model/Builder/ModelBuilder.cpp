@@ -2,6 +2,7 @@
 
 #include <OrvModel/InstanceDataPlans.h>
 
+#include "Builder/ModelBuilderState.h"
 #include "Materials/PlanRegistration.h"
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -12,66 +13,58 @@ namespace Halvard::Orv {
 
 ModelBuilder::ModelBuilder(const QSharedPointer<ModelDataStreamAllocator> &allocator,
                            quint64 flagsMask)
-    : _allocator(allocator ? allocator
-                           : QSharedPointer<ModelDataStreamAllocator>(new ModelDataArrayAllocator)),
-      _flagsMask(flagsMask)
+    : _state(std::make_unique<ModelBuilderState>(allocator, flagsMask))
 {
     registerPlanOnce<registerInstanceInfo>(); // of the records that upload() copies
-    _verticesPerFace = allocate(GL_UNSIGNED_INT, 0);
-    _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
+    _state->verticesPerFace = _state->allocate(GL_UNSIGNED_INT, 0);
+    _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
 }
 
 ModelBuilder::~ModelBuilder() = default;
 
 void ModelBuilder::clear()
 {
-    _materialGroups.clear();
-    _verticesPerFace = allocate(GL_UNSIGNED_INT, 0);
-    _vertexAttributes.clear();
-    _normalsAttribute = QString();
-    _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
-    _drawCommands.clear();
-    _drawCommandGroups.clear();
-}
-
-/// A stream from the allocator; null when there is no memory for it.
-ModelBuilder::StreamPointer ModelBuilder::allocate(unsigned type, unsigned long count) const
-{
-    std::unique_ptr<ModelDataStream> stream(_allocator->alloc(type, count));
-    StreamPointer shared(stream.get()); // may throw, and would not delete the stream then
-    stream.release();
-    return shared;
+    _state->materialGroups.clear();
+    _state->verticesPerFace = _state->allocate(GL_UNSIGNED_INT, 0);
+    _state->vertexAttributes.clear();
+    _state->normalsAttribute = QString();
+    _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
+    _state->drawCommands.clear();
+    _state->drawCommandGroups.clear();
 }
 
 bool ModelBuilder::hasMaterialGroup(const QString &name) const
 {
-    return _materialGroups.contains(name);
+    return _state->materialGroups.contains(name);
 }
 
 int ModelBuilder::materialGroupId(const QString &name) const
 {
-    const auto group = _materialGroups.constFind(name);
-    return group == _materialGroups.constEnd() ? -1 : group->id;
+    const auto group = _state->materialGroups.constFind(name);
+    return group == _state->materialGroups.constEnd() ? -1 : group->id;
 }
 
 quint64 ModelBuilder::materialGroupFlags(const QString &name) const
 {
-    const auto group = _materialGroups.constFind(name);
-    return group == _materialGroups.constEnd() ? 0 : group->flags;
+    const auto group = _state->materialGroups.constFind(name);
+    return group == _state->materialGroups.constEnd() ? 0 : group->flags;
 }
 
 bool ModelBuilder::hasVertexAttribute(const QString &name) const
 {
-    return _vertexAttributes.contains(name);
+    return _state->vertexAttributes.contains(name);
 }
 
 bool ModelBuilder::isValid() const
 {
-    const auto isFilled = [](const StreamPointer &stream) { return stream && !stream->isEmpty(); };
+    const auto isFilled = [](const ModelBuilderState::StreamPointer &stream) {
+        return stream && !stream->isEmpty();
+    };
 
-    if (_materialGroups.isEmpty() || !isFilled(_verticesPerFace) || _vertexAttributes.isEmpty())
+    if (_state->materialGroups.isEmpty() || !isFilled(_state->verticesPerFace) ||
+        _state->vertexAttributes.isEmpty())
         return false;
-    for (const VertexAttribute &attribute : _vertexAttributes) {
+    for (const ModelBuilderState::VertexAttribute &attribute : _state->vertexAttributes) {
         // Without a value stream it is an attribute that upload() computes.
         if (attribute.values && !(isFilled(attribute.values) && isFilled(attribute.indices)))
             return false;
@@ -83,9 +76,9 @@ void ModelBuilder::createVertexAttribute(const QString &name, int components, un
                                          unsigned long valueCount, unsigned long indexCount)
 {
     // Before the attribute changes: no memory for one stream must not leave the other.
-    const StreamPointer values = allocate(type, valueCount);
-    const StreamPointer indices = allocate(GL_UNSIGNED_INT, indexCount);
-    VertexAttribute &attribute = _vertexAttributes[name];
+    const ModelBuilderState::StreamPointer values = _state->allocate(type, valueCount);
+    const ModelBuilderState::StreamPointer indices = _state->allocate(GL_UNSIGNED_INT, indexCount);
+    ModelBuilderState::VertexAttribute &attribute = _state->vertexAttributes[name];
     attribute.values = values;
     attribute.indices = indices;
     attribute.gpuValues.clear();
@@ -96,8 +89,8 @@ void ModelBuilder::createVertexAttribute(const QString &name, int components, un
 void ModelBuilder::addValuesToVertexAttribute(const QString &name, unsigned long count,
                                               const void *data, unsigned type)
 {
-    const auto attribute = _vertexAttributes.find(name);
-    if (attribute == _vertexAttributes.end() || !attribute->values ||
+    const auto attribute = _state->vertexAttributes.find(name);
+    if (attribute == _state->vertexAttributes.end() || !attribute->values ||
         attribute->values->type() != type)
         return;
     attribute->values->append(count, data);
@@ -106,20 +99,20 @@ void ModelBuilder::addValuesToVertexAttribute(const QString &name, unsigned long
 void ModelBuilder::addIndicesToVertexAttribute(const QString &name, unsigned long count,
                                                const unsigned *indices)
 {
-    const auto attribute = _vertexAttributes.find(name);
-    if (attribute != _vertexAttributes.end() && attribute->indices)
+    const auto attribute = _state->vertexAttributes.find(name);
+    if (attribute != _state->vertexAttributes.end() && attribute->indices)
         attribute->indices->append(count, indices);
 }
 
 void ModelBuilder::addVertexCountsToFaces(unsigned long count, const unsigned *counts)
 {
-    if (_verticesPerFace)
-        _verticesPerFace->append(count, counts);
+    if (_state->verticesPerFace)
+        _state->verticesPerFace->append(count, counts);
 }
 
 void ModelBuilder::generateNormals(const QString &name)
 {
-    _normalsAttribute = name;
+    _state->normalsAttribute = name;
 }
 
 void ModelBuilder::removeUnusedVertices() {}
@@ -129,9 +122,9 @@ void ModelBuilder::removeDuplicateVertices() {}
 void ModelBuilder::createMaterialGroup(const QString &name, const InstanceData &instanceData,
                                        int id, quint64 flags)
 {
-    const int groupsBefore = _materialGroups.size();
-    const StreamPointer faces = allocate(GL_UNSIGNED_INT, 0);
-    MaterialGroup &group = _materialGroups[name];
+    const int groupsBefore = _state->materialGroups.size();
+    const ModelBuilderState::StreamPointer faces = _state->allocate(GL_UNSIGNED_INT, 0);
+    MaterialGroup &group = _state->materialGroups[name];
     group.instanceData = instanceData;
     group.id = id < 0 ? groupsBefore : id;
     group.faces = faces;
@@ -142,8 +135,8 @@ void ModelBuilder::createMaterialGroup(const QString &name, const InstanceData &
 void ModelBuilder::addFacesToMaterialGroup(const QString &name, unsigned long count,
                                            const unsigned *faces, const QString &objectName)
 {
-    const auto group = _materialGroups.find(name);
-    if (group == _materialGroups.end())
+    const auto group = _state->materialGroups.find(name);
+    if (group == _state->materialGroups.end())
         return;
     if (group->objectName.isNull())
         group->objectName = objectName;

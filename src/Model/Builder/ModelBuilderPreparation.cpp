@@ -4,7 +4,9 @@
 #include <OrvModel/TriMeshVertexNormals.h>
 
 #include "Builder/AssertionReport.h"
+#include "Builder/ModelBuilderState.h"
 #include "Builder/StreamBytes.h"
+#include "Builder/UploadPreparation.h"
 #include "Lanes/FloatingPointState.h"
 #include "Reports/LoadReport.h"
 #include "Triangles/FaceTriangulation.h"
@@ -17,7 +19,8 @@ namespace Halvard::Orv {
 
 namespace {
 
-using StreamPointer = QSharedPointer<ModelDataStream>;
+using StreamPointer = ModelBuilderState::StreamPointer;
+using VertexAttribute = ModelBuilderState::VertexAttribute;
 
 /// Line under which the check of the face stream's type is known in logs.
 constexpr int FaceTypeCheckLine = 926;
@@ -73,28 +76,20 @@ private:
 
 } // namespace
 
-/// Whether the attribute can be read as x, y, z floats.
-bool ModelBuilder::isPositionAttribute(const QString &name) const
-{
-    const auto attribute = _vertexAttributes.constFind(name);
-    return attribute != _vertexAttributes.constEnd() && attribute->components >= PositionFloats &&
-           attribute->values && attribute->values->type() == GL_FLOAT;
-}
-
 void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const MaterialGroup &group,
                                                  const StreamPointer &positions,
                                                  const StreamPointer &indices,
                                                  const QVector<unsigned int> &faceOffsets)
 {
     const FloatingPointState state;
-    if (!_verticesPerFace || !group.faces || !positions || !indices)
+    if (!_state->verticesPerFace || !group.faces || !positions || !indices)
         return;
-    if (_verticesPerFace->type() != GL_UNSIGNED_INT)
+    if (_state->verticesPerFace->type() != GL_UNSIGNED_INT)
         reportFailedAssertion(FaceTypeCheckLine, "GL_UNSIGNED_INT == _verticesPerFace->type()",
                               QString::asprintf("Wrong Face type 0x%X, needs to be 0x%X",
-                                                _verticesPerFace->type(), GL_UNSIGNED_INT));
+                                                _state->verticesPerFace->type(), GL_UNSIGNED_INT));
 
-    const FaceCorners corners(_verticesPerFace, indices, positions, faceOffsets);
+    const FaceCorners corners(_state->verticesPerFace, indices, positions, faceOffsets);
     const Numbers faces(group.faces);
     const auto *xyz = static_cast<const float *>(positions->data(0));
     FaceTriangulation triangulation;
@@ -108,41 +103,31 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
             triangles.append(static_cast<unsigned int>(face[corner]));
     }
 
-    if (!_gpuIndices || _gpuIndices->isEmpty())
-        _gpuIndices = allocate(GL_UNSIGNED_INT, 0);
-    if (!_gpuIndices)
+    if (!_state->gpuIndices || _state->gpuIndices->isEmpty())
+        _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
+    if (!_state->gpuIndices)
         return;
-    addDrawCommand(name, group.flags, static_cast<unsigned>(_gpuIndices->size()),
-                   static_cast<unsigned>(triangles.size()));
-    _gpuIndices->append(static_cast<unsigned long>(triangles.size()), triangles.constData());
+    _state->addDrawCommand(name, group.flags, static_cast<unsigned>(_state->gpuIndices->size()),
+                           static_cast<unsigned>(triangles.size()));
+    _state->gpuIndices->append(static_cast<unsigned long>(triangles.size()), triangles.constData());
 }
 
-/// Files the command of a group: `count` entries of the combined indices from
-/// `firstIndex` on.
-void ModelBuilder::addDrawCommand(const QString &group, quint64 flags, unsigned firstIndex,
-                                  unsigned count)
-{
-    DrawElementsIndirectCommand command;
-    command.count = count;
-    command.instanceCount = 1;
-    command.firstIndex = firstIndex;
-    command.baseVertex = 0; // vertex numbers are absolute: all groups share one set
-    command.baseInstance = 0;
+namespace {
 
-    const quint64 key = flags & _flagsMask;
-    if (!_drawCommands.contains(key)) {
-        _drawCommands.insert(key, {});
-        _drawCommandGroups.insert(key, {});
-    }
-    _drawCommands[key].append(command);
-    _drawCommandGroups[key].append(group);
+/// Whether the attribute can be read as x, y, z floats.
+bool isPositionAttribute(const ModelBuilderState &state, const QString &name)
+{
+    const auto attribute = state.vertexAttributes.constFind(name);
+    return attribute != state.vertexAttributes.constEnd() &&
+           attribute->components >= PositionFloats && attribute->values &&
+           attribute->values->type() == GL_FLOAT;
 }
 
 /// Per face the position of its first corner, with 32-bit wrap-around.
-QVector<unsigned int> ModelBuilder::faceOffsets() const
+QVector<unsigned int> faceOffsets(const StreamPointer &verticesPerFace)
 {
     QVector<unsigned int> offsets;
-    const Numbers counts(_verticesPerFace);
+    const Numbers counts(verticesPerFace);
     offsets.reserve(static_cast<int>(counts.size));
     unsigned offset = 0;
     for (unsigned long face = 0; face < counts.size; ++face) {
@@ -154,10 +139,10 @@ QVector<unsigned int> ModelBuilder::faceOffsets() const
 
 /// Whether every command's run lies within the combined indices. It does not when
 /// the index stream had no room for all triangles.
-bool ModelBuilder::commandsFitIndices() const
+bool commandsFitIndices(const ModelBuilderState &state)
 {
-    const quint64 available = _gpuIndices ? _gpuIndices->size() : 0;
-    for (const Commands &commands : _drawCommands) {
+    const quint64 available = state.gpuIndices ? state.gpuIndices->size() : 0;
+    for (const ModelBuilderState::Commands &commands : state.drawCommands) {
         for (const DrawElementsIndirectCommand &command : commands) {
             if (quint64(command.firstIndex) + command.count > available)
                 return false;
@@ -166,70 +151,79 @@ bool ModelBuilder::commandsFitIndices() const
     return true;
 }
 
-/// Builds streams, commands and normals. False when something of it cannot be had;
-/// the builder then holds no commands, also when it throws.
-bool ModelBuilder::prepareForUpload(const QString &positionAttribute)
-{
-    try {
-        buildGPUFriendlyStreams(false);
-        // A copy: computing normals may insert into the table and move its records.
-        const VertexAttribute positions = _vertexAttributes.value(positionAttribute);
-        if (!positions.gpuValues || !positions.gpuIndices)
-            return false;
-        if (prepareMaterialGroups(positions) && commandsFitIndices() &&
-            (_normalsAttribute.isNull() || computeNormals(positions)))
-            return true;
-    } catch (...) {
-        dropCommands();
-        throw;
-    }
-    dropCommands();
-    return false;
-}
-
 /// False when a group could not be prepared: the model would lack it.
-bool ModelBuilder::prepareMaterialGroups(const VertexAttribute &positions)
+bool prepareMaterialGroups(ModelBuilder &builder, const VertexAttribute &positions)
 {
     const StageTimer timer(&LoadReport::Stages::triangulate);
-    const QVector<unsigned int> offsets = faceOffsets();
-    for (auto it = _materialGroups.cbegin(); it != _materialGroups.cend(); ++it) {
+    ModelBuilderState &state = builder.state();
+    const QVector<unsigned int> offsets = faceOffsets(state.verticesPerFace);
+    for (auto it = state.materialGroups.cbegin(); it != state.materialGroups.cend(); ++it) {
         if (!it->faces || it->faces->isEmpty())
             continue;
-        prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
-                                      positions.gpuIndices, offsets);
-        if (!_gpuIndices)
+        builder.prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
+                                              positions.gpuIndices, offsets);
+        if (!state.gpuIndices)
             return false;
     }
     return true;
 }
 
-/// Null stands for an empty index stream, which might not be had now.
-void ModelBuilder::dropCommands()
-{
-    _drawCommands.clear();
-    _drawCommandGroups.clear();
-    _gpuIndices.clear();
-}
-
 /// Gives the requested attribute one normal per GPU vertex.
-bool ModelBuilder::computeNormals(const VertexAttribute &positions)
+bool computeNormals(ModelBuilderState &state, const VertexAttribute &positions)
 {
     const StageTimer timer(&LoadReport::Stages::normals);
     const auto vertexCount = static_cast<int>(positions.gpuValues->size() /
                                               static_cast<unsigned long>(positions.components));
     const auto count = static_cast<unsigned long>(vertexCount) * PositionFloats;
-    const StreamPointer normals = allocate(GL_FLOAT, count);
-    if (!normals || normals->size() < count || !_gpuIndices)
+    const StreamPointer normals = state.allocate(GL_FLOAT, count);
+    if (!normals || normals->size() < count || !state.gpuIndices)
         return false;
-    TriMeshVertexNormals(vertexCount, static_cast<int>(_gpuIndices->size()),
+    TriMeshVertexNormals(vertexCount, static_cast<int>(state.gpuIndices->size()),
                          static_cast<const float *>(positions.gpuValues->data(0)),
-                         static_cast<const unsigned *>(_gpuIndices->data(0)),
+                         static_cast<const unsigned *>(state.gpuIndices->data(0)),
                          static_cast<float *>(normals->data(0)));
-    VertexAttribute &attribute = _vertexAttributes[_normalsAttribute];
+    VertexAttribute &attribute = state.vertexAttributes[state.normalsAttribute];
     attribute.gpuValues = normals;
     attribute.gpuIndices = positions.gpuIndices;
     attribute.components = PositionFloats;
     return true;
+}
+
+/// Streams, commands and normals. False when something of it cannot be had.
+bool prepareEverything(ModelBuilder &builder, const QString &positionAttribute)
+{
+    ModelBuilderState &state = builder.state();
+    builder.buildGPUFriendlyStreams(false);
+    // A copy: computing normals may change the record.
+    const VertexAttribute positions = state.vertexAttributes.value(positionAttribute);
+    if (!positions.gpuValues || !positions.gpuIndices)
+        return false;
+    return prepareMaterialGroups(builder, positions) && commandsFitIndices(state) &&
+           (state.normalsAttribute.isNull() || computeNormals(state, positions));
+}
+
+} // namespace
+
+bool canBeUploaded(const ModelBuilder &builder, const QString &positionAttribute)
+{
+    return builder.isValid() && isPositionAttribute(builder.state(), positionAttribute);
+}
+
+bool prepareForUpload(ModelBuilder &builder, const QString &positionAttribute)
+{
+    ModelBuilderState &state = builder.state();
+    if (!state.gpuIndices || state.gpuIndices->isEmpty()) {
+        try {
+            if (!prepareEverything(builder, positionAttribute)) {
+                state.dropCommands();
+                return false;
+            }
+        } catch (...) {
+            state.dropCommands();
+            throw;
+        }
+    }
+    return state.hasGPUStreams();
 }
 
 } // namespace Halvard::Orv

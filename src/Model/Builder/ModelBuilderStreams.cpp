@@ -4,9 +4,12 @@
 #include <OrvModel/VertexKey.h>
 
 #include "Builder/CornerHash.h"
+#include "Builder/ModelBuilderState.h"
 #include "Reports/LoadReport.h"
 
 #include <OrvGL/OpenGLFunctions.h>
+
+#include <QtCore/QHash>
 
 #include <algorithm>
 #include <limits>
@@ -17,7 +20,8 @@ namespace Halvard::Orv {
 
 namespace {
 
-using StreamPointer = QSharedPointer<ModelDataStream>;
+using StreamPointer = ModelBuilderState::StreamPointer;
+using VertexAttribute = ModelBuilderState::VertexAttribute;
 
 /// Per attribute the address of one index for every corner.
 using IndexList = QVector<const unsigned *>;
@@ -158,6 +162,18 @@ void fillIndices(const GPUVertices &vertices, unsigned cornerCount, const Stream
     }
 }
 
+/// Element offsets are signed 32-bit numbers; what goes beyond them is not built.
+bool cornersFitStreams(const ModelBuilderState &state, unsigned cornerCount)
+{
+    constexpr quint64 limit = std::numeric_limits<int>::max();
+    return std::all_of(state.vertexAttributes.cbegin(), state.vertexAttributes.cend(),
+                       [&](const VertexAttribute &attribute) {
+                           const auto components =
+                               static_cast<quint64>(std::max(attribute.components, 1));
+                           return cornerCount * components <= limit;
+                       });
+}
+
 } // namespace
 
 bool operator==(const VertexKey &first, const VertexKey &second)
@@ -180,19 +196,19 @@ void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
     const auto isBuilt = [](const VertexAttribute &attribute) {
         return attribute.gpuValues && attribute.gpuIndices;
     };
-    if (std::all_of(_vertexAttributes.cbegin(), _vertexAttributes.cend(), isBuilt))
+    if (std::all_of(_state->vertexAttributes.cbegin(), _state->vertexAttributes.cend(), isBuilt))
         return; // also when there is no attribute
 
-    const unsigned cornerCount = sumOfCorners(_verticesPerFace);
-    if (!cornersFitStreams(cornerCount))
+    const unsigned cornerCount = sumOfCorners(_state->verticesPerFace);
+    if (!cornersFitStreams(*_state, cornerCount))
         return;
 
     std::vector<CornerIndices> cornerIndices;
-    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes))
+    for (const VertexAttribute &attribute : qAsConst(_state->vertexAttributes))
         cornerIndices.emplace_back(attribute.indices);
     // Before memory of our own is asked for: where the faces claim more corners than a
     // stream holds, nothing else is needed.
-    const StreamPointer sharedIndices = allocate(GL_UNSIGNED_INT, cornerCount);
+    const StreamPointer sharedIndices = _state->allocate(GL_UNSIGNED_INT, cornerCount);
     if (!holds(sharedIndices, cornerCount))
         return;
     IndexList indexList;
@@ -203,12 +219,12 @@ void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
     fillIndices(vertices, cornerCount, sharedIndices);
 
     QVector<StreamPointer> newValues;
-    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes)) {
+    for (const VertexAttribute &attribute : qAsConst(_state->vertexAttributes)) {
         const unsigned type = attribute.values ? attribute.values->type() : GL_FLOAT;
         const int components = std::max(attribute.components, 0);
         const unsigned long count =
             static_cast<unsigned long>(vertices.count) * static_cast<unsigned long>(components);
-        const StreamPointer target = allocate(type, count);
+        const StreamPointer target = _state->allocate(type, count);
         if (!holds(target, count))
             return;
         ValueCopier copier(attribute.values, type, components, target);
@@ -220,23 +236,11 @@ void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
 
     // Only now that every stream is there: no attribute may have half of them.
     auto newValue = newValues.cbegin();
-    for (VertexAttribute &attribute : _vertexAttributes) {
+    for (VertexAttribute &attribute : _state->vertexAttributes) {
         attribute.gpuIndices = sharedIndices;
         attribute.gpuValues = *newValue++;
     }
     optimizeGPUStreams();
-}
-
-/// Element offsets are signed 32-bit numbers; what goes beyond them is not built.
-bool ModelBuilder::cornersFitStreams(unsigned cornerCount) const
-{
-    constexpr quint64 limit = std::numeric_limits<int>::max();
-    return std::all_of(_vertexAttributes.cbegin(), _vertexAttributes.cend(),
-                       [&](const VertexAttribute &attribute) {
-                           const auto components =
-                               static_cast<quint64>(std::max(attribute.components, 1));
-                           return cornerCount * components <= limit;
-                       });
 }
 
 } // namespace Halvard::Orv

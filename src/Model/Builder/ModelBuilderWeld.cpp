@@ -2,6 +2,7 @@
 #include <OrvModel/ModelBuilder.h>
 
 #include "Builder/AssertionReport.h"
+#include "Builder/ModelBuilderState.h"
 #include "Builder/StreamBytes.h"
 #include "Reports/WeldingReport.h"
 #include "Welding/RowWelding.h"
@@ -16,7 +17,8 @@ namespace Halvard::Orv {
 
 namespace {
 
-using StreamPointer = QSharedPointer<ModelDataStream>;
+using StreamPointer = ModelBuilderState::StreamPointer;
+using VertexAttribute = ModelBuilderState::VertexAttribute;
 
 // Lines under which the two checks are known in logs.
 constexpr int VertexCountCheckLine = 807;
@@ -80,25 +82,31 @@ void compact(const RowColumn &column, const QVector<int> &newToOld, const Stream
     }
 }
 
-} // namespace
-
-/// Streams that are welded only in part, because memory ended, would be taken for
-/// finished by the next upload: there are none then.
-void ModelBuilder::optimizeGPUStreams()
+/// Gives every attribute a stream of the vertices that stay. False when a stream
+/// cannot be had.
+bool replaceGPUValues(ModelBuilderState &state, const QVector<RowColumn> &columns,
+                      const QVector<int> &newToOld, const StreamPointer &sharedIndices)
 {
-    try {
-        weldGPUStreams();
-    } catch (...) {
-        dropGPUStreams();
-        throw;
+    auto column = columns.cbegin();
+    for (VertexAttribute &attribute : state.vertexAttributes) {
+        const unsigned long count = static_cast<unsigned long>(newToOld.size()) *
+                                    static_cast<unsigned long>(std::max(attribute.components, 0));
+        const StreamPointer welded = state.allocate(attribute.gpuValues->type(), count);
+        if (!welded || welded->size() < count)
+            return false;
+        compact(*column++, newToOld, welded);
+        attribute.gpuIndices = sharedIndices;
+        attribute.gpuValues = welded;
     }
+    return true;
 }
 
-void ModelBuilder::weldGPUStreams()
+/// \param builder whose address the message on welding shows.
+void weldGPUStreams(ModelBuilderState &state, const ModelBuilder *builder)
 {
     StreamPointer sharedIndices;
     int vertexCount = 0;
-    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes)) {
+    for (const VertexAttribute &attribute : qAsConst(state.vertexAttributes)) {
         if (!attribute.gpuValues || !attribute.gpuIndices)
             return;
         sharedIndices = attribute.gpuIndices;
@@ -110,7 +118,7 @@ void ModelBuilder::weldGPUStreams()
         return;
 
     VertexTable table;
-    for (const VertexAttribute &attribute : qAsConst(_vertexAttributes))
+    for (const VertexAttribute &attribute : qAsConst(state.vertexAttributes))
         table.addColumn(attribute.gpuValues,
                         elementBytes(attribute.gpuValues, attribute.components), vertexCount);
     QVector<int> oldToNew;
@@ -126,39 +134,26 @@ void ModelBuilder::weldGPUStreams()
                               QString::asprintf("Index not uint32 0x%X", sharedIndices->type()));
     remap(sharedIndices, oldToNew);
 
-    if (!replaceGPUValues(table.columns(), newToOld, sharedIndices)) {
+    if (!replaceGPUValues(state, table.columns(), newToOld, sharedIndices)) {
         // The indices speak of vertices that nobody holds.
-        dropGPUStreams();
+        state.dropGPUStreams();
         return;
     }
-    reportWelding(this, vertexCount, newVertexCount,
+    reportWelding(builder, vertexCount, newVertexCount,
                   ModelDataStream::typeSize(sharedIndices->type()));
 }
 
-/// Gives every attribute a stream of the vertices that stay. False when a stream
-/// cannot be had.
-bool ModelBuilder::replaceGPUValues(const QVector<RowColumn> &columns, const QVector<int> &newToOld,
-                                    const StreamPointer &sharedIndices)
-{
-    auto column = columns.cbegin();
-    for (VertexAttribute &attribute : _vertexAttributes) {
-        const unsigned long count = static_cast<unsigned long>(newToOld.size()) *
-                                    static_cast<unsigned long>(std::max(attribute.components, 0));
-        const StreamPointer welded = allocate(attribute.gpuValues->type(), count);
-        if (!welded || welded->size() < count)
-            return false;
-        compact(*column++, newToOld, welded);
-        attribute.gpuIndices = sharedIndices;
-        attribute.gpuValues = welded;
-    }
-    return true;
-}
+} // namespace
 
-void ModelBuilder::dropGPUStreams()
+/// Streams that are welded only in part, because memory ended, would be taken for
+/// finished by the next upload: there are none then.
+void ModelBuilder::optimizeGPUStreams()
 {
-    for (VertexAttribute &attribute : _vertexAttributes) {
-        attribute.gpuValues.clear();
-        attribute.gpuIndices.clear();
+    try {
+        weldGPUStreams(*_state, this);
+    } catch (...) {
+        _state->dropGPUStreams();
+        throw;
     }
 }
 

@@ -23,7 +23,7 @@ protected:
     void load(const QByteArray &text)
     {
         QString error;
-        const std::unique_ptr<GPUModel> model(loadModelFromOBJFile(
+        const std::unique_ptr<GPUModel> model(loadModelByPath(
             _directory.write(QStringLiteral("model.obj"), text), error, GetParam()));
         EXPECT_TRUE(model) << error.toStdString();
     }

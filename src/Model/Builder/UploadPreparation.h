@@ -1,0 +1,23 @@
+/// \file
+/// What upload() does before it talks to OpenGL.
+#pragma once
+
+class QString;
+
+namespace Halvard::Orv {
+
+class ModelBuilder;
+
+/// Whether the builder holds something to draw, and `positionAttribute` can be read as
+/// positions.
+bool canBeUploaded(const ModelBuilder &builder, const QString &positionAttribute);
+
+/// Builds streams, draw commands and normals where they are not built yet. Needs no
+/// OpenGL.
+///
+/// \param builder one that can be uploaded.
+/// \return false when something of it cannot be had; the builder then holds no
+///         commands. So it is when this throws.
+bool prepareForUpload(ModelBuilder &builder, const QString &positionAttribute);
+
+} // namespace Halvard::Orv
