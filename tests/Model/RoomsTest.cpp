@@ -46,10 +46,6 @@ const std::pair<const char *, const char *> AppExceptions[] = {
     {"apps/render/", "Materials/TextureSize.h"},
 };
 
-/// Files whose includes are not looked at.
-const std::set<std::string> Unsorted = {"src/Model/Builder/GeometryUpload.h",
-                                        "src/Model/Builder/GeometryUpload.cpp"};
-
 struct Include
 {
     std::string header;
@@ -181,8 +177,6 @@ Complaints includesThatPointUpwards(const Tree &tree)
 {
     Complaints complaints;
     for (const auto &[path, source] : tree) {
-        if (Unsorted.count(path) != 0)
-            continue;
         const std::string room = roomOf(path, tree);
         for (const Include &include : source.includes) {
             const std::string other = target(include, tree);

@@ -51,9 +51,9 @@ protected:
     /// A command of one triangle.
     static UploadInput::Command command(unsigned triangle, const char *group)
     {
-        return {3 * triangle,         3,
-                QLatin1String(group), InstanceData(QStringLiteral("OBJMaterial")),
-                int(triangle) + 7,    QLatin1String("object of ") + QLatin1String(group)};
+        return {drawCommand(3 * triangle, 3), QLatin1String(group),
+                InstanceData(QStringLiteral("OBJMaterial")), int(triangle) + 7,
+                QLatin1String("object of ") + QLatin1String(group)};
     }
 
     static UploadInput withBatches(UploadInput input, const QVector<UploadInput::Batch> &batches)
