@@ -3,48 +3,44 @@
 #include "support/Fuzzing.h"
 #include "support/PreparedOBJ.h"
 
+using namespace Halvard::Orv;
 using namespace OrvFuzz;
+using namespace OrvTest;
 
 namespace {
 
-constexpr int VectorBytes = 3 * sizeof(float);
-constexpr int PairBytes = 2 * sizeof(float);
-
-int byteCount(const PreparedOBJ &model, const char *attribute)
+/// How many values a vertex attribute has; -1 when there is none.
+int valueCount(const Bundle &bundle, const char *name, int components)
 {
-    const auto found = model.attributes.find(QLatin1String(attribute));
-    return found == model.attributes.end() ? -1 : found->second.size();
+    const auto found = bundle.attributes.find(QLatin1String(name));
+    if (found == bundle.attributes.end())
+        return -1;
+    const auto floats = static_cast<int>(found->second.values.size());
+    require(found->second.components == components, "an attribute of other components");
+    require(floats % components == 0, "values end in the middle of one");
+    return floats / components;
 }
 
 /// What the GPU relies on: as many values of each attribute, indices that select
 /// some, and commands that follow one another through all indices.
-void checkModel(const PreparedOBJ &model)
+void checkBundle(const Bundle &bundle)
 {
-    const int positionBytes = byteCount(model, "va_Vertex");
-    if (positionBytes < 0) {
-        require(model.attributes.empty() && model.commands.empty() && model.indices.isEmpty(),
-                "a model without positions has something else");
-        return;
-    }
-    require(positionBytes % VectorBytes == 0, "positions end in the middle of one");
-    const auto vertexCount = static_cast<unsigned>(positionBytes / VectorBytes);
-    require(byteCount(model, "va_Normal") == positionBytes, "not one normal for each position");
-    const int texCoordBytes = byteCount(model, "va_TexCoord");
-    require(texCoordBytes < 0 || texCoordBytes == static_cast<int>(vertexCount) * PairBytes,
+    const int vertexCount = valueCount(bundle, "va_Vertex", 3);
+    require(vertexCount >= 0, "something is drawn without positions");
+    require(valueCount(bundle, "va_Normal", 3) == vertexCount, "not one normal for each position");
+    const int texCoordCount = valueCount(bundle, "va_TexCoord", 2);
+    require(texCoordCount < 0 || texCoordCount == vertexCount,
             "not one texture coordinate for each position");
 
-    Input indices(reinterpret_cast<const std::uint8_t *>(model.indices.constData()),
-                  static_cast<std::size_t>(model.indices.size()));
-    while (!indices.isAtEnd())
-        require(indices.take<unsigned>() < vertexCount, "an index selects no vertex");
-    unsigned next = 0;
-    for (const PreparedOBJ::Command &command : model.commands) {
+    for (const quint32 index : bundle.indices)
+        require(index < static_cast<quint32>(vertexCount), "an index selects no vertex");
+    quint32 next = 0;
+    for (const Command &command : bundle.commands) {
         require(command.firstIndex == next && command.count % 3 == 0,
                 "commands do not follow one another in whole triangles");
         next += command.count;
     }
-    require(next * sizeof(unsigned) == static_cast<unsigned>(model.indices.size()),
-            "the commands do not take all indices");
+    require(next == bundle.indices.size(), "the commands do not take all indices");
 }
 
 } // namespace
@@ -57,9 +53,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     LibraryDirectory &libraries = LibraryDirectory::instance();
     libraries.write(text.mtl);
     PreparedOBJ model = prepareByBytes(text.obj, libraries.path(), largeChunks());
-    if (model.needsLineReader)
+    if (model.outcome == OBJScanOutcome::NeedsLineReader)
         model = prepareByLines(text.obj, libraries.path(), largeChunks());
-    require(!model.isTooLarge, "a small text passes a limit");
-    checkModel(model);
+    require(model.outcome != OBJScanOutcome::LimitExceeded, "a small text passes a limit");
+    for (const Bundle &bundle : model.prepared.bundles)
+        checkBundle(bundle);
     return 0;
 }

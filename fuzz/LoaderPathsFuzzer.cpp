@@ -1,4 +1,4 @@
-// The loader's two roads on the same text: every byte that would go to the GPU, every
+// The loader's two paths on the same text: every byte that would go to the GPU, every
 // material and every message must be the same.
 #include "support/Fuzzing.h"
 #include "support/PreparedOBJ.h"
@@ -67,10 +67,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray obj = hasBorder ? withBorderInside(text.obj, choice >> 4) : text.obj;
     const OBJScanLimits limits = hasBorder ? largeChunks() : limitsOf(choice);
     const PreparedOBJ bytes = prepareByBytes(obj, libraries.path(), limits);
-    if (bytes.needsLineReader)
-        return 0; // the line road is all there is
-    const std::string differs = difference(bytes, prepareByLines(obj, libraries.path(), limits));
-    if (!differs.empty())
-        fail("as bytes and by lines: " + differs);
+    if (bytes.outcome == OBJScanOutcome::NeedsLineReader)
+        return 0; // the line path is all there is
+    std::string text;
+    for (const std::string &line :
+         differences(prepareByLines(obj, libraries.path(), limits), bytes))
+        text += "\n    " + line;
+    if (!text.empty())
+        fail("by lines and as bytes:" + text);
     return 0;
 }

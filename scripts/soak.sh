@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Loads many random models and compares each with what an independent judge expects, to
+# Loads many random models and compares each with the reference implementation, to
 # the bit.
 #
 #     scripts/soak.sh [COUNT] [FIRST]
@@ -47,7 +47,7 @@ trap 'rm -rf "$logs"' EXIT
 soak_part() {
   ORV_RANDOM_MODELS_FIRST=$2 ORV_RANDOM_MODELS_COUNT=$3 \
     "$build_dir/tests/reference/RandomModelsTest" \
-    --gtest_filter=RandomModels.AreLoadedAsTheJudgeSays >"$logs/$1" 2>&1
+    --gtest_filter=RandomModels.AreLoadedAsByTheReference >"$logs/$1" 2>&1
 }
 
 parts=$(job_count)

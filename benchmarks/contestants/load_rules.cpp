@@ -6,20 +6,20 @@
 // A line is a QString split by a QRegExp; each corner gets a copy of its values; vertices
 // are welded by a QHash of their bytes; a face is triangulated in the plane of its own
 // normal, whatever it looks like. Reading, triangles and normals are those of the tests'
-// judge, which shares no code with the library. What comes out has to be the library's
-// result, vertex by vertex and triangle by triangle, without the driver.
+// reference implementation, which shares no code with the library. What comes out has to be the
+// library's result, vertex by vertex and triangle by triangle, without the driver.
 #include "Measurement.h"
 
-#include "reference/EarClipping.h"
-#include "reference/PouredModel.h"
-#include "reference/SmoothNormals.h"
+#include "reference/FaceTriangles.h"
+#include "reference/FileReading.h"
+
+#include "support/PlainGeometry.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QVector>
 
-#include <numeric>
-
 using namespace OrvReference;
+using namespace OrvTest;
 
 namespace {
 
@@ -42,13 +42,8 @@ struct Model
     std::vector<quint32> indices;
 };
 
-size_t cornerCount(const PouredModel &poured)
-{
-    return std::accumulate(poured.cornersPerFace.begin(), poured.cornersPerFace.end(), size_t(0));
-}
-
 /// A vertex for each corner.
-Column expanded(const Attribute &attribute, size_t corners)
+Column expanded(const PlainAttribute &attribute, size_t corners)
 {
     Column column{attribute.components, {}};
     const auto components = static_cast<size_t>(attribute.components);
@@ -92,20 +87,20 @@ Model welded(const std::map<QString, Column> &corners, size_t count)
 }
 
 /// The triangles of all groups, in place of the corners.
-void triangulate(const PouredModel &poured, Model &model)
+void triangulate(const PlainModel &read, Model &model)
 {
     std::vector<size_t> firstCorners;
     size_t next = 0;
-    for (const quint32 count : poured.cornersPerFace) {
+    for (const quint32 count : read.cornerCounts) {
         firstCorners.push_back(next);
         next += count;
     }
     const std::vector<float> &positions = model.columns[QStringLiteral("va_Vertex")].values;
     std::vector<quint32> triangles;
-    for (const MaterialGroup &group : poured.groups) {
+    for (const PlainGroup &group : read.groups) {
         for (const quint32 face : group.faces) {
             const auto first = model.indices.begin() + ptrdiff_t(firstCorners[face]);
-            const std::vector<quint32> corners(first, first + poured.cornersPerFace[face]);
+            const std::vector<quint32> corners(first, first + read.cornerCounts[face]);
             const std::vector<quint32> cut = triangulateFace(corners, positions);
             triangles.insert(triangles.end(), cut.begin(), cut.end());
         }
@@ -115,22 +110,22 @@ void triangulate(const PouredModel &poured, Model &model)
 
 bool load(const char *fileName, Model &model)
 {
-    PouredModel poured;
+    PlainModel read;
     QString error;
-    if (!pourOBJFile(QString::fromLocal8Bit(fileName), poured, error)) {
+    if (!readOBJFile(QString::fromLocal8Bit(fileName), read, error)) {
         std::fprintf(stderr, "%s\n", qPrintable(error));
         return false;
     }
-    const size_t corners = cornerCount(poured);
+    const size_t corners = read.cornerCount();
     std::map<QString, Column> columns;
-    for (const auto &[name, attribute] : poured.attributes)
+    for (const auto &[name, attribute] : read.attributes)
         columns[name] = expanded(attribute, corners);
     model = welded(columns, corners);
-    triangulate(poured, model);
+    triangulate(read, model);
     Column &normals = model.columns[QStringLiteral("va_Normal")];
     if (normals.values.empty()) {
-        normals = {3,
-                   smoothNormals(model.columns[QStringLiteral("va_Vertex")].values, model.indices)};
+        normals = {3, plainVertexNormals(model.columns[QStringLiteral("va_Vertex")].values,
+                                         model.indices)};
     }
     return true;
 }

@@ -1,42 +1,30 @@
 /// \file
-/// An OBJ text on either road of the loader, up to what would go to the GPU.
+/// An OBJ text on either path of the loader, up to what would go to the GPU.
 #pragma once
 
-#include "support/MessageCapture.h"
+#include "support/PlainModel.h"
+#include "support/UploadedModel.h"
 
-#include "Scanning/OBJScanLimits.h"
+#include "Scanning/OBJScanning.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-#include <map>
 #include <string>
 #include <vector>
 
 namespace OrvFuzz {
 
-/// Everything that comes of a text, floats and indices as bytes.
+/// Everything that comes of a text.
 struct PreparedOBJ
 {
-    struct Command
-    {
-        QString group;
-        unsigned firstIndex;
-        unsigned count;
-    };
-
-    /// Whether the text must be read by lines, or passes a limit; then nothing else is
-    /// set.
-    bool needsLineReader = false;
-    bool isTooLarge = false;
-    bool isLibraryMissing = false;
+    /// With NeedsLineReader and LimitExceeded nothing else is set.
+    Halvard::Orv::OBJScanOutcome outcome = Halvard::Orv::OBJScanOutcome::Finished;
     QString libraryPath;
-    /// Per material group what its record holds, one line a member.
-    std::map<QString, std::vector<QString>> materials;
-    std::map<QString, QByteArray> attributes;
-    QByteArray indices;
-    std::vector<Command> commands;
-    std::vector<OrvTest::Message> messages;
+    /// The material groups of the builder, with their records, without their faces.
+    OrvTest::PlainModel materials;
+    /// What would go to the GPU, if anything, and what was said.
+    OrvTest::UploadedModel prepared;
 };
 
 /// A model in one input: the text up to a line "#mtl" is the OBJ file, and what
@@ -74,7 +62,7 @@ bool namesLibraryByPath(const QByteArray &obj);
 PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
                            const Halvard::Orv::OBJScanLimits &limits);
 
-/// Pours the text line by line into a builder, and prepares that.
+/// Reads the text line by line into a builder, and prepares that.
 PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
                            const Halvard::Orv::OBJScanLimits &limits);
 
@@ -82,7 +70,7 @@ PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
 /// make.
 Halvard::Orv::OBJScanLimits largeChunks();
 
-/// What differs first; empty when nothing does.
-std::string difference(const PreparedOBJ &first, const PreparedOBJ &second);
+/// One line per difference: see ModelDifferences.h.
+std::vector<std::string> differences(const PreparedOBJ &lines, const PreparedOBJ &bytes);
 
 } // namespace OrvFuzz

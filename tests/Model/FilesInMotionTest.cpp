@@ -1,5 +1,6 @@
 // Files that change while they are read.
 #include "support/LeasedFile.h"
+#include "support/ModelDifferences.h"
 #include "support/TroublesomeFiles.h"
 
 #include <gmock/gmock.h>
@@ -17,7 +18,9 @@
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
+using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
 
 namespace {
 
@@ -40,10 +43,10 @@ protected:
     }
 
     /// \param change done while the loader waits; \return what is loaded.
-    RoadOutcome loadWhile(LoaderPath road, const std::function<void()> &change)
+    UploadedModel loadWhile(LoaderPath path, const std::function<void()> &change)
     {
         const LeasedFile lease(library, change);
-        RoadOutcome outcome = loadByRoad(fileName, road);
+        UploadedModel outcome = loadByPath(fileName, path);
         EXPECT_TRUE(lease.wasOpened() || !lease.isHeld());
         hasLeases = lease.isHeld();
         return outcome;
@@ -64,32 +67,32 @@ protected:
 
 TEST_F(FilesChangedInTheMiddle, ATruncatedOneEndsWhereItWasCut)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         SetUp();
         constexpr int FacesLeft = FacesBehind / 2;
-        const RoadOutcome outcome = loadWhile(road, [&] {
+        const UploadedModel outcome = loadWhile(path, [&] {
             QFile file(fileName);
             EXPECT_TRUE(file.resize(file.size() - 8 * (FacesBehind - FacesLeft)));
         });
         if (!hasLeases)
             GTEST_SKIP() << "no leases on the files of this system";
-        EXPECT_EQ(outcome.errorMessage, untouched());
-        EXPECT_EQ(triangles(outcome), 1 + FacesLeft);
+        EXPECT_EQ(outcome.error, UploadedModel::untouchedError());
+        EXPECT_EQ(outcome.bundle().triangleCount(), 1 + FacesLeft);
     }
 }
 
 TEST_F(FilesChangedInTheMiddle, AnAppendedOneIsReadToItsNewEnd)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         SetUp();
-        const RoadOutcome outcome = loadWhile(road, [&] {
+        const UploadedModel outcome = loadWhile(path, [&] {
             QFile file(fileName);
             EXPECT_TRUE(file.open(QIODevice::Append));
             file.write("f 1 3 2\nf 2 1 3\n");
         });
         if (!hasLeases)
             GTEST_SKIP() << "no leases on the files of this system";
-        EXPECT_EQ(triangles(outcome), 1 + FacesBehind + 2);
+        EXPECT_EQ(outcome.bundle().triangleCount(), 1 + FacesBehind + 2);
     }
 }
 
@@ -103,15 +106,15 @@ TEST_F(FilesChangedInTheMiddle, AReplacedOneIsReadAsItWas)
     const std::function<void()> replacements[] = {replaceByDirectory, replaceByPipe,
                                                   replaceByNothing};
     for (const auto &replace : replacements) {
-        for (const LoaderPath road : BothRoads) {
+        for (const LoaderPath path : BothPaths) {
             SetUp();
-            const RoadOutcome outcome = loadWhile(road, [&] {
+            const UploadedModel outcome = loadWhile(path, [&] {
                 EXPECT_TRUE(QFile::remove(fileName));
                 replace();
             });
             if (!hasLeases)
                 GTEST_SKIP() << "no leases on the files of this system";
-            EXPECT_EQ(triangles(outcome), 1 + FacesBehind);
+            EXPECT_EQ(outcome.bundle().triangleCount(), 1 + FacesBehind);
             QDir().rmdir(fileName);
             QFile::remove(fileName);
         }
@@ -120,17 +123,18 @@ TEST_F(FilesChangedInTheMiddle, AReplacedOneIsReadAsItWas)
 
 TEST_F(FilesChangedInTheMiddle, ALibraryThatIsReplacedWhileItIsWaitedForIsReadAsItIsThen)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         SetUp();
-        const RoadOutcome before = loadByRoad(fileName, road);
-        const RoadOutcome outcome = loadWhile(road, [&] {
+        const UploadedModel before = loadByPath(fileName, path);
+        const UploadedModel outcome = loadWhile(path, [&] {
             moveInPlace(files.write(QStringLiteral("new.mtl"), "newmtl a\nKd 1 0 0\n"));
         });
         if (!hasLeases)
             GTEST_SKIP() << "no leases on the files of this system";
-        EXPECT_EQ(outcome.errorMessage, untouched());
-        EXPECT_NE(outcome.records, before.records);
-        EXPECT_EQ(outcome.records, loadByRoad(fileName, road).records);
+        EXPECT_EQ(outcome.error, UploadedModel::untouchedError());
+        EXPECT_THAT(differences(before, outcome),
+                    ElementsAre("materials, record 0: number of members: expected 1, got 2"));
+        EXPECT_THAT(differences(loadByPath(fileName, path), outcome), IsEmpty());
     }
 }
 
@@ -162,14 +166,14 @@ TEST_F(FilesChangedInTheMiddle, ALibraryThatIsNoFileAnyMoreIsNotWaitedFor)
          {warningOfKind(library)}},
     };
     for (const NoLibrary &replacement : replacements) {
-        for (const LoaderPath road : BothRoads) {
+        for (const LoaderPath path : BothPaths) {
             SCOPED_TRACE(replacement.name);
             SetUp();
-            const RoadOutcome outcome = loadWhile(road, replacement.putInPlace);
+            const UploadedModel outcome = loadWhile(path, replacement.putInPlace);
             if (!hasLeases)
                 GTEST_SKIP() << "no leases on the files of this system";
-            EXPECT_FALSE(outcome.isModel);
-            EXPECT_EQ(outcome.errorMessage, mtlFailure(library));
+            EXPECT_TRUE(outcome.isNull);
+            EXPECT_EQ(outcome.error, mtlFailure(library));
             EXPECT_THAT(outcome.warnings(), ElementsAreArray(replacement.expectedWarnings));
             QDir().rmdir(library);
             QFile::remove(library);
@@ -188,11 +192,11 @@ TEST_F(FilesInMotion, AFileThatShrinksAndGrowsAllTheTime)
             QFile::resize(fileName, size * (i * 7919 % 13) / 13);
     });
     for (int i = 0; i < 40; ++i) {
-        for (const LoaderPath road : BothRoads) {
-            const RoadOutcome outcome = loadByRoad(fileName, road);
-            EXPECT_TRUE(outcome.isModel);
-            EXPECT_LE(triangles(outcome), 60001);
-            EXPECT_LE(outcome.vertexCount, 4u) << "three, and zeros for what is lost";
+        for (const LoaderPath path : BothPaths) {
+            const UploadedModel outcome = loadByPath(fileName, path);
+            EXPECT_FALSE(outcome.isNull);
+            EXPECT_LE(outcome.bundle().triangleCount(), 60001);
+            EXPECT_LE(outcome.bundle().vertexCount, 4u) << "three, and zeros for what is lost";
         }
     }
     done = true;

@@ -1,4 +1,4 @@
-// The loader's two roads on the same files: everything on the GPU, every record
+// The loader's two paths on the same files: everything on the GPU, every record
 // and every message must be the same.
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
@@ -31,7 +31,7 @@ TEST_F(LoaderPathsTest, AgreeOnEverySample)
     const QStringList samples = modelsBelow(QStringLiteral(ORV_SAMPLES_DIR));
     ASSERT_FALSE(samples.isEmpty());
     for (const QString &sample : samples)
-        expectSameOnBothRoads(sample);
+        expectSameOnBothPaths(sample);
 }
 
 TEST_F(LoaderPathsTest, AgreeOnRealModels)
@@ -40,7 +40,7 @@ TEST_F(LoaderPathsTest, AgreeOnRealModels)
     if (models.isEmpty())
         GTEST_SKIP() << "no folder of real models beside the repository";
     for (const QString &model : models)
-        expectSameOnBothRoads(model);
+        expectSameOnBothPaths(model);
 }
 
 TEST_F(LoaderPathsTest, AgreeOnOddFiles)
@@ -73,12 +73,12 @@ TEST_F(LoaderPathsTest, AgreeOnOddFiles)
     for (const auto &[name, text] : files) {
         SCOPED_TRACE(name);
         TemporaryModel model;
-        expectSameOnBothRoads(model.write(QStringLiteral("odd.obj"), text));
+        expectSameOnBothPaths(model.write(QStringLiteral("odd.obj"), text));
     }
 }
 
 /// Seen from far away a face's winding test is mostly rounding, and faces turn
-/// over; both roads must turn over the same.
+/// over; both paths must turn over the same.
 TEST_F(LoaderPathsTest, AgreeFarFromTheOrigin)
 {
     QByteArray text;
@@ -95,5 +95,5 @@ TEST_F(LoaderPathsTest, AgreeFarFromTheOrigin)
                 (i % 2 ? QByteArray("\n") : ' ' + QByteArray::number(i + 3) + '\n');
     }
     TemporaryModel model;
-    expectSameOnBothRoads(model.write(QStringLiteral("far.obj"), text));
+    expectSameOnBothPaths(model.write(QStringLiteral("far.obj"), text));
 }

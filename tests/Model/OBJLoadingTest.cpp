@@ -14,7 +14,6 @@ using namespace Halvard::Orv;
 using namespace OrvTest;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 
 namespace {
 
@@ -80,7 +79,7 @@ TEST_F(OBJLoading, LoadsATriangle)
 {
     LoadedOBJ loaded = load("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
     ASSERT_FALSE(loaded.isEmpty());
-    EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+    EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
     EXPECT_THAT(loaded.warnings(), IsEmpty());
 
     EXPECT_EQ(loaded.vertexCount(), 3u);
@@ -96,8 +95,8 @@ TEST_F(OBJLoading, LoadsATriangle)
 
     ASSERT_EQ(loaded.drawn().size(), 1u);
     const Drawn &drawn = loaded.drawn().front();
-    EXPECT_EQ(drawn.material, QStringLiteral("<default>"));
-    EXPECT_TRUE(drawn.object.isEmpty());
+    EXPECT_EQ(drawn.command.material, QStringLiteral("<default>"));
+    EXPECT_TRUE(drawn.command.object.isEmpty());
     EXPECT_EQ(drawn.command.count, 3u);
     EXPECT_EQ(drawn.command.instanceCount, 1u);
     EXPECT_EQ(drawn.command.firstIndex, 0u);
@@ -214,7 +213,7 @@ TEST_F(OBJLoading, DrawsFacesWithTheirMaterials)
         SCOPED_TRACE(row.name);
         const LoadedOBJ loaded = load(Points + row.faces);
         ASSERT_TRUE(loaded.isModel());
-        EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+        EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
         EXPECT_EQ(trianglesOf(loaded), row.triangles);
         EXPECT_EQ(loaded.isEmpty(), row.triangles.empty());
         EXPECT_EQ(loaded.warnings(),
@@ -232,7 +231,7 @@ TEST_F(OBJLoading, DrawsRunsOfOneElementBuffer)
     ASSERT_EQ(loaded.drawn().size(), 3u);
     unsigned first = 0;
     for (const Drawn &drawn : loaded.drawn()) {
-        EXPECT_EQ(drawn.command.firstIndex, first) << drawn.material.toStdString();
+        EXPECT_EQ(drawn.command.firstIndex, first) << drawn.command.material.toStdString();
         EXPECT_EQ(drawn.command.instanceCount, 1u);
         EXPECT_EQ(drawn.command.baseVertex, 0);
         EXPECT_EQ(drawn.command.baseInstance, 0u);
@@ -259,14 +258,14 @@ TEST_F(OBJLoading, WarnsOfPolygonsThatCannotBeCut)
 TEST_F(OBJLoading, LogsHowManyVerticesWereWelded)
 {
     const auto line = [](const std::string &numbers) {
-        return ElementsAre(MatchesRegex("0x[0-9a-f]+ Vertices Map " + numbers));
+        return ElementsAre("(address) Vertices Map " + numbers);
     };
     EXPECT_THAT(load(Points + "f 1 2 3 4\nf 1 2 3\nf 5\n").statistics(),
-                line("       8 ->        5 d        3 \\( 62 %\\) 4"));
+                line("       8 ->        5 d        3 ( 62 %) 4"));
     EXPECT_THAT(load(Points + "usemtl none\nf 1 2 3\n").statistics(),
-                line("       3 ->        3 d        0 \\(100 %\\) 4"));
+                line("       3 ->        3 d        0 (100 %) 4"));
     EXPECT_THAT(load(Points + "f 1 1 1\n").statistics(),
-                line("       3 ->        1 d        2 \\( 33 %\\) 4"));
+                line("       3 ->        1 d        2 ( 33 %) 4"));
     EXPECT_THAT(load(Points + "f 1 2 3\nvn 0 0 1\n").statistics(), IsEmpty());
     EXPECT_THAT(load("").statistics(), IsEmpty());
 }
@@ -285,13 +284,14 @@ TEST_F(OBJLoading, GivesEachCommandItsRecords)
 
     const std::vector<float> identity{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     for (const Drawn &drawn : loaded.drawn()) {
-        EXPECT_EQ(drawn.record.name(), QStringLiteral("OBJMaterial"));
-        EXPECT_EQ(drawn.instance.name(), QStringLiteral("InstanceInfo"));
-        EXPECT_THAT(drawn.instance.members(), ElementsAre(QStringLiteral("ModelMatrix"),
-                                                          QStringLiteral("PreviousModelMatrix"),
-                                                          QStringLiteral("ModelNormalMatrix")));
-        for (const char *matrix : {"ModelMatrix", "PreviousModelMatrix", "ModelNormalMatrix"})
-            EXPECT_THAT(floatsOf(drawn.instance, matrix), areFloats(identity)) << matrix;
+        EXPECT_EQ(drawn.record.plan, QStringLiteral("OBJMaterial"));
+        EXPECT_EQ(drawn.instance.plan, QStringLiteral("InstanceInfo"));
+        const char *const matrices[] = {"ModelMatrix", "PreviousModelMatrix", "ModelNormalMatrix"};
+        ASSERT_EQ(drawn.instance.members.size(), std::size(matrices));
+        for (std::size_t i = 0; i < std::size(matrices); ++i) {
+            EXPECT_EQ(drawn.instance.members[i].name, QLatin1String(matrices[i]));
+            EXPECT_THAT(drawn.instance.members[i].floats(), areFloats(identity)) << matrices[i];
+        }
     }
     EXPECT_EQ(loaded.model().materials(0)->name(), QStringLiteral("OBJMaterial"));
     EXPECT_EQ(loaded.model().materials(0)->records().size(), 3);
@@ -309,7 +309,7 @@ TEST_F(OBJLoading, KeepsTheFirstDefinitionAmongLibraries)
     EXPECT_THAT(described(loaded.drawnWith("a").record), ElementsAre("Ns 1", "d 1"));
     EXPECT_THAT(described(loaded.drawnWith("b").record), ElementsAre("Ns 3", "d 1"));
     // The default material is there before any library.
-    EXPECT_THAT(floatsOf(loaded.drawnWith("<default>").record, "Ns"), areFloats({10}));
+    EXPECT_THAT(loaded.drawnWith("<default>").record.member("Ns").floats(), areFloats({10}));
 }
 
 TEST_F(OBJLoading, FindsLibrariesAndTexturesBesideTheFilesThatNameThem)
@@ -408,7 +408,7 @@ TEST_F(OBJLoading, GivesAnEmptyModelForNothingToDraw)
         const LoadedOBJ loaded = load(row.text);
         EXPECT_TRUE(loaded.isModel());
         EXPECT_TRUE(loaded.isEmpty());
-        EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+        EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
         EXPECT_THAT(loaded.warnings(), IsEmpty());
     }
 }
@@ -422,7 +422,7 @@ TEST_F(OBJLoading, GivesAnEmptyModelWithoutAContext)
         const LoadedOBJ loaded(good);
         EXPECT_TRUE(loaded.isModel());
         EXPECT_TRUE(loaded.isEmpty());
-        EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+        EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
         EXPECT_FALSE(LoadedOBJ(bad).isModel());
     }
     EXPECT_FALSE(LoadedOBJ(good).isEmpty());

@@ -184,7 +184,7 @@ TEST_F(OBJLoadingVertices, PutsAttributesTogether)
     for (const StreamCase &row : StreamCases) {
         SCOPED_TRACE(row.name);
         const LoadedOBJ loaded = load(row.text);
-        EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+        EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
         EXPECT_THAT(loaded.values("va_Vertex"), areFloats(row.positions));
         EXPECT_THAT(loaded.values("va_TexCoord"), areFloats(row.texCoords));
         EXPECT_EQ(loaded.values("va_Normal"), row.normals);

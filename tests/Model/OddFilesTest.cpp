@@ -123,9 +123,9 @@ TEST_F(SpecialFiles, AreNoModels)
 {
     for (const SpecialFile &file : special) {
         SCOPED_TRACE(file.name);
-        const RoadOutcome outcome = expectSameOnBothRoads(file.path);
-        EXPECT_FALSE(outcome.isModel);
-        EXPECT_EQ(outcome.errorMessage, objFailure(file.path));
+        const UploadedModel outcome = expectSameOnBothPaths(file.path);
+        EXPECT_TRUE(outcome.isNull);
+        EXPECT_EQ(outcome.error, objFailure(file.path));
         EXPECT_THAT(outcome.warnings(), ElementsAreArray(expectedWarnings(file)));
     }
 }
@@ -134,22 +134,22 @@ TEST_F(SpecialFiles, AreNoLibraries)
 {
     for (const SpecialFile &file : special) {
         SCOPED_TRACE(file.name);
-        const RoadOutcome outcome =
-            expectSameOnBothRoads(model("mtllib " + file.path.toUtf8() + '\n' + Triangle));
-        EXPECT_FALSE(outcome.isModel);
-        EXPECT_EQ(outcome.errorMessage, mtlFailure(file.path));
+        const UploadedModel outcome =
+            expectSameOnBothPaths(model("mtllib " + file.path.toUtf8() + '\n' + Triangle));
+        EXPECT_TRUE(outcome.isNull);
+        EXPECT_EQ(outcome.error, mtlFailure(file.path));
         EXPECT_THAT(outcome.warnings(), ElementsAreArray(expectedWarnings(file)));
     }
 }
 
 TEST_F(OddFiles, TheNullDeviceIsAnEmptyFile)
 {
-    const RoadOutcome empty = expectSameOnBothRoads(QStringLiteral("/dev/null"));
-    EXPECT_TRUE(empty.isModel);
-    EXPECT_EQ(empty.bundleCount, 0);
+    const UploadedModel empty = expectSameOnBothPaths(QStringLiteral("/dev/null"));
+    EXPECT_FALSE(empty.isNull);
+    EXPECT_EQ(empty.bundles.size(), 0u);
     EXPECT_THAT(empty.messages, IsEmpty());
-    const RoadOutcome drawn = expectSameOnBothRoads(model("mtllib /dev/null\n" + Triangle));
-    EXPECT_EQ(triangles(drawn), 1);
+    const UploadedModel drawn = expectSameOnBothPaths(model("mtllib /dev/null\n" + Triangle));
+    EXPECT_EQ(drawn.bundle().triangleCount(), 1);
     EXPECT_THAT(drawn.warnings(), IsEmpty());
 }
 
@@ -159,9 +159,9 @@ TEST_F(OddFiles, FilesThatSayTheyAreEmptyAreEmpty)
     const QString status = QStringLiteral("/proc/self/status");
     if (!QFile::exists(status))
         GTEST_SKIP() << "no " << status.toStdString();
-    const RoadOutcome outcome = expectSameOnBothRoads(status);
-    EXPECT_TRUE(outcome.isModel);
-    EXPECT_EQ(outcome.bundleCount, 0);
+    const UploadedModel outcome = expectSameOnBothPaths(status);
+    EXPECT_FALSE(outcome.isNull);
+    EXPECT_EQ(outcome.bundles.size(), 0u);
 }
 
 /// Somebody else, while it lives. Being root, one may read everything.
@@ -193,8 +193,8 @@ TEST_F(OddFiles, FilesThatMayNotBeReadCannotBeOpened)
     ASSERT_EQ(chmod(naming.toLocal8Bit().constData(), 0644), 0);
 
     const NobodyInParticular nobody;
-    EXPECT_EQ(expectSameOnBothRoads(secret).errorMessage, objFailure(secret));
-    EXPECT_EQ(expectSameOnBothRoads(naming).errorMessage, mtlFailure(library));
+    EXPECT_EQ(expectSameOnBothPaths(secret).error, objFailure(secret));
+    EXPECT_EQ(expectSameOnBothPaths(naming).error, mtlFailure(library));
 }
 
 /// However a load ends, the files it has opened are closed.
@@ -205,11 +205,11 @@ TEST_F(SpecialFiles, LeaveNothingOpen)
         GTEST_SKIP() << "no " << descriptors.path().toStdString();
     const auto loadAll = [this] {
         for (const SpecialFile &file : special) {
-            loadByRoad(file.path, LoaderPath::Fast);
-            loadByRoad(model("mtllib " + file.path.toUtf8() + '\n'), LoaderPath::Lines);
+            loadByPath(file.path, LoaderPath::Fast);
+            loadByPath(model("mtllib " + file.path.toUtf8() + '\n'), LoaderPath::Lines);
         }
         files.write(QStringLiteral("m.mtl"), "newmtl a\n");
-        loadByRoad(model("mtllib m.mtl\n" + Triangle), LoaderPath::Fast);
+        loadByPath(model("mtllib m.mtl\n" + Triangle), LoaderPath::Fast);
     };
     const auto openFiles = [&] { return QDir(descriptors.path()).entryList(QDir::AllEntries); };
     loadAll();
@@ -228,17 +228,17 @@ TEST_F(OddFiles, ALibraryNamedManyTimesIsReadOnce)
     for (int i = 0; i < 20000; ++i)
         spellings += "mtllib " + QByteArray("./").repeated(i % 20) + "m.mtl\n";
     const std::clock_t begin = std::clock();
-    const RoadOutcome outcome = expectSameOnBothRoads(model(spellings + "usemtl a\n" + Triangle));
+    const UploadedModel outcome = expectSameOnBothPaths(model(spellings + "usemtl a\n" + Triangle));
     EXPECT_LT(std::clock() - begin, 20 * CLOCKS_PER_SEC);
-    EXPECT_THAT(outcome.materialNames, ElementsAre(QStringLiteral("a")));
-    EXPECT_EQ(triangles(outcome), 1);
+    EXPECT_THAT(outcome.bundle().materialNames(), ElementsAre(QStringLiteral("a")));
+    EXPECT_EQ(outcome.bundle().triangleCount(), 1);
 }
 
 TEST_F(OddFiles, AModelMayBeItsOwnLibrary)
 {
-    const RoadOutcome outcome = expectSameOnBothRoads(
+    const UploadedModel outcome = expectSameOnBothPaths(
         model("newmtl a\nKd 1 0 0\nmtllib model.obj\nmtllib ./model.obj\nusemtl a\n" + Triangle));
-    EXPECT_THAT(outcome.materialNames, ElementsAre(QStringLiteral("a")));
+    EXPECT_THAT(outcome.bundle().materialNames(), ElementsAre(QStringLiteral("a")));
     EXPECT_THAT(outcome.warnings(), IsEmpty());
 }
 
@@ -253,16 +253,16 @@ TEST_F(OddFiles, ManyMaterialGroups)
         faces += "usemtl " + name + "\nf 1 2 3\n";
     }
     files.write(QStringLiteral("m.mtl"), library);
-    const RoadOutcome outcome = expectSameOnBothRoads(model("mtllib m.mtl\n" + Triangle + faces));
-    EXPECT_EQ(outcome.commands.size(), count + 1);
-    EXPECT_EQ(outcome.vertexCount, 3u);
+    const UploadedModel outcome = expectSameOnBothPaths(model("mtllib m.mtl\n" + Triangle + faces));
+    EXPECT_EQ(outcome.bundle().commands.size(), count + 1u);
+    EXPECT_EQ(outcome.bundle().vertexCount, 3u);
 }
 
 TEST_F(OddFiles, BlanksAndNothingElse)
 {
-    const RoadOutcome outcome = expectSameOnBothRoads(largeModel(QByteArray(1 << 20, ' '), 16));
-    EXPECT_TRUE(outcome.isModel);
-    EXPECT_EQ(outcome.bundleCount, 0);
+    const UploadedModel outcome = expectSameOnBothPaths(largeModel(QByteArray(1 << 20, ' '), 16));
+    EXPECT_FALSE(outcome.isNull);
+    EXPECT_EQ(outcome.bundles.size(), 0u);
 }
 
 TEST_F(OddFiles, ALineThatIsTooLongIsRefused)
@@ -273,9 +273,9 @@ TEST_F(OddFiles, ALineThatIsTooLongIsRefused)
     for (const char filling : {' ', 'x', '\0', '1'}) {
         const QString fileName = model(
             Triangle + QByteArray(int(limits.lineBytes + 2 * limits.chunkBytes), filling) + '\n');
-        const RoadOutcome outcome = loadByRoad(fileName, LoaderPath::Fast, limits);
-        EXPECT_FALSE(outcome.isModel);
-        EXPECT_EQ(outcome.errorMessage, objFailure(fileName));
+        const UploadedModel outcome = loadByPath(fileName, LoaderPath::Fast, limits);
+        EXPECT_TRUE(outcome.isNull);
+        EXPECT_EQ(outcome.error, objFailure(fileName));
         EXPECT_THAT(outcome.warnings(),
                     ElementsAre("'" + fileName.toStdString() +
                                 "' is not loaded: it has a line of more than 1048576 bytes, and a "
@@ -288,11 +288,11 @@ TEST_F(OddFiles, FourGigabytesOfBlanks)
     if (!longTests())
         GTEST_SKIP() << "set ORV_LONG_TESTS=1 to write and read 4 GB";
     const QString line = largeModel(QByteArray(1 << 20, ' '), 4096);
-    EXPECT_EQ(loadByRoad(line, LoaderPath::Fast).errorMessage, objFailure(line));
+    EXPECT_EQ(loadByPath(line, LoaderPath::Fast).error, objFailure(line));
     const QString lines = largeModel(QByteArray((1 << 20) - 1, ' ') + '\n', 4096);
-    const RoadOutcome outcome = loadByRoad(lines, LoaderPath::Fast);
-    EXPECT_TRUE(outcome.isModel);
-    EXPECT_EQ(outcome.bundleCount, 0);
+    const UploadedModel outcome = loadByPath(lines, LoaderPath::Fast);
+    EXPECT_FALSE(outcome.isNull);
+    EXPECT_EQ(outcome.bundles.size(), 0u);
 }
 
 /// Zero bytes need no room on the disk.
@@ -302,8 +302,8 @@ TEST_F(OddFiles, FourGigabytesOfZeroBytes)
         GTEST_SKIP() << "set ORV_LONG_TESTS=1 to read 4 GB";
     const QString fileName = model(Triangle);
     ASSERT_TRUE(QFile::resize(fileName, qint64(4) << 30));
-    for (const LoaderPath road : BothRoads)
-        EXPECT_EQ(loadByRoad(fileName, road).errorMessage, objFailure(fileName));
+    for (const LoaderPath path : BothPaths)
+        EXPECT_EQ(loadByPath(fileName, path).error, objFailure(fileName));
 }
 
 TEST_F(OddFiles, ALineOfAGigabyte)
@@ -317,7 +317,7 @@ TEST_F(OddFiles, ALineOfAGigabyte)
         ASSERT_TRUE(file.open(QIODevice::Append));
         file.write("\n" + Triangle);
         file.close();
-        EXPECT_EQ(triangles(loadByRoad(fileName, LoaderPath::Fast)), 1);
+        EXPECT_EQ(loadByPath(fileName, LoaderPath::Fast).bundle().triangleCount(), 1);
     }
 }
 

@@ -1,5 +1,5 @@
 // Text as no exporter should write it: encodings, blanks, line ends, and numbers and lines
-// of any length. Both roads must make the same of it, in time that grows with the text.
+// of any length. Both paths must make the same of it, in time that grows with the text.
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
 #include "support/TemporaryModel.h"
@@ -23,6 +23,7 @@ using namespace Halvard::Orv;
 using namespace OrvTest;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
 
 namespace {
 
@@ -51,33 +52,18 @@ QByteArray bytes(const char (&text)[Size])
 class OddText : public GLTest
 {
 protected:
-    RoadOutcome load(const QByteArray &text) const
+    UploadedModel load(const QByteArray &text) const
     {
-        return expectSameOnBothRoads(_files.write(QStringLiteral("odd.obj"), text));
-    }
-
-    static int triangles(const RoadOutcome &outcome)
-    {
-        int count = 0;
-        for (const DrawElementsIndirectCommand &command : outcome.commands)
-            count += static_cast<int>(command.count) / 3;
-        return count;
-    }
-
-    static std::vector<float> positions(const RoadOutcome &outcome)
-    {
-        const QByteArray stored = outcome.attributes.at(QStringLiteral("va_Vertex"));
-        std::vector<float> values(static_cast<size_t>(stored.size()) / sizeof(float));
-        std::memcpy(values.data(), stored.constData(), values.size() * sizeof(float));
-        return values;
+        return expectSameOnBothPaths(_files.write(QStringLiteral("odd.obj"), text));
     }
 
     /// The x of the first of three corners, of which it is told from the others.
     float number(const QByteArray &text) const
     {
-        const RoadOutcome outcome = load("v " + text + " 7 7\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
-        EXPECT_EQ(outcome.vertexCount, 3u);
-        return outcome.vertexCount == 3 ? positions(outcome).at(0) : std::nanf("");
+        const UploadedModel outcome = load("v " + text + " 7 7\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+        EXPECT_EQ(outcome.bundle().vertexCount, 3u);
+        return outcome.bundle().vertexCount == 3 ? outcome.bundle().values("va_Vertex").at(0)
+                                                 : std::nanf("");
     }
 
     TemporaryModel _files;
@@ -89,7 +75,7 @@ TEST_F(OddText, AMarkTellsTheEncoding)
     const QString text = QLatin1String(Triangle);
     for (const char *codec : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         SCOPED_TRACE(codec);
-        EXPECT_THAT(positions(load(encoded(text, codec, true))),
+        EXPECT_THAT(load(encoded(text, codec, true)).bundle().values("va_Vertex"),
                     ElementsAre(0, 0, 0, 1, 0, 0, 0, 1, 0));
     }
 }
@@ -101,9 +87,9 @@ TEST_F(OddText, WideTextWithoutAMarkIsNoModel)
     const QString text = QLatin1String(Triangle);
     for (const char *codec : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         SCOPED_TRACE(codec);
-        const RoadOutcome outcome = load(encoded(text, codec, false));
-        EXPECT_TRUE(outcome.isModel);
-        EXPECT_EQ(outcome.bundleCount, 0);
+        const UploadedModel outcome = load(encoded(text, codec, false));
+        EXPECT_FALSE(outcome.isNull);
+        EXPECT_EQ(outcome.bundles.size(), 0u);
     }
 }
 
@@ -115,7 +101,8 @@ TEST_F(OddText, LibrariesHaveEncodingsOfTheirOwn)
     for (const char *codec : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         SCOPED_TRACE(codec);
         _files.write(QStringLiteral("m.mtl"), encoded(library, codec, true));
-        EXPECT_THAT(load(model).materialNames, ElementsAre(QString::fromUtf8("caf\xc3\xa9")));
+        EXPECT_THAT(load(model).bundle().materialNames(),
+                    ElementsAre(QString::fromUtf8("caf\xc3\xa9")));
     }
 }
 
@@ -124,18 +111,19 @@ TEST_F(OddText, Latin1InALocaleOfUTF8StillSelectsItsMaterial)
 {
     const ScopedLocaleCodec locale("UTF-8");
     _files.write(QStringLiteral("m.mtl"), "newmtl caf\xe9\nKd 1 0 0\nnewmtl caf\xe8\nKd 0 1 0\n");
-    const RoadOutcome outcome =
+    const UploadedModel outcome =
         load("mtllib m.mtl\nusemtl caf\xe9\n" + QByteArray(Triangle) + "usemtl caf\xe8\nf 3 2 1\n");
-    EXPECT_THAT(outcome.materialNames, ElementsAre(QString::fromUtf8("caf\xef\xbf\xbd")));
-    EXPECT_EQ(triangles(outcome), 2) << "two names that cannot be told apart are one";
+    EXPECT_THAT(outcome.bundle().materialNames(),
+                ElementsAre(QString::fromUtf8("caf\xef\xbf\xbd")));
+    EXPECT_EQ(outcome.bundle().triangleCount(), 2) << "two names that cannot be told apart are one";
 }
 
 TEST_F(OddText, Latin1InItsOwnLocale)
 {
     const ScopedLocaleCodec locale("ISO-8859-1");
     _files.write(QStringLiteral("m.mtl"), "newmtl caf\xe9\nnewmtl caf\xe8\n");
-    const RoadOutcome outcome = load("mtllib m.mtl\nusemtl caf\xe9\n" + QByteArray(Triangle));
-    EXPECT_THAT(outcome.materialNames, ElementsAre(QString::fromUtf8("caf\xc3\xa9")));
+    const UploadedModel outcome = load("mtllib m.mtl\nusemtl caf\xe9\n" + QByteArray(Triangle));
+    EXPECT_THAT(outcome.bundle().materialNames(), ElementsAre(QString::fromUtf8("caf\xc3\xa9")));
 }
 
 TEST_F(OddText, ZeroBytesBelongToTheirToken)
@@ -158,8 +146,8 @@ TEST_F(OddText, ZeroBytesBelongToTheirToken)
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
-        const RoadOutcome outcome = load(row.text);
-        EXPECT_EQ(outcome.isModel ? triangles(outcome) : -1, row.triangles);
+        const UploadedModel outcome = load(row.text);
+        EXPECT_EQ(outcome.isNull ? -1 : outcome.bundle().triangleCount(), row.triangles);
     }
 }
 
@@ -167,11 +155,11 @@ TEST_F(OddText, CarriageReturnsAreNoLineEnds)
 {
     QByteArray lone = Triangle;
     lone.replace('\n', '\r');
-    EXPECT_EQ(load(lone).bundleCount, 0) << "all of it is one line";
+    EXPECT_THAT(load(lone).bundles, IsEmpty()) << "all of it is one line";
     for (const char *end : {"\r\n", "\n\r", "\r\r\n", "\n\r\n"}) {
         QByteArray text = Triangle;
         text.replace("\n", end);
-        EXPECT_EQ(triangles(load(text)), 1);
+        EXPECT_EQ(load(text).bundle().triangleCount(), 1);
     }
     EXPECT_EQ(number("2\r3"), 23.0f);
 }
@@ -186,11 +174,11 @@ TEST_F(OddText, BlanksAreWhatUnicodeSaysTheyAre)
          {0x09,   0x0b,   0x0c,   0x85,   0xa0,   0x1680, 0x2000, 0x2001, 0x2002, 0x2003, 0x2004,
           0x2005, 0x2006, 0x2007, 0x2008, 0x2009, 0x200a, 0x2028, 0x2029, 0x202f, 0x205f, 0x3000}) {
         SCOPED_TRACE(testing::Message() << "U+" << std::hex << blank);
-        EXPECT_EQ(triangles(load(modelWith(blank))), 1);
+        EXPECT_EQ(load(modelWith(blank)).bundle().triangleCount(), 1);
     }
     for (const int other : {0x08, 0x1c, 0x180e, 0x200b, 0x2060, 0xfeff}) {
         SCOPED_TRACE(testing::Message() << "U+" << std::hex << other);
-        EXPECT_EQ(triangles(load(modelWith(other))), QChar(other).isSpace() ? 1 : 0);
+        EXPECT_EQ(load(modelWith(other)).bundle().triangleCount(), QChar(other).isSpace() ? 1 : 0);
     }
 }
 
@@ -222,10 +210,10 @@ TEST_F(OddText, LinesOfAMillionTokens)
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
         const bool drawsOne = row.begin == "f 1 2 3 #";
-        const RoadOutcome outcome =
+        const UploadedModel outcome =
             load(Triangle + row.begin + row.token.repeated(1000000) + row.end + '\n');
-        EXPECT_EQ(outcome.errorMessage, QLatin1String("untouched"));
-        EXPECT_EQ(triangles(outcome), drawsOne ? 2 : 1);
+        EXPECT_EQ(outcome.error, UploadedModel::untouchedError());
+        EXPECT_EQ(outcome.bundle().triangleCount(), drawsOne ? 2 : 1);
     }
 }
 
@@ -268,11 +256,11 @@ TEST_F(OddText, IndicesOfTenThousandDigits)
     const QByteArray zeros(10000, '0');
     const QByteArray nines(10000, '9');
     const QByteArray points = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
-    EXPECT_EQ(triangles(load(points + "f " + zeros + "1 2 3\n")), 1);
-    EXPECT_EQ(triangles(load(points + "f -" + zeros + "1 2 1\n")), 1);
-    EXPECT_EQ(load(points + "f 1 2 " + nines + "\n").bundleCount, 0) << "a face is dropped";
-    EXPECT_EQ(load(points + "f 1 2 -" + nines + "\n").bundleCount, 0);
-    EXPECT_EQ(load(points + "f 1 2 3/" + nines + "\n").bundleCount, 0);
+    EXPECT_EQ(load(points + "f " + zeros + "1 2 3\n").bundle().triangleCount(), 1);
+    EXPECT_EQ(load(points + "f -" + zeros + "1 2 1\n").bundle().triangleCount(), 1);
+    EXPECT_THAT(load(points + "f 1 2 " + nines + "\n").bundles, IsEmpty()) << "a face is dropped";
+    EXPECT_THAT(load(points + "f 1 2 -" + nines + "\n").bundles, IsEmpty());
+    EXPECT_THAT(load(points + "f 1 2 3/" + nines + "\n").bundles, IsEmpty());
 }
 
 /// Libraries read numbers with another reader; it must take any length.
@@ -281,12 +269,12 @@ TEST_F(OddText, LibrariesOfLongNumbers)
     const QByteArray digits(10000, '1');
     _files.write(QStringLiteral("m.mtl"), "newmtl a\nKd " + digits + " 0." + digits + " 1e" +
                                               digits + "\nNs " + digits + "\nd -" + digits + '\n');
-    const RoadOutcome outcome = load("mtllib m.mtl\nusemtl a\n" + QByteArray(Triangle));
-    EXPECT_THAT(outcome.materialNames, ElementsAre(QStringLiteral("a")));
+    const UploadedModel outcome = load("mtllib m.mtl\nusemtl a\n" + QByteArray(Triangle));
+    EXPECT_THAT(outcome.bundle().materialNames(), ElementsAre(QStringLiteral("a")));
 }
 
 /// The least of three, in seconds of this thread.
-double loadingTime(const QString &fileName, LoaderPath road)
+double loadingTime(const QString &fileName, LoaderPath path)
 {
     const auto now = [] {
         timespec time;
@@ -296,7 +284,7 @@ double loadingTime(const QString &fileName, LoaderPath road)
     double least = HUGE_VAL;
     for (int i = 0; i < 3; ++i) {
         const double begin = now();
-        EXPECT_TRUE(loadByRoad(fileName, road).isModel);
+        EXPECT_FALSE(loadByPath(fileName, path).isNull);
         least = std::min(least, now() - begin);
     }
     return least;
@@ -336,8 +324,8 @@ TEST_F(OddText, TakesTimeInProportion)
             _files.write(QStringLiteral("small.obj"), row.begin + row.part.repeated(count) + '\n');
         const QString large = _files.write(QStringLiteral("large.obj"),
                                            row.begin + row.part.repeated(8 * count) + '\n');
-        for (const LoaderPath road : {LoaderPath::Fast, LoaderPath::Lines})
-            EXPECT_LT(loadingTime(large, road), 24 * loadingTime(small, road) + 0.02);
+        for (const LoaderPath path : {LoaderPath::Fast, LoaderPath::Lines})
+            EXPECT_LT(loadingTime(large, path), 24 * loadingTime(small, path) + 0.02);
     }
 }
 

@@ -125,11 +125,11 @@ protected:
     }
 
     /// Loads once, and expects no part of a model.
-    void expectNothing(LoaderPath road)
+    void expectNothing(LoaderPath path)
     {
-        QString error = QStringLiteral("untouched");
-        const std::unique_ptr<GPUModel> model(loadModelByPath(fileName, error, road));
-        EXPECT_EQ(error, QLatin1String("untouched")) << "the file is not at fault";
+        QString error = UploadedModel::untouchedError();
+        const std::unique_ptr<GPUModel> model(loadModelByPath(fileName, error, path));
+        EXPECT_EQ(error, UploadedModel::untouchedError()) << "the file is not at fault";
         ASSERT_TRUE(model);
         EXPECT_EQ(model->bundleCount(), 0);
     }
@@ -138,26 +138,24 @@ protected:
     QString fileName;
 };
 
-constexpr LoaderPath BothRoads[] = {LoaderPath::Fast, LoaderPath::Lines};
-
 const char NotAdded[] =
     "GPUModel::add: the bundle is not added, since a buffer of it could not be uploaded";
 
 TEST_F(OpenGLTrouble, AnyBufferMayFindNoRoom)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         int buffers = 0;
         for (;; ++buffers) {
             SCOPED_TRACE(buffers);
             const FailingUpload failing(buffers);
-            const RoadOutcome outcome = loadByRoad(fileName, road);
-            EXPECT_TRUE(outcome.isModel);
-            EXPECT_EQ(outcome.errorMessage, QLatin1String("untouched"));
+            const UploadedModel outcome = loadByPath(fileName, path);
+            EXPECT_FALSE(outcome.isNull);
+            EXPECT_EQ(outcome.error, UploadedModel::untouchedError());
             if (!FailingUpload::hasFailed()) {
-                EXPECT_EQ(outcome.bundleCount, 1);
+                EXPECT_EQ(outcome.bundles.size(), 1u);
                 break;
             }
-            EXPECT_EQ(outcome.bundleCount, 0);
+            EXPECT_EQ(outcome.bundles.size(), 0u);
             EXPECT_THAT(outcome.warnings(), Contains(HasSubstr("GL_OUT_OF_MEMORY")));
             EXPECT_EQ(outcome.warnings().back(), NotAdded);
         }
@@ -192,10 +190,10 @@ TEST_F(OpenGLTrouble, NoneOfManyBatchesIsAddedWithoutItsBuffers)
 
 TEST_F(OpenGLTrouble, TheContextMayBeGoneBeforeTheUpload)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         std::unique_ptr<NoCurrentContext> gone;
         const WhenWelded handler([&] { gone = std::make_unique<NoCurrentContext>(); });
-        expectNothing(road);
+        expectNothing(path);
         EXPECT_TRUE(gone);
         EXPECT_THAT(handler.warnings(),
                     Contains("BufferObject::upload: the buffer's OpenGL context is not current"));
@@ -205,11 +203,11 @@ TEST_F(OpenGLTrouble, TheContextMayBeGoneBeforeTheUpload)
 
 TEST_F(OpenGLTrouble, AnotherContextMayBeCurrentBeforeTheUpload)
 {
-    for (const LoaderPath road : BothRoads) {
+    for (const LoaderPath path : BothPaths) {
         const auto other = HeadlessContext::create();
         ASSERT_TRUE(other);
         const WhenWelded handler([&] { EXPECT_TRUE(other->makeCurrent()); });
-        expectNothing(road);
+        expectNothing(path);
         EXPECT_EQ(handler.warnings().back(), NotAdded);
         GLTest::SetUp();
     }
@@ -235,9 +233,9 @@ TEST_F(OpenGLTrouble, ALostContextIsNoReasonToHang)
     const QString image = writeImage(files);
     glGetError(); // looks the function up
     const Replaced<PFNGLGETERRORPROC> replaced(epoxy_glGetError, lost);
-    for (const LoaderPath road : BothRoads) {
-        const RoadOutcome outcome = loadByRoad(fileName, road);
-        EXPECT_EQ(outcome.bundleCount, 0);
+    for (const LoaderPath path : BothPaths) {
+        const UploadedModel outcome = loadByPath(fileName, path);
+        EXPECT_EQ(outcome.bundles.size(), 0u);
         EXPECT_THAT(outcome.warnings(), Contains(HasSubstr("GL_CONTEXT_LOST")));
     }
     const MessageCapture messages;

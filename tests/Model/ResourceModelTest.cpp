@@ -28,7 +28,7 @@ TEST_F(ResourceModel, IsTheModelOfTheFile)
     const LoadedOBJ resource(Resources + QStringLiteral("/textured_cube.obj"));
     const LoadedOBJ file(Samples + QStringLiteral("/textured_cube.obj"));
     ASSERT_FALSE(resource.isEmpty()) << resource.errorMessage().toStdString();
-    EXPECT_EQ(resource.errorMessage(), LoadedOBJ::untouched());
+    EXPECT_EQ(resource.errorMessage(), UploadedModel::untouchedError());
     EXPECT_THAT(resource.warnings(), IsEmpty());
     EXPECT_EQ(resource.vertexCount(), 24u); // six sides of four
     EXPECT_THAT(resource.indices(), ElementsAreArray(file.indices()));
@@ -42,9 +42,8 @@ TEST_F(ResourceModel, HasTheMaterialsOfItsLibrary)
 {
     const LoadedOBJ resource(Resources + QStringLiteral("/textured_cube.obj"));
     const Drawn &sides = resource.drawnWith("sides");
-    EXPECT_EQ(floatsOf(sides.record, "Ns"), std::vector<float>{30.0f});
-    EXPECT_EQ(sides.record.texturePath(QStringLiteral("map_Kd")),
-              Resources + QStringLiteral("/textured_cube.png"));
+    EXPECT_EQ(sides.record.member("Ns").floats(), std::vector<float>{30.0f});
+    EXPECT_EQ(sides.record.member("map_Kd").path, Resources + QStringLiteral("/textured_cube.png"));
 }
 
 TEST_F(ResourceModel, HasTheTextureOfItsMaterial)

@@ -86,7 +86,7 @@ protected:
 void expectSound(const LoadedOBJ &loaded)
 {
     ASSERT_TRUE(loaded.isModel());
-    EXPECT_EQ(loaded.errorMessage(), LoadedOBJ::untouched());
+    EXPECT_EQ(loaded.errorMessage(), UploadedModel::untouchedError());
     for (const unsigned vertex : loaded.indices())
         ASSERT_LT(vertex, loaded.vertexCount());
     std::size_t drawn = 0;

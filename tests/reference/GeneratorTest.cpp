@@ -12,6 +12,7 @@
 namespace {
 
 using namespace OrvReference;
+using namespace OrvTest;
 
 bool saysAnywhere(const UploadedModel &model, const char *text)
 {
@@ -25,7 +26,7 @@ std::map<std::string, int> countOutcomes(quint32 seeds)
     std::map<std::string, int> counts;
     for (quint32 seed = 1; seed <= seeds; ++seed) {
         const WrittenModel written(generateModel(seed));
-        const UploadedModel model = judge(written.objPath());
+        const UploadedModel model = loadByReference(written.objPath());
         counts["no model"] += model.isNull ? 1 : 0;
         counts["an empty model"] += !model.isNull && model.bundles.empty() ? 1 : 0;
         counts["a ring that cannot be clipped"] +=

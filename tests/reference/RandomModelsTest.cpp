@@ -1,8 +1,8 @@
-#include "reference/Differences.h"
-#include "reference/LoadedModel.h"
 #include "reference/ModelGenerator.h"
 #include "reference/Reference.h"
 #include "reference/Shrinking.h"
+#include "support/ModelDifferences.h"
+#include "support/ModelReadBack.h"
 
 #include "support/GLTest.h"
 
@@ -15,12 +15,13 @@
 namespace {
 
 using namespace OrvReference;
+using namespace OrvTest;
 
-/// Where the loader and the judge disagree about a model.
+/// Where the loader and the reference implementation disagree about a model.
 std::vector<std::string> disagreement(const ModelFiles &model)
 {
     const WrittenModel written(model);
-    return differences(judge(written.objPath()), loadWithLibrary(written.objPath()));
+    return differences(loadByReference(written.objPath()), loadWithLibrary(written.objPath()));
 }
 
 /// The environment's say, for long runs.
@@ -43,7 +44,7 @@ void reportFailure(quint32 seed, const ModelFiles &model)
     ADD_FAILURE() << text;
 }
 
-class RandomModels : public OrvTest::GLTest
+class RandomModels : public GLTest
 {
 protected:
     void SetUp() override
@@ -55,7 +56,7 @@ protected:
 };
 
 /// Long runs: ORV_RANDOM_MODELS_FIRST and ORV_RANDOM_MODELS_COUNT (see scripts/soak.sh).
-TEST_F(RandomModels, AreLoadedAsTheJudgeSays)
+TEST_F(RandomModels, AreLoadedAsByTheReference)
 {
     const quint32 first = setting("ORV_RANDOM_MODELS_FIRST", 1);
     const quint32 count = setting("ORV_RANDOM_MODELS_COUNT", ORV_RANDOM_MODELS);
@@ -89,7 +90,7 @@ TEST_F(RandomModels, IndicesAreNarrowAsLongAsTheyFit)
 {
     for (const int count : {65534, 65535, 65537}) {
         const WrittenModel written(modelOfVertices(count));
-        const UploadedModel expected = judge(written.objPath());
+        const UploadedModel expected = loadByReference(written.objPath());
         ASSERT_EQ(expected.bundles.size(), 1u);
         EXPECT_EQ(expected.bundles[0].vertexCount, static_cast<unsigned>(count));
         EXPECT_EQ(expected.bundles[0].indexType, count == 65534 ? 0x1403u : 0x1405u);

@@ -1,27 +1,30 @@
 #include "reference/Reference.h"
 
-#include "reference/EarClipping.h"
-#include "reference/PouredModel.h"
-#include "reference/SmoothNormals.h"
+#include "reference/FaceTriangles.h"
+#include "reference/FileReading.h"
 #include "reference/Welding.h"
+
+#include "support/PlainGeometry.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QtDebug>
 
 namespace OrvReference {
 
+using namespace OrvTest;
+
 namespace {
 
-// OpenGL's numbers: the judge needs no OpenGL.
+// OpenGL's numbers: no OpenGL is needed here.
 constexpr unsigned Triangles = 4;
 constexpr unsigned UnsignedShort = 0x1403;
 constexpr unsigned UnsignedInt = 0x1405;
 constexpr unsigned Float = 0x1406;
 
 /// Whether there is anything to upload.
-bool isValid(const PouredModel &model)
+bool isValid(const PlainModel &model)
 {
-    if (model.groups.empty() || model.cornersPerFace.empty() || model.attributes.empty())
+    if (model.groups.empty() || model.cornerCounts.empty() || model.attributes.empty())
         return false;
     for (const auto &[name, attribute] : model.attributes) {
         if (attribute.values.empty() || attribute.indices.empty())
@@ -40,13 +43,13 @@ void logStatistics(const WeldedModel &welded)
 }
 
 /// The groups that have faces, in the iteration order of a hash of all groups by name.
-std::vector<const MaterialGroup *> groupsToDraw(const PouredModel &model)
+std::vector<const PlainGroup *> groupsToDraw(const PlainModel &model)
 {
-    QHash<QString, const MaterialGroup *> table;
-    for (const MaterialGroup &group : model.groups)
+    QHash<QString, const PlainGroup *> table;
+    for (const PlainGroup &group : model.groups)
         table.insert(group.name, &group);
-    std::vector<const MaterialGroup *> groups;
-    for (const MaterialGroup *group : qAsConst(table)) {
+    std::vector<const PlainGroup *> groups;
+    for (const PlainGroup *group : qAsConst(table)) {
         if (!group->faces.empty())
             groups.push_back(group);
     }
@@ -54,22 +57,15 @@ std::vector<const MaterialGroup *> groupsToDraw(const PouredModel &model)
 }
 
 /// The corners of every face, as GPU vertices.
-std::vector<std::vector<quint32>> facesOf(const PouredModel &model, const WeldedModel &welded)
+std::vector<std::vector<quint32>> facesOf(const PlainModel &model, const WeldedModel &welded)
 {
     std::vector<std::vector<quint32>> faces;
     auto corner = welded.indices.begin();
-    for (const quint32 count : model.cornersPerFace) {
+    for (const quint32 count : model.cornerCounts) {
         faces.emplace_back(corner, corner + count);
         corner += count;
     }
     return faces;
-}
-
-VertexBuffer floatBuffer(int components, const std::vector<float> &values)
-{
-    return {components, Float,
-            QByteArray(reinterpret_cast<const char *>(values.data()),
-                       static_cast<int>(values.size() * sizeof(float)))};
 }
 
 Record instanceRecord()
@@ -85,7 +81,7 @@ Record instanceRecord()
     return record;
 }
 
-void addGroup(Bundle &bundle, const MaterialGroup &group,
+void addGroup(Bundle &bundle, const PlainGroup &group,
               const std::vector<std::vector<quint32>> &faces, const std::vector<float> &positions)
 {
     Command command;
@@ -111,7 +107,7 @@ void narrowIndices(Bundle &bundle)
         index &= 0xffffu;
 }
 
-Bundle build(const PouredModel &model)
+Bundle build(const PlainModel &model)
 {
     const WeldedModel welded = weld(model);
     logStatistics(welded);
@@ -123,14 +119,14 @@ Bundle build(const PouredModel &model)
     bundle.vertexCount = static_cast<unsigned>(welded.vertexCount);
     bundle.materials = {true, QStringLiteral("OBJMaterial"), {}};
     bundle.instances = {true, QStringLiteral("InstanceInfo"), {}};
-    for (const MaterialGroup *group : groupsToDraw(model))
+    for (const PlainGroup *group : groupsToDraw(model))
         addGroup(bundle, *group, faces, positions);
 
     for (const auto &[name, values] : welded.values)
-        bundle.attributes[name] = floatBuffer(model.attributes.at(name).components, values);
+        bundle.attributes[name] = {model.attributes.at(name).components, Float, values};
     if (model.attributes.count(QStringLiteral("va_Normal")) == 0)
-        bundle.attributes[QStringLiteral("va_Normal")] =
-            floatBuffer(3, smoothNormals(positions, bundle.indices));
+        bundle.attributes[QStringLiteral("va_Normal")] = {
+            3, Float, plainVertexNormals(positions, bundle.indices)};
     narrowIndices(bundle);
     return bundle;
 }
@@ -138,8 +134,8 @@ Bundle build(const PouredModel &model)
 UploadedModel load(const QString &fileName)
 {
     UploadedModel result;
-    PouredModel model;
-    if (!pourOBJFile(fileName, model, result.error)) {
+    PlainModel model;
+    if (!readOBJFile(fileName, model, result.error)) {
         result.isNull = true;
         return result;
     }
@@ -154,9 +150,9 @@ UploadedModel load(const QString &fileName)
 
 } // namespace
 
-UploadedModel judge(const QString &fileName)
+UploadedModel loadByReference(const QString &fileName)
 {
-    const OrvTest::MessageCapture capture;
+    const MessageCapture capture;
     UploadedModel result = load(fileName);
     result.messages = withoutAddresses(capture.messages());
     return result;

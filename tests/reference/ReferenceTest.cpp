@@ -1,4 +1,4 @@
-#include "reference/JudgedTexts.h"
+#include "reference/ReferenceTexts.h"
 
 #include <gmock/gmock.h>
 
@@ -7,6 +7,7 @@
 namespace {
 
 using namespace OrvReference;
+using namespace OrvTest;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -15,7 +16,7 @@ using ::testing::UnorderedElementsAre;
 /// The bundle of a model that has to have one.
 Bundle bundleOf(const ModelFiles &model)
 {
-    const UploadedModel result = judged(model);
+    const UploadedModel result = loadByReference(model);
     EXPECT_FALSE(result.isNull) << result.error.toStdString();
     EXPECT_THAT(result.bundles, SizeIs(1));
     return result.bundles.empty() ? Bundle() : result.bundles.front();
@@ -29,15 +30,16 @@ TEST(Reference, AQuadOfItsOwn)
     EXPECT_EQ(bundle.primitiveType, 4u);
     EXPECT_EQ(bundle.indexType, 0x1403u);
     EXPECT_THAT(bundle.indices, ElementsAre(0, 1, 3, 1, 2, 3));
-    EXPECT_THAT(valuesOf(bundle, "va_Vertex"), ElementsAre(0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0));
-    EXPECT_THAT(valuesOf(bundle, "va_Normal"), ElementsAre(0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1));
+    EXPECT_THAT(bundle.values("va_Vertex"), ElementsAre(0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0));
+    EXPECT_THAT(bundle.values("va_Normal"), ElementsAre(0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1));
     EXPECT_THAT(bundle.attributes, SizeIs(2));
     ASSERT_THAT(bundle.commands, SizeIs(1));
     EXPECT_EQ(bundle.commands[0].count, 6u);
     EXPECT_EQ(bundle.commands[0].material, QStringLiteral("<default>"));
-    EXPECT_THAT(judged(quad).messages,
-                ElementsAre(OrvTest::Message{
-                    QtDebugMsg, "Vertices Map        4 ->        4 d        0 (100 %) 4"}));
+    EXPECT_THAT(
+        loadByReference(quad).messages,
+        ElementsAre(Message{QtDebugMsg,
+                            "(address) Vertices Map        4 ->        4 d        0 (100 %) 4"}));
 }
 
 TEST(Reference, EqualCornersAreWelded)
@@ -46,9 +48,10 @@ TEST(Reference, EqualCornersAreWelded)
     const ModelFiles model = modelOf("v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 0\nv -0 0 0\n"
                                      "f 1 2 3\nf 4 2 3\nf 5 2 3\n");
     EXPECT_THAT(bundleOf(model).indices, ElementsAre(0, 1, 2, 0, 1, 2, 3, 1, 2));
-    EXPECT_THAT(judged(model).messages,
-                ElementsAre(OrvTest::Message{
-                    QtDebugMsg, "Vertices Map        9 ->        4 d        5 ( 44 %) 4"}));
+    EXPECT_THAT(
+        loadByReference(model).messages,
+        ElementsAre(Message{QtDebugMsg,
+                            "(address) Vertices Map        9 ->        4 d        5 ( 44 %) 4"}));
 }
 
 TEST(Reference, CornersWithOtherNormalsStayApart)
@@ -56,21 +59,21 @@ TEST(Reference, CornersWithOtherNormalsStayApart)
     const Bundle bundle = bundleOf(modelOf("v 0 0 0\nv 1 0 0\nv 0 1 0\nvn 0 0 1\nvn 0 0 2\n"
                                            "f 1//1 2//1 3//1\nf 1//2 2//1 3//1\n"));
     EXPECT_THAT(bundle.indices, ElementsAre(0, 1, 2, 3, 1, 2));
-    EXPECT_THAT(valuesOf(bundle, "va_Normal"), ElementsAre(0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 2));
+    EXPECT_THAT(bundle.values("va_Normal"), ElementsAre(0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 2));
 }
 
 TEST(Reference, WhatAnIndexDoesNotSelectIsZeros)
 {
     // Beyond the end, before the start, absent, and the forward reference that is fine.
     const Bundle bundle = bundleOf(modelOf("v 1 1 1\nv 2 2 2\nf 3 9 -3\nf 0 1 2\nv 3 3 3\n"));
-    EXPECT_THAT(valuesOf(bundle, "va_Vertex"), ElementsAre(3, 3, 3, 0, 0, 0, 1, 1, 1, 2, 2, 2));
+    EXPECT_THAT(bundle.values("va_Vertex"), ElementsAre(3, 3, 3, 0, 0, 0, 1, 1, 1, 2, 2, 2));
     EXPECT_THAT(bundle.indices, ElementsAre(0, 1, 1, 1, 2, 3));
 }
 
 TEST(Reference, NegativeIndicesCountLinesAlsoThoseOfZeros)
 {
     const Bundle bundle = bundleOf(modelOf("v 1 0 0\nv x\nv 3 0 0\nf -1 -2 -3\nv 4 0 0\n"));
-    EXPECT_THAT(valuesOf(bundle, "va_Vertex"), ElementsAre(3, 0, 0, 0, 0, 0, 1, 0, 0));
+    EXPECT_THAT(bundle.values("va_Vertex"), ElementsAre(3, 0, 0, 0, 0, 0, 1, 0, 0));
 }
 
 TEST(Reference, AnAttributeThatComesLateServesTheFirstCorners)
@@ -79,7 +82,7 @@ TEST(Reference, AnAttributeThatComesLateServesTheFirstCorners)
     const Bundle bundle = bundleOf(modelOf("v 1 0 0\nv 2 0 0\nv 3 0 0\nf 1 2 3\n"
                                            "vn 0 0 1\nvn 1 0 0\nf 1//1 2//1 3//2\n"));
     EXPECT_EQ(bundle.vertexCount, 6u);
-    EXPECT_THAT(valuesOf(bundle, "va_Normal"),
+    EXPECT_THAT(bundle.values("va_Normal"),
                 ElementsAre(0, 0, 1, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
 }
 
@@ -92,7 +95,7 @@ TEST(Reference, NothingToDraw)
                                  // Faces in no group.
                                  "v 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl none\nf 1 2 3\n"};
     for (const char *const text : texts) {
-        const UploadedModel model = judged(modelOf(text));
+        const UploadedModel model = loadByReference(modelOf(text));
         EXPECT_FALSE(model.isNull) << text;
         EXPECT_EQ(model.error, UploadedModel::untouchedError()) << text;
         EXPECT_THAT(model.bundles, IsEmpty()) << text;
@@ -101,16 +104,15 @@ TEST(Reference, NothingToDraw)
 
 TEST(Reference, FacesOfFewCornersAreCommandsOfNothing)
 {
-    const UploadedModel model = judged(modelOf("v 0 0 0\nv 1 0 0\nf\nf 1\nf 1 2 # 3\n"));
+    const UploadedModel model = loadByReference(modelOf("v 0 0 0\nv 1 0 0\nf\nf 1\nf 1 2 # 3\n"));
     ASSERT_THAT(model.bundles, SizeIs(1));
     ASSERT_THAT(model.bundles[0].commands, SizeIs(1));
     EXPECT_EQ(model.bundles[0].commands[0].count, 0u);
     EXPECT_EQ(model.bundles[0].vertexCount, 2u);
-    const OrvTest::Message few{QtWarningMsg,
-                               "Cannot triangulate a polygon with fewer than 3 vertices"};
+    const Message few{QtWarningMsg, "Cannot triangulate a polygon with fewer than 3 vertices"};
     EXPECT_THAT(model.messages,
-                ElementsAre(OrvTest::Message{QtDebugMsg, "Vertices Map        3 ->        2 d  "
-                                                         "      1 ( 66 %) 4"},
+                ElementsAre(Message{QtDebugMsg, "(address) Vertices Map        3 ->        2 d  "
+                                                "      1 ( 66 %) 4"},
                             few, few, few));
 }
 
@@ -120,7 +122,7 @@ TEST(Reference, FacesWithABadCornerAreNone)
                                            "f 1 2 3.0\nf 1 2 2147483648\nf 1 2 3/x\nf 1 2 3//x\n"
                                            "f 3/1/1/x 2/// +1\n"));
     EXPECT_THAT(bundle.indices, ElementsAre(0, 1, 2));
-    EXPECT_THAT(valuesOf(bundle, "va_Vertex"), ElementsAre(0, 1, 0, 1, 0, 0, 0, 0, 0));
+    EXPECT_THAT(bundle.values("va_Vertex"), ElementsAre(0, 1, 0, 1, 0, 0, 0, 0, 0));
 }
 
 TEST(Reference, LinesAreTextWithoutCarriageReturns)
@@ -128,7 +130,7 @@ TEST(Reference, LinesAreTextWithoutCarriageReturns)
     const Bundle bundle = bundleOf(modelOf("v 2\r3 \t1 1\r\n\xc2\xa0v\xe2\x80\x83"
                                            "4 4 4\n  v 5 5 5\n"
                                            "V 6 6 6\nf 1 2 3"));
-    EXPECT_THAT(valuesOf(bundle, "va_Vertex"), ElementsAre(23, 1, 1, 4, 4, 4, 5, 5, 5));
+    EXPECT_THAT(bundle.values("va_Vertex"), ElementsAre(23, 1, 1, 4, 4, 4, 5, 5, 5));
 }
 
 const char *const Triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
@@ -164,7 +166,7 @@ std::vector<std::string> redMaterial(const char *library, QString *directory = n
     const WrittenModel written(modelOf(text.c_str(), library));
     if (directory)
         *directory = written.objPath().section(QLatin1Char('/'), 0, -2);
-    const UploadedModel model = judge(written.objPath());
+    const UploadedModel model = loadByReference(written.objPath());
     std::vector<std::string> members;
     if (model.bundles.size() != 1 || model.bundles[0].materials.records.size() != 1)
         return {"no material"};
@@ -172,10 +174,10 @@ std::vector<std::string> redMaterial(const char *library, QString *directory = n
     EXPECT_EQ(model.bundles[0].materials.records[0].plan, QStringLiteral("OBJMaterial"));
     for (const Member &member : model.bundles[0].materials.records[0].members) {
         std::string shown = member.name.toStdString() + '=' + member.path.toStdString();
-        for (int i = 0; i < member.bytes.size(); i += 4) {
-            float value;
-            std::memcpy(&value, member.bytes.constData() + i, sizeof value);
-            shown += (i > 0 ? " " : "") + QByteArray::number(double(value)).toStdString();
+        const char *separator = "";
+        for (const float value : member.floats()) {
+            shown += separator + QByteArray::number(double(value)).toStdString();
+            separator = " ";
         }
         members.push_back(shown);
     }
@@ -226,12 +228,12 @@ TEST(Reference, TheDefaultMaterialIsNotRedefined)
 
 TEST(Reference, MissingFilesAreNamed)
 {
-    const UploadedModel missing = judge(QStringLiteral("no/such.obj"));
+    const UploadedModel missing = loadByReference(QStringLiteral("no/such.obj"));
     EXPECT_TRUE(missing.isNull);
     EXPECT_EQ(missing.error, QStringLiteral("Failed to load OBJ file 'no/such.obj'"));
 
     const WrittenModel written(modelOf("v 0 0 0\nmtllib a.mtl\n"));
-    const UploadedModel model = judge(written.objPath());
+    const UploadedModel model = loadByReference(written.objPath());
     const QString directory = written.objPath().section(QLatin1Char('/'), 0, -2);
     EXPECT_TRUE(model.isNull);
     EXPECT_EQ(model.error, QStringLiteral("Failed to load MTL file '%1/a.mtl'").arg(directory));

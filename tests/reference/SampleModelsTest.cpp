@@ -1,7 +1,7 @@
-// The committed samples, and real models where there are any, as the judge says.
-#include "reference/Differences.h"
-#include "reference/LoadedModel.h"
+// The committed samples, and real models where there are any, against the reference implementation.
 #include "reference/Reference.h"
+#include "support/ModelDifferences.h"
+#include "support/ModelReadBack.h"
 
 #include "support/GLTest.h"
 
@@ -11,19 +11,21 @@
 namespace {
 
 using namespace OrvReference;
+using namespace OrvTest;
 
-class SampleModels : public OrvTest::GLTest
+class SampleModels : public GLTest
 {
 protected:
     /// \return how many models the folder holds.
-    static int expectJudgement(const char *folder)
+    static int expectReference(const char *folder)
     {
         int models = 0;
         QDirIterator found(QString::fromUtf8(folder), {QStringLiteral("*.obj")}, QDir::Files,
                            QDirIterator::Subdirectories);
         while (found.hasNext()) {
             const QString file = found.next();
-            for (const std::string &line : differences(judge(file), loadWithLibrary(file)))
+            for (const std::string &line :
+                 differences(loadByReference(file), loadWithLibrary(file)))
                 ADD_FAILURE() << file.toStdString() << ": " << line;
             ++models;
         }
@@ -31,14 +33,14 @@ protected:
     }
 };
 
-TEST_F(SampleModels, AreLoadedAsTheJudgeSays)
+TEST_F(SampleModels, AreLoadedAsByTheReference)
 {
-    EXPECT_GT(expectJudgement(ORV_SAMPLES_DIR), 0);
+    EXPECT_GT(expectReference(ORV_SAMPLES_DIR), 0);
 }
 
 TEST_F(SampleModels, SoAreRealModels)
 {
-    if (expectJudgement(ORV_SHARED_MODELS_DIR) == 0)
+    if (expectReference(ORV_SHARED_MODELS_DIR) == 0)
         GTEST_SKIP() << "no folder of real models beside the repository";
 }
 

@@ -1,30 +1,47 @@
-// The comparison and the shrinking: a judge whose verdict is not heard would be no use.
+// The comparison and the shrinking: differences that are not told would be no use.
 
-#include "reference/JudgedTexts.h"
+#include "reference/FileReading.h"
 #include "reference/ModelGenerator.h"
+#include "reference/ReferenceTexts.h"
 #include "reference/Shrinking.h"
 #include "reference/UnusedValues.h"
 
+#include "support/ModelDifferences.h"
+
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <functional>
-#include <limits>
 
 namespace {
 
 using namespace OrvReference;
+using namespace OrvTest;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-UploadedModel sample()
+ModelFiles sampleFiles()
 {
-    return judged(modelOf("mtllib a.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl red\nf 1 2 3\nf 1 2\n",
-                          "newmtl red\nmap_Kd a.png\n"));
+    return modelOf("mtllib a.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl red\nf 1 2 3\nf 1 2\n",
+                   "newmtl red\nmap_Kd a.png\n");
 }
 
-void setFloat(QByteArray &bytes, int index, quint32 bits)
+UploadedModel sample()
 {
-    std::memcpy(bytes.data() + 4 * index, &bits, sizeof bits);
+    return loadByReference(sampleFiles());
+}
+
+float floatOf(quint32 bits)
+{
+    float value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+std::vector<float> &valuesOf(Bundle &bundle, const char *attribute)
+{
+    return bundle.attributes[QLatin1String(attribute)].values;
 }
 
 struct Change
@@ -58,17 +75,11 @@ const Change Changes[] = {
     {"type", [](UploadedModel &,
                 Bundle &bundle) { bundle.attributes[QStringLiteral("va_Vertex")].type = 0; }},
     {"last bit of a value",
-     [](UploadedModel &, Bundle &bundle) {
-         setFloat(bundle.attributes[QStringLiteral("va_Vertex")].bytes, 3, 0x3f800001u);
-     }},
+     [](UploadedModel &, Bundle &bundle) { valuesOf(bundle, "va_Vertex")[3] = 0x1.000002p0f; }},
     {"sign of a zero",
-     [](UploadedModel &, Bundle &bundle) {
-         setFloat(bundle.attributes[QStringLiteral("va_Normal")].bytes, 0, 0x80000000u);
-     }},
+     [](UploadedModel &, Bundle &bundle) { valuesOf(bundle, "va_Normal")[0] = -0.0f; }},
     {"a value too many",
-     [](UploadedModel &, Bundle &bundle) {
-         bundle.attributes[QStringLiteral("va_Vertex")].bytes.append("1234");
-     }},
+     [](UploadedModel &, Bundle &bundle) { valuesOf(bundle, "va_Vertex").push_back(1); }},
     {"commands", [](UploadedModel &, Bundle &bundle) { bundle.commands.clear(); }},
     {"count", [](UploadedModel &, Bundle &bundle) { bundle.commands[0].count = 0; }},
     {"instance count", [](UploadedModel &, Bundle &bundle) { ++bundle.commands[0].instanceCount; }},
@@ -89,9 +100,7 @@ const Change Changes[] = {
     {"member's name",
      [](UploadedModel &, Bundle &bundle) { bundle.materials.records[0].members[0].name.clear(); }},
     {"member's value",
-     [](UploadedModel &, Bundle &bundle) {
-         setFloat(bundle.materials.records[0].members[0].bytes, 0, 0);
-     }},
+     [](UploadedModel &, Bundle &bundle) { bundle.materials.records[0].members[0].bytes.fill(0); }},
     {"texture's path",
      [](UploadedModel &, Bundle &bundle) { bundle.materials.records[0].members[1].path.clear(); }},
     {"texture", [](UploadedModel &,
@@ -116,20 +125,73 @@ TEST(Differences, AnyNaNWillDoInGeneratedNormals)
 {
     UploadedModel expected = sample();
     UploadedModel actual = expected;
-    const QString normals = QStringLiteral("va_Normal");
-    setFloat(expected.bundles[0].attributes[normals].bytes, 0, 0x7fc00000u);
-    setFloat(actual.bundles[0].attributes[normals].bytes, 0, 0xffc00001u);
+    valuesOf(expected.bundles[0], "va_Normal")[0] = floatOf(0x7fc00000u);
+    valuesOf(actual.bundles[0], "va_Normal")[0] = floatOf(0xffc00001u);
     EXPECT_THAT(differences(expected, actual), IsEmpty());
     expected.hasGeneratedNormals = false;
     EXPECT_THAT(differences(expected, actual), SizeIs(1));
 }
 
-TEST(Messages, OnlyAnAddressIsCutOff)
+TEST(Differences, AreToldInWords)
 {
-    const OrvTest::Message statistics{QtDebugMsg, "0x7f00 Vertices Map 1"};
-    const OrvTest::Message other{QtDebugMsg, "(nil) Vertices Map 1"};
+    const UploadedModel expected = sample();
+    UploadedModel actual = expected;
+    valuesOf(actual.bundles[0], "va_Vertex")[4] = -0.0f;
+    valuesOf(actual.bundles[0], "va_Vertex")[3] = floatOf(0x7fc00001u);
+    actual.bundles[0].indices[2] = 7;
+    EXPECT_THAT(
+        differences(expected, actual),
+        ElementsAre("index 2: expected 2, got 7",
+                    "attribute \"va_Vertex\", vertex 1, component 0: expected 0x1p+0 (1), got nan "
+                    "(bits 0x7fc00001)",
+                    "attribute \"va_Vertex\", vertex 1, component 1: expected 0x0p+0 (0), got "
+                    "-0x0p+0 (-0)"));
+}
+
+struct PlainChange
+{
+    const char *name;
+    std::function<void(PlainModel &)> apply;
+};
+
+const PlainChange PlainChanges[] = {
+    {"corner count", [](PlainModel &model) { ++model.cornerCounts[1]; }},
+    {"face", [](PlainModel &model) { model.cornerCounts.push_back(0); }},
+    {"sign of a zero", [](PlainModel &model) { model.positions().values[0] = -0.0f; }},
+    {"value gone", [](PlainModel &model) { model.positions().values.pop_back(); }},
+    {"index", [](PlainModel &model) { ++model.positions().indices[4]; }},
+    {"index gone", [](PlainModel &model) { model.positions().indices.pop_back(); }},
+    {"attribute", [](PlainModel &model) { model.texCoords(); }},
+    {"components",
+     [](PlainModel &model) { model.attributes[QStringLiteral("va_Vertex")].components = 2; }},
+    {"group", [](PlainModel &model) { model.groups.pop_back(); }},
+    {"group's name", [](PlainModel &model) { model.groups[0].name += QLatin1Char('!'); }},
+    {"group's face", [](PlainModel &model) { model.groups[1].faces[0] = 1; }},
+    {"face of no group", [](PlainModel &model) { model.groups[1].faces.clear(); }},
+    {"group's record", [](PlainModel &model) { model.groups[1].material.members.pop_back(); }},
+};
+
+TEST(Differences, EveryChangeOfAPlainModelIsSeen)
+{
+    const WrittenModel written(sampleFiles());
+    PlainModel expected;
+    QString error;
+    ASSERT_TRUE(readOBJFile(written.objPath(), expected, error));
+    EXPECT_THAT(differences(expected, expected), IsEmpty());
+    for (const PlainChange &change : PlainChanges) {
+        PlainModel actual = expected;
+        change.apply(actual);
+        EXPECT_THAT(differences(expected, actual), SizeIs(1)) << change.name;
+        EXPECT_THAT(differences(actual, expected), SizeIs(1)) << change.name;
+    }
+}
+
+TEST(Messages, OnlyAnAddressIsReplaced)
+{
+    const Message statistics{QtDebugMsg, "0x7f00 Vertices Map 1"};
+    const Message other{QtDebugMsg, "(nil) Vertices Map 1"};
     const auto messages = withoutAddresses({statistics, other});
-    EXPECT_EQ(messages[0].text, "Vertices Map 1");
+    EXPECT_EQ(messages[0].text, "(address) Vertices Map 1");
     EXPECT_EQ(messages[1], other);
 }
 

@@ -4,10 +4,12 @@
 
 namespace OrvReference {
 
+using namespace OrvTest;
+
 namespace {
 
 /// The value of an attribute at a corner.
-std::vector<float> valueAt(const Attribute &attribute, std::size_t corner)
+std::vector<float> valueAt(const PlainAttribute &attribute, std::size_t corner)
 {
     const auto components = static_cast<std::size_t>(attribute.components);
     std::vector<float> value(components, 0.0f);
@@ -31,10 +33,10 @@ std::vector<quint32> bitsOf(const std::vector<float> &values)
 
 } // namespace
 
-WeldedModel weld(const PouredModel &model)
+WeldedModel weld(const PlainModel &model)
 {
     WeldedModel welded;
-    for (const quint32 corners : model.cornersPerFace)
+    for (const quint32 corners : model.cornerCounts)
         welded.cornerCount += static_cast<int>(corners);
 
     std::map<std::vector<quint32>, quint32> numbers;

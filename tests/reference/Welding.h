@@ -2,7 +2,7 @@
 /// From one index per attribute and corner to one index per corner.
 #pragma once
 
-#include "reference/PouredModel.h"
+#include "support/PlainModel.h"
 
 namespace OrvReference {
 
@@ -16,6 +16,6 @@ struct WeldedModel
 
 /// Gives every corner the values that its indices select, zeros where they select nothing, and
 /// numbers the corners so that those with the same bytes share the number of the first of them.
-WeldedModel weld(const PouredModel &model);
+WeldedModel weld(const OrvTest::PlainModel &model);
 
 } // namespace OrvReference

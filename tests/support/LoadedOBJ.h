@@ -1,30 +1,22 @@
 /// \file
-/// An OBJ file as the loader put it on the GPU, read back as plain values.
+/// An OBJ file as the loader put it on the GPU, with short ways to ask for parts of it.
 #pragma once
 
-#include "support/MessageCapture.h"
+#include "support/UploadedModel.h"
 
-#include <OrvCore/InstanceData.h>
-#include <OrvGL/DrawBuffers.h>
 #include <OrvGL/GPUModel.h>
 
-#include <QtCore/QString>
-
-#include <map>
 #include <memory>
-#include <vector>
 
 namespace OrvTest {
 
 /// What one command draws.
 struct Drawn
 {
-    QString material;
-    QString object;
-    Halvard::Orv::DrawElementsIndirectCommand command;
+    Command command;
     std::vector<unsigned> indices; ///< the command's run of the element buffer
-    Halvard::Orv::InstanceData record;
-    Halvard::Orv::InstanceData instance;
+    Record record;
+    Record instance;
 };
 
 /// Loads a file when it is made; an OpenGL context must be current. Everything is
@@ -33,24 +25,22 @@ struct Drawn
 class LoadedOBJ
 {
 public:
-    /// What the error message is before the load.
-    static QString untouched();
-
     explicit LoadedOBJ(const QString &fileName);
 
     /// Whether the loader gave a model, and one with a bundle.
     bool isModel() const { return _model != nullptr; }
-    bool isEmpty() const { return !_model || _model->bundleCount() == 0; }
-    const QString &errorMessage() const { return _errorMessage; }
+    bool isEmpty() const { return _uploaded.bundles.empty(); }
+    const QString &errorMessage() const { return _uploaded.error; }
     /// Warnings and worse.
-    const std::vector<Message> &warnings() const { return _warnings; }
-    /// Debug lines: how many vertices were welded.
-    const std::vector<std::string> &statistics() const { return _statistics; }
+    std::vector<Message> warnings() const;
+    /// Debug lines, without addresses: how many vertices were welded.
+    std::vector<std::string> statistics() const;
 
     Halvard::Orv::GPUModel &model() { return *_model; }
-    unsigned vertexCount() const { return _vertexCount; }
-    unsigned indexType() const { return _indexType; }
-    const std::vector<unsigned> &indices() const { return _indices; }
+    const UploadedModel &uploaded() const { return _uploaded; }
+    unsigned vertexCount() const { return _uploaded.bundle().vertexCount; }
+    unsigned indexType() const { return _uploaded.bundle().indexType; }
+    const std::vector<unsigned> &indices() const { return _uploaded.bundle().indices; }
 
     /// The names of the vertex attributes, sorted.
     std::vector<QString> attributeNames() const;
@@ -68,30 +58,12 @@ public:
     std::vector<float> cornerValues(const char *material, const char *attribute) const;
 
 private:
-    struct Attribute
-    {
-        int components;
-        std::vector<float> values;
-    };
-
-    void readBundle();
+    void checkBundle() const;
+    void findDrawn();
 
     std::unique_ptr<Halvard::Orv::GPUModel> _model;
-    QString _errorMessage;
-    std::vector<Message> _warnings;
-    std::vector<std::string> _statistics;
-    unsigned _vertexCount = 0;
-    unsigned _indexType = 0;
-    std::vector<unsigned> _indices;
-    std::map<QString, Attribute> _attributes;
+    UploadedModel _uploaded;
     std::vector<Drawn> _drawn;
 };
-
-/// The floats that a member of a record holds.
-std::vector<float> floatsOf(const Halvard::Orv::InstanceData &record, const char *member);
-
-/// A record as text, one member a line, sorted: "Kd 1 0 0", "map_Kd /a/b.png",
-/// "map_Ks texture".
-std::vector<std::string> described(const Halvard::Orv::InstanceData &record);
 
 } // namespace OrvTest

@@ -17,14 +17,6 @@ QVector3D positionOf(const std::vector<float> &positions, int vertex)
     return {positions[at], positions[at + 1], positions[at + 2]};
 }
 
-/// Inside the triangle or on its border.
-bool isCovered(const QVector2D &point, const QVector2D &v, const QVector2D &n, const QVector2D &p)
-{
-    return cross((n - v).normalized(), (point - v).normalized()) >= 0.0f &&
-           cross((p - n).normalized(), (point - n).normalized()) >= 0.0f &&
-           cross((v - p).normalized(), (point - p).normalized()) >= 0.0f;
-}
-
 /// A ring that shrinks as its ears are clipped.
 struct PlainRing
 {
@@ -100,6 +92,9 @@ PlainCorner plainCorner(const std::vector<QVector2D> &points, const std::vector<
     PlainCorner result{cross(a, b), QVector2D::dotProduct(a, b), false};
     if (!(result.crossZ > 0.0f))
         return result;
+    const QVector2D fromV = (n - v).normalized();
+    const QVector2D fromN = (p - n).normalized();
+    const QVector2D fromP = (v - p).normalized();
     for (std::size_t j = 0; j < points.size(); ++j) {
         const int position = static_cast<int>(j);
         if (position == corner || position == next || position == prev || !active[j])
@@ -107,7 +102,10 @@ PlainCorner plainCorner(const std::vector<QVector2D> &points, const std::vector<
         const QVector2D &point = points[j];
         if (point == v || point == n || point == p)
             continue;
-        if (isCovered(point, v, n, p))
+        // Inside the triangle or on its border.
+        if (cross(fromV, (point - v).normalized()) >= 0.0f &&
+            cross(fromN, (point - n).normalized()) >= 0.0f &&
+            cross(fromP, (point - p).normalized()) >= 0.0f)
             return result;
     }
     result.isEar = true;
@@ -142,6 +140,8 @@ std::vector<int> plainTriangulate2D(const std::vector<QVector2D> &points, bool c
 QVector3D plainFaceNormal(const std::vector<int> &face, const std::vector<float> &positions)
 {
     QVector3D sum;
+    if (face.empty())
+        return sum;
     QVector3D before = positionOf(positions, face.back());
     for (const int vertex : face) {
         const QVector3D position = positionOf(positions, vertex);

@@ -1,49 +1,50 @@
 /// \file
-/// Models as an OBJ file gives them, for both roads to the GPU.
+/// A model before it is uploaded: what its files tell, as plain values.
 #pragma once
 
-#include "Scanning/OBJGeometry.h"
-
-#include "support/RandomRings.h"
-
-#include <OrvModel/ModelBuilder.h>
+#include "support/ModelRecord.h"
 
 #include <QtCore/QString>
 
+#include <map>
 #include <vector>
 
 namespace OrvTest {
 
-/// Values and indices of one attribute. Without values there is no attribute.
+/// Values and indices of one attribute. There is one index per corner of the faces that came
+/// when the attribute had values already.
 struct PlainAttribute
 {
-    std::vector<float> values;
-    std::vector<unsigned> indices;
+    int components = 0;
+    std::vector<float> values; ///< `components` per value
+    std::vector<quint32> indices;
+};
+
+struct PlainGroup
+{
+    QString name;
+    Record material;
+    std::vector<quint32> faces;
 };
 
 struct PlainModel
 {
-    PlainAttribute positions;
-    PlainAttribute normals;
-    PlainAttribute texCoords;
-    std::vector<unsigned> cornerCounts;
-    /// Number of each face's group; -1 for none.
-    std::vector<int> groupOfFace;
-    std::vector<QString> groups;
+    std::map<QString, PlainAttribute> attributes;
+    std::vector<quint32> cornerCounts; ///< of each face
+    std::vector<PlainGroup> groups;    ///< in the order of their creation
 
-    unsigned cornerCount() const;
+    quint32 cornerCount() const;
+    /// Null when there is none. Valid until the next group is created.
+    PlainGroup *group(const QString &name);
+
+    /// The attributes of OBJ files. One that the model does not have is made, or is empty
+    /// where it must not be.
+    PlainAttribute &positions();
+    PlainAttribute &normals();
+    PlainAttribute &texCoords();
+    const PlainAttribute &positions() const;
+    const PlainAttribute &normals() const;
+    const PlainAttribute &texCoords() const;
 };
-
-/// The model as the scanner hands it over.
-Halvard::Orv::OBJGeometry toGeometry(const PlainModel &model);
-
-/// The model as a loader adds it line by line. All groups are made, with or
-/// without faces.
-void pour(const PlainModel &model, Halvard::Orv::ModelBuilder &builder);
-
-/// A model of some tens of faces with everything that is wrong in files: wild and
-/// absent indices, index streams that are too short, values that come twice, faces
-/// of any number of corners, faces without a group, numbers that are none.
-PlainModel randomModel(Dice &dice);
 
 } // namespace OrvTest

@@ -1,24 +1,25 @@
 #include "support/ReadOBJ.h"
 
-#include "support/ModelBuilderInspector.h"
-#include "support/StreamContents.h"
+#include "support/BuilderContents.h"
+#include "support/ModelDifferences.h"
 
 #include "Libraries/MaterialLibraries.h"
 
-#include <OrvCore/InstanceData.h>
 #include <OrvModel/ModelLoading.h>
 #include <OrvModel/OBJReader.h>
+
+#include <OrvCore/InstanceData.h>
+
+#include <gtest/gtest.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QTextStream>
 
-#include <algorithm>
 #include <sstream>
 
 namespace OrvTest {
 
 using namespace Halvard::Orv;
-using Inspector = ModelBuilderInspector;
 
 namespace {
 
@@ -30,10 +31,10 @@ QString defaultMaterial()
 }
 
 /// The rules of loading word for word, a line at a time.
-class LinePouring
+class LineReading
 {
 public:
-    explicit LinePouring(ModelBuilder &builder) : _builder(builder) {}
+    explicit LineReading(ModelBuilder &builder) : _builder(builder) {}
 
     /// False when a library is missing.
     bool take(const OBJReader &reader)
@@ -96,44 +97,19 @@ private:
     unsigned _face = 0;
 };
 
-std::vector<std::uint32_t> unsignedValues(const QSharedPointer<ModelDataStream> &stream)
+template <typename T>
+std::vector<T> contents(const GrowArray<T> &array)
 {
-    return stream ? uints(stream) : std::vector<std::uint32_t>();
+    return {array.data(), array.data() + array.size()};
 }
 
-ReadAttribute attributeOf(const ModelBuilder &builder, const char *name)
+/// Adds what the scanner found of an attribute; nothing when it found none.
+void addAttribute(PlainModel &model, const char *name, int components,
+                  const OBJAttribute &attribute)
 {
-    const auto attribute = Inspector::vertexAttribute(builder, QLatin1String(name));
-    return {unsignedValues(attribute.values), unsignedValues(attribute.indices)};
-}
-
-void readMaterials(ModelBuilder &builder, ReadOBJ &result)
-{
-    const auto &groups = Inspector::materialGroups(builder);
-    for (auto group = groups.begin(); group != groups.end(); ++group)
-        result.materialIds[group.key().toStdString()] = group->id;
-}
-
-void readGroups(ModelBuilder &builder, ReadOBJ &result)
-{
-    const auto &groups = Inspector::materialGroups(builder);
-    for (auto group = groups.begin(); group != groups.end(); ++group) {
-        if (!group->faces->isEmpty())
-            result.groups.emplace_back(group.key().toStdString(), uints(group->faces));
-    }
-    std::sort(result.groups.begin(), result.groups.end(),
-              [](const auto &a, const auto &b) { return a.second.front() < b.second.front(); });
-}
-
-ReadAttribute plain(const OBJAttribute &attribute)
-{
-    ReadAttribute result;
-    result.values.resize(attribute.values.size());
-    if (!result.values.empty())
-        std::memcpy(result.values.data(), attribute.values.data(), 4 * result.values.size());
-    const quint32 *const indices = attribute.indices.data();
-    result.indices.assign(indices, indices + attribute.indices.size());
-    return result;
+    if (!attribute.values.isEmpty() || !attribute.indices.isEmpty())
+        model.attributes[QLatin1String(name)] = {components, contents(attribute.values),
+                                                 contents(attribute.indices)};
 }
 
 std::vector<std::uint32_t> plain(const CornerCounts &counts)
@@ -168,48 +144,27 @@ void appendRun(const FaceRun &run, const std::vector<std::uint32_t> &cornerCount
         faces.push_back(run.firstFace + i);
 }
 
-ReadOBJ plain(const OBJGeometry &geometry)
+/// Adds attributes and faces to a model that has its groups already.
+void addGeometry(PlainModel &model, const OBJGeometry &geometry)
 {
-    ReadOBJ result;
-    result.positions = plain(geometry.positions);
-    result.normals = plain(geometry.normals);
-    result.texCoords = plain(geometry.texCoords);
-    result.cornerCounts = plain(geometry.cornerCounts);
-    std::uint32_t corners = 0;
-    for (const std::uint32_t count : result.cornerCounts)
-        corners += count;
-    EXPECT_EQ(geometry.cornerCount, corners);
-    for (const FaceGroup &group : geometry.groups) {
-        std::vector<std::uint32_t> faces;
-        for (const FaceRun &run : group.runs)
-            appendRun(run, result.cornerCounts, faces);
-        result.groups.emplace_back(group.material.toStdString(), faces);
-    }
-    return result;
-}
-
-template <typename Item>
-std::string listDifference(const char *name, const std::vector<Item> &bytes,
-                           const std::vector<Item> &lines)
-{
-    std::ostringstream text;
-    for (std::size_t i = 0; i < std::min(bytes.size(), lines.size()); ++i) {
-        if (bytes[i] != lines[i]) {
-            text << name << " " << i << ": " << ::testing::PrintToString(bytes[i]) << " as bytes, "
-                 << ::testing::PrintToString(lines[i]) << " by lines; ";
-            return text.str();
+    addAttribute(model, "va_Vertex", 3, geometry.positions);
+    addAttribute(model, "va_Normal", 3, geometry.normals);
+    addAttribute(model, "va_TexCoord", 2, geometry.texCoords);
+    model.cornerCounts = plain(geometry.cornerCounts);
+    EXPECT_EQ(geometry.cornerCount, model.cornerCount());
+    quint32 nextFirst = 0;
+    for (const FaceGroup &faces : geometry.groups) {
+        PlainGroup *const group = model.group(faces.material);
+        if (!group || faces.runs.empty()) {
+            ADD_FAILURE() << "no group or no faces: " << faces.material.toStdString();
+            continue;
         }
+        EXPECT_TRUE(group->faces.empty()) << "a group that stands twice";
+        EXPECT_GE(faces.runs.front().firstFace, nextFirst) << "groups stand by their first face";
+        nextFirst = faces.runs.front().firstFace + 1;
+        for (const FaceRun &run : faces.runs)
+            appendRun(run, model.cornerCounts, group->faces);
     }
-    if (bytes.size() != lines.size())
-        text << name << ": " << bytes.size() << " as bytes, " << lines.size() << " by lines; ";
-    return text.str();
-}
-
-std::string attributeDifference(const std::string &name, const ReadAttribute &bytes,
-                                const ReadAttribute &lines)
-{
-    return listDifference((name + " value").c_str(), bytes.values, lines.values) +
-           listDifference((name + " index").c_str(), bytes.indices, lines.indices);
 }
 
 } // namespace
@@ -219,25 +174,20 @@ ReadOBJ readByLines(QIODevice &device, const QString &baseDir)
     EXPECT_TRUE(device.open(QIODevice::ReadOnly | QIODevice::Text));
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(defaultMaterial(), InstanceData(), -1, 0);
-    LinePouring pouring(builder);
+    LineReading reading(builder);
     QTextStream stream(&device);
     OBJReader reader(stream);
     reader.setBaseDir(baseDir);
     for (; reader.valid(); reader.next()) {
-        if (reader.parseLine() && !pouring.take(reader)) {
+        if (reader.parseLine() && !reading.take(reader)) {
             ReadOBJ missing;
             missing.outcome = OBJScanOutcome::LibraryMissing;
-            missing.libraryPath = reader.getMtllibPath().toStdString();
+            missing.libraryPath = reader.getMtllibPath();
             return missing;
         }
     }
     ReadOBJ result;
-    result.positions = attributeOf(builder, "va_Vertex");
-    result.normals = attributeOf(builder, "va_Normal");
-    result.texCoords = attributeOf(builder, "va_TexCoord");
-    result.cornerCounts = uints(Inspector::verticesPerFace(builder));
-    readGroups(builder, result);
-    readMaterials(builder, result);
+    result.model = contentsOf(builder);
     return result;
 }
 
@@ -248,16 +198,13 @@ ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir, const OBJScanLimi
     builder.createMaterialGroup(defaultMaterial(), InstanceData(), -1, 0);
     MaterialLibraries libraries(builder);
     OBJGeometry geometry;
-    QString libraryPath;
-    const auto outcome = scanOBJFile(device, baseDir, libraries, geometry, libraryPath, limits);
-    EXPECT_TRUE(device.isTextModeEnabled());
     ReadOBJ result;
-    if (outcome == OBJScanOutcome::Finished)
-        result = plain(geometry);
-    result.outcome = outcome;
-    result.libraryPath = libraryPath.toStdString();
-    if (outcome == OBJScanOutcome::Finished)
-        readMaterials(builder, result);
+    result.outcome = scanOBJFile(device, baseDir, libraries, geometry, result.libraryPath, limits);
+    EXPECT_TRUE(device.isTextModeEnabled());
+    if (result.outcome == OBJScanOutcome::Finished) {
+        result.model = contentsOf(builder);
+        addGeometry(result.model, geometry);
+    }
     return result;
 }
 
@@ -275,23 +222,16 @@ ReadOBJ readAsBytes(const QByteArray &text, const OBJScanLimits &limits)
     return readAsBytes(buffer, {}, limits);
 }
 
-std::string difference(const ReadOBJ &bytes, const ReadOBJ &lines)
+std::vector<std::string> differences(const ReadOBJ &lines, const ReadOBJ &bytes)
 {
-    std::ostringstream text;
+    std::vector<std::string> texts = differences(lines.model, bytes.model);
     if (bytes.outcome != lines.outcome)
-        text << "outcome " << static_cast<int>(bytes.outcome) << " as bytes, "
-             << static_cast<int>(lines.outcome) << " by lines; ";
+        texts.push_back("outcome: expected " + std::to_string(static_cast<int>(lines.outcome)) +
+                        ", got " + std::to_string(static_cast<int>(bytes.outcome)));
     if (bytes.libraryPath != lines.libraryPath)
-        text << "library '" << bytes.libraryPath << "' as bytes, '" << lines.libraryPath
-             << "' by lines; ";
-    text << attributeDifference("position", bytes.positions, lines.positions)
-         << attributeDifference("normal", bytes.normals, lines.normals)
-         << attributeDifference("texture coordinate", bytes.texCoords, lines.texCoords)
-         << listDifference("corner count of face", bytes.cornerCounts, lines.cornerCounts)
-         << listDifference("group", bytes.groups, lines.groups);
-    if (bytes.materialIds != lines.materialIds)
-        text << "other materials";
-    return text.str();
+        texts.push_back("library: expected '" + lines.libraryPath.toStdString() + "', got '" +
+                        bytes.libraryPath.toStdString() + '\'');
+    return texts;
 }
 
 std::string printable(const QByteArray &text)

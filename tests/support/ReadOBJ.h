@@ -1,40 +1,28 @@
 /// \file
-/// One OBJ file read in two ways, as plain values that can be compared.
+/// One OBJ file read in two ways, as plain values that can be compared. Knows the library's
+/// internals.
 #pragma once
+
+#include "support/PlainModel.h"
 
 #include "Scanning/OBJScanning.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-#include <cstdint>
-#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 class QIODevice;
 
 namespace OrvTest {
 
-struct ReadAttribute
-{
-    std::vector<std::uint32_t> values; ///< the floats' bits
-    std::vector<std::uint32_t> indices;
-};
-
-/// What reading an OBJ file finds.
+/// What reading an OBJ file finds. The model's first group is "<default>".
 struct ReadOBJ
 {
     Halvard::Orv::OBJScanOutcome outcome = Halvard::Orv::OBJScanOutcome::Finished;
-    std::string libraryPath;
-    ReadAttribute positions;
-    ReadAttribute normals;
-    ReadAttribute texCoords;
-    std::vector<std::uint32_t> cornerCounts;
-    /// Material and faces of the groups that have faces, by their first face.
-    std::vector<std::pair<std::string, std::vector<std::uint32_t>>> groups;
-    std::map<std::string, int> materialIds;
+    QString libraryPath;
+    PlainModel model;
 };
 
 /// Reads with QTextStream, OBJReader and the builder's streams. After a missing
@@ -49,8 +37,8 @@ ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir = {},
 ReadOBJ readByLines(const QByteArray &text);
 ReadOBJ readAsBytes(const QByteArray &text, const Halvard::Orv::OBJScanLimits &limits = {});
 
-/// What differs first; empty when nothing does.
-std::string difference(const ReadOBJ &bytes, const ReadOBJ &lines);
+/// One line per difference: see ModelDifferences.h.
+std::vector<std::string> differences(const ReadOBJ &lines, const ReadOBJ &bytes);
 
 /// The text as a C string would have it, cut when it is long.
 std::string printable(const QByteArray &text);

@@ -6,8 +6,6 @@
 #include "support/GLTest.h"
 #include "support/TemporaryModel.h"
 
-#include "LoaderPaths.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
@@ -17,21 +15,12 @@ namespace OrvTest {
 
 inline const QByteArray Triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
-inline constexpr Halvard::Orv::LoaderPath BothRoads[] = {Halvard::Orv::LoaderPath::Fast,
-                                                         Halvard::Orv::LoaderPath::Lines};
-
 /// The warning of a file that is a pipe, a socket or a device.
 inline std::string warningOfKind(const QString &fileName)
 {
     return "'" + fileName.toStdString() +
            "' is not read: it is a pipe, a socket or a device; copy what it gives into a regular "
            "file";
-}
-
-/// An error message that nobody has set.
-inline QString untouched()
-{
-    return QStringLiteral("untouched");
 }
 
 inline QString objFailure(const QString &fileName)
@@ -42,14 +31,6 @@ inline QString objFailure(const QString &fileName)
 inline QString mtlFailure(const QString &fileName)
 {
     return QStringLiteral("Failed to load MTL file '%1'").arg(fileName);
-}
-
-inline int triangles(const RoadOutcome &outcome)
-{
-    int count = 0;
-    for (const Halvard::Orv::DrawElementsIndirectCommand &command : outcome.commands)
-        count += static_cast<int>(command.count) / 3;
-    return count;
 }
 
 /// A model of its own for each test.

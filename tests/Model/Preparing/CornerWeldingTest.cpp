@@ -1,8 +1,8 @@
 // Welding by index tuples and hashes against a map of whole vertices.
 #include "Preparing/CornerWelding.h"
 
-#include "support/PlainModel.h"
-
+#include "support/PlainModelInput.h"
+#include "support/RandomModel.h"
 #include "support/StreamContents.h"
 
 #include <gmock/gmock.h>
@@ -27,14 +27,14 @@ struct Welded
 };
 
 /// What a corner selects: zeros where that is nothing.
-std::vector<float> valueAt(const PlainAttribute &attribute, std::size_t components,
-                           std::size_t corner)
+std::vector<float> valueAt(const PlainAttribute &attribute, std::size_t corner)
 {
-    std::vector<float> value(attribute.values.empty() ? 0 : components);
+    const auto components = static_cast<std::size_t>(attribute.components);
+    std::vector<float> value(components);
     if (corner >= attribute.indices.size())
         return value;
     const std::size_t index = attribute.indices[corner];
-    if (index < attribute.values.size() / components)
+    if (components > 0 && index < attribute.values.size() / components)
         std::copy_n(attribute.values.begin() + static_cast<std::ptrdiff_t>(index * components),
                     value.size(), value.begin());
     return value;
@@ -51,9 +51,9 @@ Welded plainlyWelded(const PlainModel &model)
     std::map<Bits, unsigned> known;
     const std::size_t corners = model.cornerCount();
     for (std::size_t corner = 0; corner < corners; ++corner) {
-        const std::vector<float> position = valueAt(model.positions, 3, corner);
-        const std::vector<float> normal = valueAt(model.normals, 3, corner);
-        const std::vector<float> texCoord = valueAt(model.texCoords, 2, corner);
+        const std::vector<float> position = valueAt(model.positions(), corner);
+        const std::vector<float> normal = valueAt(model.normals(), corner);
+        const std::vector<float> texCoord = valueAt(model.texCoords(), corner);
         std::vector<float> vertex = position;
         append(vertex, normal);
         append(vertex, texCoord);
@@ -98,21 +98,32 @@ TEST(CornerWeldingTest, randomModels)
     Dice dice(Seed);
     for (int i = 0; i < 3000; ++i) {
         const PlainModel model = randomModel(dice);
-        if (!model.positions.values.empty())
+        if (!model.positions().values.empty())
             expectPlainResult(model);
         ASSERT_FALSE(HasFailure()) << "model " << i << " of seed " << Seed;
     }
 }
 
-/// A model of points: welding does not look at faces.
-PlainModel points(PlainAttribute positions, PlainAttribute normals, PlainAttribute texCoords)
+struct Column
+{
+    std::vector<float> values;
+    std::vector<quint32> indices;
+};
+
+/// A model of points: welding does not look at faces. Without values there is no attribute.
+PlainModel points(const Column &positions, const Column &normals, const Column &texCoords)
 {
     PlainModel model;
     model.cornerCounts.assign(positions.indices.size(), 1);
-    model.groupOfFace.assign(positions.indices.size(), -1);
-    model.positions = std::move(positions);
-    model.normals = std::move(normals);
-    model.texCoords = std::move(texCoords);
+    const auto fill = [](PlainAttribute &attribute, const Column &column) {
+        attribute.values = column.values;
+        attribute.indices = column.indices;
+    };
+    fill(model.positions(), positions);
+    if (!normals.values.empty())
+        fill(model.normals(), normals);
+    if (!texCoords.values.empty())
+        fill(model.texCoords(), texCoords);
     return model;
 }
 
@@ -152,19 +163,18 @@ PlainModel crowdedModel(std::uint32_t seed, int positionCount, int otherCount, i
 {
     Dice dice(seed);
     PlainModel model;
-    const auto fill = [&](PlainAttribute &attribute, int count, int components) {
-        for (int i = 0; i < count * components; ++i)
+    const auto fill = [&](PlainAttribute &attribute, int count) {
+        for (int i = 0; i < count * attribute.components; ++i)
             attribute.values.push_back(static_cast<float>(dice.below(1 << 20)));
         for (int i = 0; i < corners; ++i)
             attribute.indices.push_back(static_cast<unsigned>(dice.below(count)));
     };
-    fill(model.positions, positionCount, 3);
+    fill(model.positions(), positionCount);
     if (normals)
-        fill(model.normals, otherCount, 3);
+        fill(model.normals(), otherCount);
     if (texCoords)
-        fill(model.texCoords, otherCount, 2);
+        fill(model.texCoords(), otherCount);
     model.cornerCounts.assign(static_cast<std::size_t>(corners), 1);
-    model.groupOfFace.assign(static_cast<std::size_t>(corners), -1);
     return model;
 }
 
@@ -193,9 +203,9 @@ TEST(CornerWeldingTest, everyCombinationOfShortIndices)
             for (std::size_t vt = 1; vt <= 4; ++vt) {
                 PlainModel model =
                     points({values, {3, 2, 1, 0}}, {values, {0, 0, 1, 1}}, {values, {5, 4, 5, 4}});
-                model.positions.indices.resize(v);
-                model.normals.indices.resize(vn);
-                model.texCoords.indices.resize(vt);
+                model.positions().indices.resize(v);
+                model.normals().indices.resize(vn);
+                model.texCoords().indices.resize(vt);
                 expectPlainResult(model);
             }
         }

@@ -1,41 +1,32 @@
 // The loader's own way from a file's arrays to the GPU's against the builder's.
 #include "Preparing/GeometryPreparing.h"
 
-#include "support/PlainModel.h"
-
-#include "support/MessageCapture.h"
+#include "support/BuilderContents.h"
 #include "support/ModelBuilderInspector.h"
 #include "support/ModelBuilding.h"
-#include "support/PlainGeometry.h"
+#include "support/ModelDifferences.h"
+#include "support/PlainModelInput.h"
+#include "support/RandomModel.h"
 #include "support/StreamContents.h"
 
-#include <OrvModel/TriMeshVertexNormals.h>
-
 #include "Reports/LoadReport.h"
+
+#include <OrvModel/TriMeshVertexNormals.h>
 
 #include <gmock/gmock.h>
 
 #include <limits>
 #include <map>
+#include <numeric>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
 
 namespace {
 
+using ::testing::IsEmpty;
+
 constexpr std::uint32_t Seed = 20240611;
-
-using Bits = std::vector<std::uint32_t>;
-
-/// What goes to the GPU, and what was said on the way.
-struct Outcome
-{
-    std::map<std::string, Bits> attributes;
-    Bits indices;
-    /// Group, first index and count of each command.
-    std::vector<std::tuple<std::string, unsigned, unsigned>> commands;
-    std::vector<Message> messages;
-};
 
 QVector<unsigned> faceOffsets(const PlainModel &model)
 {
@@ -49,9 +40,9 @@ QVector<unsigned> faceOffsets(const PlainModel &model)
 }
 
 /// The steps of ModelBuilder::upload() up to the first that needs OpenGL.
-Outcome byBuilder(const PlainModel &model, ModelBuilder &builder)
+UploadedModel byBuilder(const PlainModel &model, ModelBuilder &builder)
 {
-    Outcome outcome;
+    UploadedModel outcome;
     const MessageCapture capture;
     if (!builder.isValid() || !builder.hasVertexAttribute(vertexName()))
         return outcome;
@@ -64,97 +55,76 @@ Outcome byBuilder(const PlainModel &model, ModelBuilder &builder)
             builder.prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
                                                   positions.gpuIndices, faceOffsets(model));
     }
-    const auto attributes = Inspector::vertexAttributes(builder);
-    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it)
-        outcome.attributes[it.key().toStdString()] = bitsOf(floats(it->gpuValues));
-    outcome.indices = uints(Inspector::gpuIndices(builder));
+    Bundle bundle = preparedBundle(builder);
     if (!Inspector::normalsAttribute(builder).isNull()) {
         std::vector<float> normals(positions.gpuValues->size());
         TriMeshVertexNormals(static_cast<int>(normals.size() / 3),
-                             static_cast<int>(outcome.indices.size()),
+                             static_cast<int>(bundle.indices.size()),
                              static_cast<const float *>(positions.gpuValues->data(0)),
-                             outcome.indices.data(), normals.data());
-        outcome.attributes["va_Normal"] = bitsOf(normals);
+                             bundle.indices.data(), normals.data());
+        bundle.attributes[normalName()] = {3, typeFloat, normals};
     }
-    const auto commands = Inspector::drawCommands(builder).value(0);
-    const auto names = Inspector::drawCommandGroups(builder).value(0);
-    for (int i = 0; i < commands.size(); ++i)
-        outcome.commands.emplace_back(names.at(i).toStdString(), commands.at(i).firstIndex,
-                                      commands.at(i).count);
-    outcome.messages = capture.messages();
+    outcome.bundles.push_back(bundle);
+    outcome.messages = withoutAddresses(capture.messages());
     return outcome;
 }
 
 /// \param textBytes what the file is said to have: normals are made beside the triangles
 ///        where they fit, and after them where they do not.
-Outcome byArrays(const PlainModel &model, const ModelBuilder &builder, const QStringList &groups,
-                 std::size_t textBytes)
+UploadedModel byArrays(const PlainModel &model, const ModelBuilder &builder,
+                       const QStringList &groups, std::size_t textBytes)
 {
-    Outcome outcome;
+    UploadedModel outcome;
     const MessageCapture capture;
     OBJGeometry geometry = toGeometry(model);
     geometry.textBytes = textBytes;
     const PreparedGeometry prepared = prepareGeometry(std::move(geometry), groups, &builder);
-    outcome.messages = capture.messages();
-    if (prepared.isEmpty())
-        return outcome;
-    for (const PreparedGeometry::Attribute &attribute : prepared.attributes) {
-        EXPECT_EQ(attribute.values->type(), typeFloat);
-        EXPECT_EQ(attribute.components, attribute.name == texCoordName() ? 2 : 3);
-        outcome.attributes[attribute.name.toStdString()] = bitsOf(floats(attribute.values));
-    }
-    EXPECT_EQ(prepared.indices->type(), typeUnsignedInt);
-    outcome.indices = uints(prepared.indices);
-    for (const PreparedGeometry::Command &command : prepared.commands)
-        outcome.commands.emplace_back(command.group.toStdString(), command.firstIndex,
-                                      command.count);
+    outcome.messages = withoutAddresses(capture.messages());
+    if (!prepared.isEmpty())
+        outcome.bundles.push_back(preparedBundle(prepared));
     return outcome;
 }
 
 /// Both paths give the same. Returns what that is.
-Outcome expectSame(const PlainModel &model)
+UploadedModel expectSame(const PlainModel &model)
 {
     ModelBuilder builder({}, 0);
-    pour(model, builder);
+    readInto(builder, model);
     const QStringList groups = ModelBuilderInspector::materialGroups(builder).keys();
-    const Outcome expected = byBuilder(model, builder);
-    for (const std::size_t textBytes : {std::size_t(0), std::numeric_limits<std::size_t>::max()}) {
-        const Outcome outcome = byArrays(model, builder, groups, textBytes);
-        EXPECT_EQ(outcome.attributes, expected.attributes);
-        EXPECT_EQ(outcome.indices, expected.indices);
-        EXPECT_EQ(outcome.commands, expected.commands);
-        EXPECT_EQ(outcome.messages, expected.messages);
-    }
+    const UploadedModel expected = byBuilder(model, builder);
+    for (const std::size_t textBytes : {std::size_t(0), std::numeric_limits<std::size_t>::max()})
+        EXPECT_THAT(differences(expected, byArrays(model, builder, groups, textBytes)), IsEmpty());
     return expected;
 }
 
+/// A mesh whose faces are all in one group.
 PlainModel meshOf(std::vector<float> positions, std::vector<unsigned> indices,
                   std::vector<unsigned> cornerCounts)
 {
     PlainModel model;
-    model.positions = {std::move(positions), std::move(indices)};
-    model.groupOfFace.assign(cornerCounts.size(), 0);
+    model.positions() = {3, std::move(positions), std::move(indices)};
+    model.groups = {{QStringLiteral("<default>"), {}, std::vector<quint32>(cornerCounts.size())}};
+    std::iota(model.groups[0].faces.begin(), model.groups[0].faces.end(), 0u);
     model.cornerCounts = std::move(cornerCounts);
-    model.groups = {QStringLiteral("<default>")};
     return model;
 }
 
-TEST(PrepareGeometryTest, randomModelsGiveTheSameByBothRoads)
+TEST(GeometryPreparingTest, randomModelsGiveTheSameByBothPaths)
 {
     RecordProperty("seed", static_cast<int>(Seed));
     Dice dice(Seed);
     std::map<std::string, int> seen;
     for (int i = 0; i < 4000; ++i) {
         const PlainModel model = randomModel(dice);
-        const Outcome outcome = expectSame(model);
+        const UploadedModel outcome = expectSame(model);
         if (HasFailure())
             FAIL() << "model " << i << " of seed " << Seed;
-        if (outcome.attributes.empty()) {
+        if (outcome.bundles.empty()) {
             ++seen["not drawable"];
             continue;
         }
-        ++seen[outcome.indices.empty() ? "no triangles" : "triangles"];
-        ++seen[outcome.commands.size() > 1 ? "several commands" : "one command"];
+        ++seen[outcome.bundle().indices.empty() ? "no triangles" : "triangles"];
+        ++seen[outcome.bundle().commands.size() > 1 ? "several commands" : "one command"];
         for (const Message &message : outcome.messages)
             ++seen[message.text.find("Map") == std::string::npos ? message.text : "map"];
     }
@@ -168,59 +138,59 @@ TEST(PrepareGeometryTest, randomModelsGiveTheSameByBothRoads)
     EXPECT_GT(seen["Cannot triangulate a polygon with fewer than 3 vertices"], 1000);
 }
 
-TEST(PrepareGeometryTest, quadWithSharedPositions)
+TEST(GeometryPreparingTest, quadWithSharedPositions)
 {
     // 3 --- 2      5 repeats 1
     // |     | \    f 0 1 2 3
     // 0 --- 1  4   f 5 4 2
     const PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 2, 0, 0, 1, 0, 0},
                                     {0, 1, 2, 3, 5, 4, 2}, {4, 3});
-    const Outcome outcome = expectSame(model);
-    EXPECT_THAT(outcome.indices, testing::ElementsAre(0, 1, 3, 1, 2, 3, 1, 4, 2));
-    EXPECT_EQ(outcome.attributes.at("va_Vertex").size(), 15u);
-    EXPECT_EQ(outcome.attributes.count("va_TexCoord"), 0u);
+    const UploadedModel outcome = expectSame(model);
+    EXPECT_THAT(outcome.bundle().indices, testing::ElementsAre(0, 1, 3, 1, 2, 3, 1, 4, 2));
+    EXPECT_EQ(outcome.bundle().values("va_Vertex").size(), 15u);
+    EXPECT_EQ(outcome.bundle().attributes.size(), 2u) << "no texture coordinates";
 }
 
-TEST(PrepareGeometryTest, trianglesThatTakeThePlaceOfTheirCorners)
+TEST(GeometryPreparingTest, trianglesThatTakeThePlaceOfTheirCorners)
 {
     // Groups in file order, with faces of no triangle and of no group between.
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0},
                               {0, 1, 2, 3, 2, 1, 0, 1, 1, 3, 2, 0, 3, 1}, {});
     model.cornerCounts = {3, 1, 3, 2, 3, 2};
-    model.groupOfFace = {0, 0, -1, 0, 0, 0};
-    const Outcome outcome = expectSame(model);
-    EXPECT_EQ(outcome.indices.size(), 6u);
+    model.groups[0].faces = {0, 1, 3, 4, 5};
+    const UploadedModel outcome = expectSame(model);
+    EXPECT_EQ(outcome.bundle().indices.size(), 6u);
 }
 
-TEST(PrepareGeometryTest, facesFarFromTheOriginAreTurnedOverAlike)
+TEST(GeometryPreparingTest, facesFarFromTheOriginAreTurnedOverAlike)
 {
     // So far out that the normal of most faces is rounding: about half of them are
     // turned over.
     Dice dice(Seed);
     PlainModel model;
-    model.groups = {QStringLiteral("<default>")};
-    for (int face = 0; face < 3000; ++face) {
+    model.groups = {{QStringLiteral("<default>"), {}, {}}};
+    PlainAttribute &positions = model.positions();
+    for (unsigned face = 0; face < 3000; ++face) {
         const unsigned count = dice.oneIn(2) ? 3 : 4;
         model.cornerCounts.push_back(count);
-        model.groupOfFace.push_back(0);
+        model.groups[0].faces.push_back(face);
         const double turn = dice.real(0.0, 6.28);
         for (unsigned i = 0; i < count; ++i) {
-            model.positions.indices.push_back(
-                static_cast<unsigned>(model.positions.values.size() / 3));
+            positions.indices.push_back(static_cast<unsigned>(positions.values.size() / 3));
             const double angle = turn + 6.283 * i / count;
-            model.positions.values.push_back(
-                static_cast<float>(5000 + face + 0.01 * std::cos(angle)));
-            model.positions.values.push_back(static_cast<float>(7000 + 0.01 * std::sin(angle)));
-            model.positions.values.push_back(static_cast<float>(9000 + 0.003 * std::sin(angle)));
+            positions.values.push_back(static_cast<float>(5000 + face + 0.01 * std::cos(angle)));
+            positions.values.push_back(static_cast<float>(7000 + 0.01 * std::sin(angle)));
+            positions.values.push_back(static_cast<float>(9000 + 0.003 * std::sin(angle)));
         }
     }
-    const Outcome outcome = expectSame(model);
+    const UploadedModel outcome = expectSame(model);
     ASSERT_EQ(outcome.messages.size(), 1u);
     unsigned turned = 0;
     std::size_t entry = 0;
     unsigned corner = 0;
     for (const unsigned count : model.cornerCounts) {
-        if (outcome.indices[entry] == corner && outcome.indices[entry + 1] != corner + 1)
+        if (outcome.bundle().indices[entry] == corner &&
+            outcome.bundle().indices[entry + 1] != corner + 1)
             ++turned;
         entry += 3 * (count - 2);
         corner += count;
@@ -228,30 +198,26 @@ TEST(PrepareGeometryTest, facesFarFromTheOriginAreTurnedOverAlike)
     EXPECT_GT(turned, 300u);
 }
 
-TEST(PrepareGeometryTest, onePositionWithManyTextureCoordinates)
+TEST(GeometryPreparingTest, onePositionWithManyTextureCoordinates)
 {
     // All corners lie on one position: a chain per position alone would take the
     // square of their number.
     constexpr unsigned Count = 300000;
-    PlainModel model;
-    model.groups = {QStringLiteral("<default>")};
-    model.positions.values = {0, 0, 0};
+    PlainModel model = meshOf({0, 0, 0}, std::vector<unsigned>(2 * Count),
+                              std::vector<unsigned>(2 * Count / 3, 3));
     Dice dice(Seed);
+    PlainAttribute &texCoords = model.texCoords();
     for (unsigned i = 0; i < Count; ++i) {
-        model.texCoords.values.push_back(static_cast<float>(i));
-        model.texCoords.values.push_back(1.0f);
+        texCoords.values.push_back(static_cast<float>(i));
+        texCoords.values.push_back(1.0f);
     }
-    for (unsigned corner = 0; corner < 2 * Count; ++corner) {
-        model.positions.indices.push_back(0);
-        model.texCoords.indices.push_back(static_cast<unsigned>(dice.below(Count)));
-    }
-    model.cornerCounts.assign(2 * Count / 3, 3);
-    model.groupOfFace.assign(2 * Count / 3, 0);
-    const Outcome outcome = expectSame(model);
-    EXPECT_EQ(outcome.indices.size(), 2 * Count);
+    for (unsigned corner = 0; corner < 2 * Count; ++corner)
+        texCoords.indices.push_back(static_cast<unsigned>(dice.below(Count)));
+    const UploadedModel outcome = expectSame(model);
+    EXPECT_EQ(outcome.bundle().indices.size(), 2 * Count);
 }
 
-TEST(PrepareGeometryTest, reportsItsStagesAndVertices)
+TEST(GeometryPreparingTest, reportsItsStagesAndVertices)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2, 2, 1, 0}, {3, 3});
     LoadReport report;
@@ -267,11 +233,11 @@ TEST(PrepareGeometryTest, reportsItsStagesAndVertices)
     EXPECT_GT(report.stages.normals, 0);
 }
 
-TEST(PrepareGeometryTest, groupsThatAreNotAskedForGiveNothing)
+TEST(GeometryPreparingTest, groupsThatAreNotAskedForGiveNothing)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2, 2, 1, 0}, {3, 3});
-    model.groups.push_back(QStringLiteral("other"));
-    model.groupOfFace = {0, 1};
+    model.groups[0].faces = {0};
+    model.groups.push_back({QStringLiteral("other"), {}, {1}});
     const MessageCapture capture;
     const PreparedGeometry prepared = prepareGeometry(
         toGeometry(model), {QStringLiteral("nobody's"), QStringLiteral("other")}, nullptr);
@@ -280,7 +246,7 @@ TEST(PrepareGeometryTest, groupsThatAreNotAskedForGiveNothing)
     EXPECT_THAT(uints(prepared.indices), testing::ElementsAre(2, 1, 0));
 }
 
-TEST(PrepareGeometryTest, moreCornersThanCountedGiveNothing)
+TEST(GeometryPreparingTest, moreCornersThanCountedGiveNothing)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2}, {3});
     OBJGeometry geometry = toGeometry(model);

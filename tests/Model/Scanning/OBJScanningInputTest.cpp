@@ -4,7 +4,7 @@
 
 #include "support/TemporaryModel.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
@@ -16,14 +16,15 @@ namespace OrvTest {
 namespace {
 
 using namespace Halvard::Orv;
+using ::testing::IsEmpty;
 
 constexpr int PieceBytes = 16384; // what QTextStream reads at a time
 
 /// Expects the same result on both paths, and that the scan needs no line reader.
 void expectSame(const char *name, const QByteArray &text)
 {
-    EXPECT_EQ(difference(readAsBytes(text), readByLines(text)), "") << name << ":\n"
-                                                                    << printable(text);
+    EXPECT_THAT(differences(readByLines(text), readAsBytes(text)), IsEmpty()) << name << ":\n"
+                                                                              << printable(text);
 }
 
 /// Names, blanks and minus signs of other alphabets, sound and broken.
@@ -98,7 +99,7 @@ TEST(OBJScanningEncodings, AMarkWhereTheStreamMaySwallowItIsLeftToTheLineReader)
         if (distance <= 0)
             EXPECT_EQ(bytes.outcome, OBJScanOutcome::NeedsLineReader) << distance;
         else
-            EXPECT_EQ(difference(bytes, readByLines(text)), "") << distance;
+            EXPECT_THAT(differences(readByLines(text), bytes), IsEmpty()) << distance;
     }
 }
 
@@ -122,9 +123,12 @@ TEST(OBJScanningEncodings, LettersAtTheBorderOfPieces)
             QFile forBytes(file);
             QFile forLines(file);
             const ReadOBJ bytes = readAsBytes(forBytes, model.directory());
-            EXPECT_EQ(difference(bytes, readByLines(forLines, model.directory())), "")
+            EXPECT_THAT(differences(readByLines(forLines, model.directory()), bytes), IsEmpty())
                 << printable(name) << " at " << distance;
-            EXPECT_EQ(bytes.groups.size(), 1u);
+            const std::vector<PlainGroup> &groups = bytes.model.groups;
+            EXPECT_EQ(std::count_if(groups.begin(), groups.end(),
+                                    [](const PlainGroup &group) { return !group.faces.empty(); }),
+                      1);
         }
     }
 }
@@ -198,12 +202,12 @@ TEST(OBJScanningLimits, LongLinesTakeLinearTime)
     limits.chunkBytes = 32;
     const QByteArray face = "v 1 2 3\nf" + QByteArray(" 1 -1/1").repeated(count / 2);
     const ReadOBJ bytes = readAsBytes(face, limits);
-    EXPECT_EQ(bytes.cornerCounts, std::vector<std::uint32_t>{count});
-    EXPECT_EQ(bytes.positions.indices.size(), std::size_t(count));
+    EXPECT_EQ(bytes.model.cornerCounts, std::vector<std::uint32_t>{count});
+    EXPECT_EQ(bytes.model.positions().indices.size(), std::size_t(count));
     for (const char c : {'#', 'x', ' ', '1', '\r'}) {
         const QByteArray line(8000000, c);
-        EXPECT_EQ(readAsBytes(line + "\nv 1 2 3\n", limits).positions.values.size(), 3u);
-        EXPECT_EQ(readAsBytes("v 1 2 " + line + "\n", limits).positions.values.size(), 3u);
+        EXPECT_EQ(readAsBytes(line + "\nv 1 2 3\n", limits).model.positions().values.size(), 3u);
+        EXPECT_EQ(readAsBytes("v 1 2 " + line + "\n", limits).model.positions().values.size(), 3u);
     }
 }
 
@@ -247,7 +251,7 @@ TEST(OBJScanningDevices, GiveAsMuchAtOnceAsTheyLike)
 {
     for (const qint64 most : {1, 2, 3, 100}) {
         OddDevice device(Model, most);
-        EXPECT_EQ(difference(readAsBytes(device), readByLines(Model)), "") << most;
+        EXPECT_THAT(differences(readByLines(Model), readAsBytes(device)), IsEmpty()) << most;
     }
 }
 
@@ -256,14 +260,16 @@ TEST(OBJScanningDevices, AreReadToWhereTheyEnd)
     for (const int end : {0, 1, 5, 8, 20}) {
         OddDevice shrunk(Model, 1000);
         shrunk.endsEarlyAt = end;
-        EXPECT_EQ(difference(readAsBytes(shrunk), readByLines(Model.left(end))), "") << end;
+        EXPECT_THAT(differences(readByLines(Model.left(end)), readAsBytes(shrunk)), IsEmpty())
+            << end;
         OddDevice broken(Model, end > 0 ? end : 1);
         broken.failsAt = end;
-        EXPECT_EQ(difference(readAsBytes(broken), readByLines(Model.left(end))), "") << end;
+        EXPECT_THAT(differences(readByLines(Model.left(end)), readAsBytes(broken)), IsEmpty())
+            << end;
     }
     OddDevice grown(Model, 1000);
     grown.sizeClaimed = 10; // when it was opened
-    EXPECT_EQ(difference(readAsBytes(grown), readByLines(Model)), "");
+    EXPECT_THAT(differences(readByLines(Model), readAsBytes(grown)), IsEmpty());
 }
 
 /// A file of size 0 that has bytes all the same is empty to a stream.
@@ -271,7 +277,7 @@ TEST(OBJScanningDevices, AreEmptyWhenTheySaySo)
 {
     OddDevice device(Model, 1000);
     device.sizeClaimed = 0;
-    EXPECT_EQ(difference(readAsBytes(device), readByLines(QByteArray())), "");
+    EXPECT_THAT(differences(readByLines(QByteArray()), readAsBytes(device)), IsEmpty());
 }
 
 TEST(OBJScanningDevices, ThatCannotBeReadAgainAreNotTouched)
@@ -290,19 +296,17 @@ TEST(OBJScanningSizes, AFileOfManyMegabytes)
     const ReadOBJ read = readAsBytes(copy.repeated(copies));
     ASSERT_EQ(read.outcome, OBJScanOutcome::Finished);
 
-    constexpr std::uint32_t oneAsFloat = 0x3f800000;
-    const auto holds = [](const std::vector<std::uint32_t> &all, size_t perCopy,
-                          std::uint32_t value) {
+    const auto holds = [](const auto &all, size_t perCopy, auto value) {
         return all.size() == perCopy * copies &&
                std::count(all.begin(), all.end(), value) == std::ptrdiff_t(all.size());
     };
-    EXPECT_TRUE(holds(read.positions.values, 3, oneAsFloat));
-    EXPECT_TRUE(holds(read.normals.values, 3, oneAsFloat));
-    EXPECT_TRUE(holds(read.texCoords.values, 2, oneAsFloat));
-    EXPECT_TRUE(holds(read.positions.indices, 4, 0));
-    EXPECT_TRUE(holds(read.normals.indices, 4, 0));
-    EXPECT_TRUE(holds(read.texCoords.indices, 4, 0));
-    EXPECT_TRUE(holds(read.cornerCounts, 1, 4));
+    EXPECT_TRUE(holds(read.model.positions().values, 3, 1.0f));
+    EXPECT_TRUE(holds(read.model.normals().values, 3, 1.0f));
+    EXPECT_TRUE(holds(read.model.texCoords().values, 2, 1.0f));
+    EXPECT_TRUE(holds(read.model.positions().indices, 4, 0u));
+    EXPECT_TRUE(holds(read.model.normals().indices, 4, 0u));
+    EXPECT_TRUE(holds(read.model.texCoords().indices, 4, 0u));
+    EXPECT_TRUE(holds(read.model.cornerCounts, 1, 4u));
 }
 
 } // namespace

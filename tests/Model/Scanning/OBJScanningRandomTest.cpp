@@ -5,7 +5,7 @@
 #include "reference/ModelGenerator.h"
 #include "support/RandomRings.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -16,6 +16,7 @@ namespace OrvTest {
 namespace {
 
 using namespace Halvard::Orv;
+using ::testing::IsEmpty;
 
 constexpr std::uint32_t Seed = 4711;
 
@@ -181,7 +182,7 @@ TEST(OBJScanningRandom, FilesAsProgramsWriteThem)
         QByteArray text = plainFile(dice);
         if (dice.oneIn(2))
             damage(dice, text);
-        EXPECT_EQ(difference(readAsBytes(text, anyLimits(dice)), readByLines(text)), "")
+        EXPECT_THAT(differences(readByLines(text), readAsBytes(text, anyLimits(dice))), IsEmpty())
             << "seed " << Seed << ", file " << i << ":\n"
             << printable(text);
     }
@@ -202,7 +203,7 @@ TEST(OBJScanningRandom, GeneratedModels)
         if (bytes.outcome == OBJScanOutcome::NeedsLineReader)
             continue;
         ++scanned;
-        EXPECT_EQ(difference(bytes, readByLines(forLines, baseDir)), "")
+        EXPECT_THAT(differences(readByLines(forLines, baseDir), bytes), IsEmpty())
             << "seed " << seed << ":\n"
             << OrvReference::printable(model);
     }

@@ -1,4 +1,4 @@
-#include "reference/PouredModel.h"
+#include "reference/FileReading.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -7,6 +7,8 @@
 #include <QtCore/QTextStream>
 
 namespace OrvReference {
+
+using namespace OrvTest;
 
 namespace {
 
@@ -59,7 +61,7 @@ void readMember(QTextStream &values, const QString &keyword, const QDir &baseDir
         material.set(member);
 }
 
-void closeSection(PouredModel &model, const QString &name, const Record &material)
+void closeSection(PlainModel &model, const QString &name, const Record &material)
 {
     if (!name.isNull() && !model.group(name))
         model.groups.push_back({name, material, {}});
@@ -67,7 +69,7 @@ void closeSection(PouredModel &model, const QString &name, const Record &materia
 
 } // namespace
 
-bool pourMTLFile(const QString &fileName, PouredModel &model)
+bool readMTLFile(const QString &fileName, PlainModel &model)
 {
     QFile file(fileName);
     if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Text))

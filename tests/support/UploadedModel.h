@@ -1,36 +1,18 @@
 /// \file
-/// Everything that can be seen of a loaded model, as plain values.
+/// A loaded model: everything that can be seen of it on the GPU, and what was said, as plain
+/// values.
 #pragma once
 
 #include "support/MessageCapture.h"
+#include "support/ModelRecord.h"
 
-#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 #include <map>
 #include <string>
 #include <vector>
 
-namespace OrvReference {
-
-/// A member of a record: bytes, or a texture's path, or a texture object.
-struct Member
-{
-    QString name;
-    QByteArray bytes;
-    QString path;
-    bool isTexture = false;
-};
-
-/// A material or an instance record. Members stand in the order in which they were first set.
-struct Record
-{
-    QString plan;
-    std::vector<Member> members;
-
-    /// Sets a member to `value`, in place when there is one of that name.
-    void set(const Member &value);
-};
+namespace OrvTest {
 
 struct Collection
 {
@@ -51,15 +33,14 @@ struct Command
     QString object;
 };
 
-/// A vertex buffer: `components` values of an OpenGL type per vertex.
+/// A vertex buffer: `components` floats per vertex, and the OpenGL type that it is said to have.
 struct VertexBuffer
 {
     int components = 0;
     unsigned type = 0;
-    QByteArray bytes;
+    std::vector<float> values;
 };
 
-/// The one bundle of a model: the loader batches everything under one key.
 struct Bundle
 {
     quint64 key = 0;
@@ -72,6 +53,12 @@ struct Bundle
     std::vector<Command> commands;
     Collection materials;
     Collection instances;
+
+    /// Values of an attribute, vertex by vertex; empty when there is none.
+    std::vector<float> values(const char *attribute) const;
+    int triangleCount() const;
+    /// The materials' names in the order of the commands.
+    std::vector<QString> materialNames() const;
 };
 
 struct UploadedModel
@@ -79,14 +66,20 @@ struct UploadedModel
     /// Where a load leaves the error message alone, it stays this.
     static QString untouchedError();
 
+    /// The one bundle of a loaded file: the loader batches everything under one key. An
+    /// empty one where there is none.
+    const Bundle &bundle() const;
+    /// The texts of the warnings.
+    std::vector<std::string> warnings() const;
+
     bool isNull = false;
     QString error = untouchedError();
-    bool hasGeneratedNormals = false; ///< Known to the judge only.
+    bool hasGeneratedNormals = false; ///< Known to the reference implementation only.
     std::vector<Bundle> bundles;
-    std::vector<OrvTest::Message> messages;
+    std::vector<Message> messages;
 };
 
-/// The messages with the address at the head of the welding statistics cut off.
-std::vector<OrvTest::Message> withoutAddresses(std::vector<OrvTest::Message> messages);
+/// The messages with "(address)" for the address at the head of the welding statistics.
+std::vector<Message> withoutAddresses(std::vector<Message> messages);
 
-} // namespace OrvReference
+} // namespace OrvTest

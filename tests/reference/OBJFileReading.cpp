@@ -1,4 +1,4 @@
-#include "reference/PouredModel.h"
+#include "reference/FileReading.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -8,6 +8,8 @@
 #include <QtCore/QTextStream>
 
 namespace OrvReference {
+
+using namespace OrvTest;
 
 namespace {
 
@@ -84,30 +86,30 @@ bool readCorners(const QStringList &tokens, const LineCounts &counts, std::vecto
     return true;
 }
 
-void addValue(PouredModel &model, const QString &name, const std::vector<float> &value)
+void addValue(PlainModel &model, const QString &name, const std::vector<float> &value)
 {
-    Attribute &attribute = model.attributes[name];
+    PlainAttribute &attribute = model.attributes[name];
     attribute.components = static_cast<int>(value.size());
     attribute.values.insert(attribute.values.end(), value.begin(), value.end());
 }
 
-void addIndex(PouredModel &model, const QString &name, int index)
+void addIndex(PlainModel &model, const QString &name, int index)
 {
     const auto attribute = model.attributes.find(name);
     if (attribute != model.attributes.end())
         attribute->second.indices.push_back(static_cast<quint32>(index));
 }
 
-void addFace(PouredModel &model, const std::vector<Corner> &corners, const QString &material)
+void addFace(PlainModel &model, const std::vector<Corner> &corners, const QString &material)
 {
-    const auto face = static_cast<quint32>(model.cornersPerFace.size());
-    model.cornersPerFace.push_back(static_cast<quint32>(corners.size()));
+    const auto face = static_cast<quint32>(model.cornerCounts.size());
+    model.cornerCounts.push_back(static_cast<quint32>(corners.size()));
     for (const Corner &corner : corners) {
         addIndex(model, QStringLiteral("va_Vertex"), corner.v);
         addIndex(model, QStringLiteral("va_Normal"), corner.vn);
         addIndex(model, QStringLiteral("va_TexCoord"), corner.vt);
     }
-    if (MaterialGroup *group = model.group(material))
+    if (PlainGroup *group = model.group(material))
         group->faces.push_back(face);
 }
 
@@ -119,16 +121,7 @@ QString token(const QStringList &tokens, int number)
 
 } // namespace
 
-MaterialGroup *PouredModel::group(const QString &name)
-{
-    for (MaterialGroup &candidate : groups) {
-        if (candidate.name == name)
-            return &candidate;
-    }
-    return nullptr;
-}
-
-bool pourOBJFile(const QString &fileName, PouredModel &model, QString &error)
+bool readOBJFile(const QString &fileName, PlainModel &model, QString &error)
 {
     QFile file(fileName);
     if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
@@ -176,7 +169,7 @@ bool pourOBJFile(const QString &fileName, PouredModel &model, QString &error)
             QString path = token(tokens, 1);
             if (QDir::isRelativePath(path))
                 path = baseDir.absoluteFilePath(path);
-            if (!pourMTLFile(path, model)) {
+            if (!readMTLFile(path, model)) {
                 error = QStringLiteral("Failed to load MTL file '%1'").arg(path);
                 return false;
             }
