@@ -69,11 +69,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const PreparedOBJ bytes = prepareByBytes(obj, libraries.path(), limits);
     if (bytes.outcome == OBJScanOutcome::NeedsLineReader)
         return 0; // the line path is all there is
-    std::string text;
+    std::string differing;
     for (const std::string &line :
          differences(prepareByLines(obj, libraries.path(), limits), bytes))
-        text += "\n    " + line;
-    if (!text.empty())
-        fail("by lines and as bytes:" + text);
+        differing += "\n    " + line;
+    if (!differing.empty())
+        fail("by lines and as bytes:" + differing);
     return 0;
 }
