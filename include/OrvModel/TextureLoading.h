@@ -22,10 +22,16 @@ class Texture;
 ///         decode to 32 bits per pixel (indexed and grey images), or when no
 ///         OpenGL context is current. Null, too, after a warning: for an image of
 ///         more pixels on a side than GL_MAX_TEXTURE_SIZE or more than 2^28 in all,
-///         which is not decoded, and where OpenGL has no room for the pixels. A
-///         null is not kept: the next call tries again.
+///         or one that prepareTexture() refuses as hostile or misleading, and where
+///         there is no memory for the pixels, in the process or on the GPU. A null
+///         is not kept: the next call tries again.
 ///
-/// Call it only on the thread whose OpenGL context is current.
+/// Call it only on a thread with an OpenGL context current. Several threads may call it at
+/// once. The table is one for the process, and so a texture belongs to the share group of
+/// its first caller's context: load a file of the same name for another group, and you get
+/// a texture that cannot be bound there (Texture::isUsable() says so). A pixel-unpack
+/// buffer that is bound stays bound and is not read from; of the pixel storage modes only
+/// GL_UNPACK_ALIGNMENT is changed, to 1.
 ORVMODEL_EXPORT Texture *LoadTexture(const QString &fileName);
 
 } // namespace Halvard::Orv

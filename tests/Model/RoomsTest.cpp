@@ -26,7 +26,7 @@ struct Room
 const Room Rooms[] = {{"", 7},          {"Preparing", 6}, {"Scanning", 5}, {"Libraries", 4},
                       {"Builder", 3},   {"Triangles", 2}, {"Welding", 2},  {"Lanes", 1},
                       {"Materials", 1}, {"Memory", 1},    {"Readers", 1},  {"Reports", 1},
-                      {"Threads", 1},   {"foundation", 0}};
+                      {"Threads", 1},   {"Files", 0},     {"foundation", 0}};
 
 /// Rooms that may be missing from src/Model.
 const std::set<std::string> RoomsWithoutFolder = {"", "Threads", "foundation"};
@@ -49,7 +49,6 @@ const std::map<std::string, std::string> RoomOfExportedHeader = {
 const std::pair<const char *, const char *> AppExceptions[] = {
     // `orv info` shows the counts and times of a load, which no exported header offers.
     {"apps/orv/", "Reports/LoadReport.h"},
-    {"apps/render/", "Materials/TextureSize.h"},
 };
 
 struct Include

@@ -140,9 +140,10 @@ protected:
 
     std::string refusal(const QString &path, int width, int height) const
     {
-        return "'" + path.toStdString() + "' is not loaded: its " + std::to_string(width) + " x " +
-               std::to_string(height) + " pixels are more than the " + std::to_string(maxSide) +
-               " on a side, or the 268435456 in all, that a texture can have; scale the image down";
+        return "'" + path.toStdString() + "' is not loaded: it has " + std::to_string(width) +
+               " x " + std::to_string(height) + " pixels, more than the " +
+               std::to_string(maxSide) +
+               " on a side, or the 268435456 in all, that a texture can have";
     }
 
     void expectRefused(const QByteArray &image, int width, int height) const
