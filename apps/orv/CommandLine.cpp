@@ -1,6 +1,10 @@
 #include "CommandLine.h"
 
+#include "Confinement.h"
 #include "Messages.h"
+#include "OutputFile.h"
+#include "PrintedText.h"
+#include "WriteAll.h"
 
 #include <cstdio>
 
@@ -18,12 +22,13 @@ void print(std::FILE *stream, const QString &text)
 
 void printError(const QString &message)
 {
-    print(stderr, QStringLiteral("orv: %1\n").arg(message));
+    print(stderr, QStringLiteral("orv: ") + printedMessage(message) + QLatin1Char('\n'));
 }
 
-void printOut(const QString &text)
+ExitStatus printOut(const QString &text)
 {
-    print(stdout, text);
+    return OutputFile::write(QString(),
+                             [&text](QIODevice &device) { writeAll(device, text.toLocal8Bit()); });
 }
 
 CommandLine::CommandLine(const QString &subcommand, const QString &synopsis,
@@ -37,6 +42,10 @@ CommandLine::CommandLine(const QString &subcommand, const QString &synopsis,
                        QStringLiteral("Print this help and stop.")});
     _parser.addOption({QStringLiteral("verbose"),
                        QStringLiteral("Print the library's debug messages on stderr as well.")});
+    _parser.addOption({QStringLiteral("within"),
+                       QStringLiteral("Read no file outside DIR, wherever links lead, and print "
+                                      "paths relative to it."),
+                       QStringLiteral("DIR")});
 }
 
 void CommandLine::addOption(const QCommandLineOption &option)
@@ -48,10 +57,8 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
 {
     // The parser takes the first argument for the program's name.
     const bool isParsed = _parser.parse(QStringList(_subcommand) + arguments);
-    if (_parser.isSet(QStringLiteral("help"))) {
-        printOut(help());
-        return Fine;
-    }
+    if (_parser.isSet(QStringLiteral("help")))
+        return printOut(help());
     if (!isParsed)
         return wrongUsage(_parser.errorText());
     const QStringList files = _parser.positionalArguments();
@@ -60,6 +67,9 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
     if (files.size() > 1)
         return wrongUsage(QStringLiteral("Unexpected argument '%1'.").arg(files[1]));
     Messages::setVerbose(_parser.isSet(QStringLiteral("verbose")));
+    const QString within = _parser.value(QStringLiteral("within"));
+    if (_parser.isSet(QStringLiteral("within")) && !Confinement::setDirectory(within))
+        return wrongUsage(QStringLiteral("There is no directory '%1'.").arg(within));
     return {};
 }
 

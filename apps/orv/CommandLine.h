@@ -11,13 +11,13 @@
 
 namespace Halvard::Orv::Cli {
 
-/// Prints "orv: MESSAGE" on stderr.
+/// Prints "orv: MESSAGE" on stderr, in one line, as printedMessage() makes it.
 void printError(const QString &message);
 
-/// Prints `text`, as it is, on stdout.
-void printOut(const QString &text);
+/// Prints `text`, as it is, on stdout. Says on stderr when it cannot be written.
+ExitStatus printOut(const QString &text);
 
-/// Every subcommand has --help and --verbose beside its own options.
+/// Every subcommand has --help, --verbose and --within beside its own options.
 class CommandLine
 {
 public:

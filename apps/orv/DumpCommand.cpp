@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommandLine.h"
+#include "Confinement.h"
 #include "JSONWriter.h"
 #include "LoadedModel.h"
 #include "OutputFile.h"
@@ -141,7 +142,7 @@ void writeRecord(JSONWriter &json, const InstanceData &record)
             continue;
         const QString path = record.texturePath(member);
         json.key(member);
-        json.value(path.isNull() ? QStringLiteral("texture") : path);
+        json.value(path.isNull() ? QStringLiteral("texture") : Confinement::relative(path));
     }
     json.endObject();
     json.endObject();
@@ -208,7 +209,7 @@ ExitStatus dumpCommand(const QStringList &arguments)
     if (line.isSet(QStringLiteral("output"))) {
         if (output.isEmpty())
             return line.wrongUsage(QStringLiteral("The output file has no name."));
-        const QString obstacle = OutputFile::obstacle(output);
+        const QString obstacle = OutputFile::obstacle(output, line.model());
         if (!obstacle.isEmpty()) {
             printError(obstacle);
             return CannotRun;

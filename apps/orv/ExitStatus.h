@@ -11,6 +11,8 @@ enum ExitStatus
     FileAtFault = 1,
     /// A wrong call, an output that cannot be written, or no OpenGL.
     CannotRun = 2,
+    /// There is not enough memory.
+    OutOfMemory = 3,
 };
 
 } // namespace Halvard::Orv::Cli

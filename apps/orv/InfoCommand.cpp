@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommandLine.h"
+#include "Confinement.h"
 #include "LoadedModel.h"
 #include "ModelSummary.h"
 #include "OutputFile.h"
@@ -39,7 +40,7 @@ ExitStatus infoCommand(const QStringList &arguments)
     if (const ExitStatus status = loaded.load(line.model(), &report); status != Fine)
         return status;
     ModelSummary summary = summarize(loaded.model());
-    summary.fileName = line.model();
+    summary.fileName = Confinement::relative(line.model());
     summary.fileBytes = QFileInfo(line.model()).size();
     summary.report = report;
     summary.nanoseconds = loaded.nanoseconds();

@@ -13,11 +13,26 @@ namespace {
 
 constexpr int FlushAt = 64 * 1024;
 
+/// In UTF-8. Half of a pair of characters, which stands for a byte of a file name that is no
+/// text, is none there; U+FFFD says that something is missing.
+QByteArray utf8(const QString &text)
+{
+    QString whole = text;
+    for (int i = 0; i < whole.size(); ++i) {
+        if (whole.at(i).isHighSurrogate() && i + 1 < whole.size() &&
+            whole.at(i + 1).isLowSurrogate())
+            ++i;
+        else if (whole.at(i).isSurrogate())
+            whole[i] = QChar::ReplacementCharacter;
+    }
+    return whole.toUtf8();
+}
+
 QByteArray quoted(const QString &text)
 {
     static constexpr char Hex[] = "0123456789abcdef";
     QByteArray result = "\"";
-    for (const char byte : text.toUtf8()) {
+    for (const char byte : utf8(text)) {
         if (byte == '"' || byte == '\\') {
             result += '\\';
             result += byte;

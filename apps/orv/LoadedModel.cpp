@@ -1,7 +1,9 @@
 #include "LoadedModel.h"
 
 #include "CommandLine.h"
+#include "Confinement.h"
 #include "Messages.h"
+#include "PrintedText.h"
 #include "Progress.h"
 
 #include "Reports/LoadReport.h"
@@ -22,7 +24,11 @@ LoadedModel::~LoadedModel() = default;
 
 ExitStatus LoadedModel::load(const QString &fileName, LoadReport *report)
 {
-    QString error;
+    QString error = Confinement::refusal(fileName);
+    if (!error.isEmpty()) {
+        printError(error);
+        return FileAtFault;
+    }
     _context = HeadlessContext::create(&error);
     if (!_context || !_context->makeCurrent()) {
         Messages::flush();
@@ -31,9 +37,9 @@ ExitStatus LoadedModel::load(const QString &fileName, LoadReport *report)
     }
 
     const QFileInfo file(fileName);
-    const Progress progress(
-        QStringLiteral("loading %1 (%2)")
-            .arg(file.fileName(), QLocale(QLocale::English).formattedDataSize(file.size())));
+    const Progress progress(QStringLiteral("loading %1 (%2)")
+                                .arg(printed(file.fileName()),
+                                     QLocale(QLocale::English).formattedDataSize(file.size())));
     std::optional<ScopedLoadReport> scope;
     if (report)
         scope.emplace(*report);
@@ -45,7 +51,7 @@ ExitStatus LoadedModel::load(const QString &fileName, LoadReport *report)
         return Fine;
     Messages::flush();
     printError(error);
-    return FileAtFault;
+    return Messages::saidThatMemoryEnded() ? OutOfMemory : FileAtFault;
 }
 
 } // namespace Halvard::Orv::Cli

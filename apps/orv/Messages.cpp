@@ -1,8 +1,10 @@
 #include "Messages.h"
 
-#include <QtCore/QHash>
+#include "PrintedText.h"
+
 #include <QtCore/QLocale>
 #include <QtCore/QLoggingCategory>
+#include <QtCore/QMap>
 #include <QtCore/QMutex>
 #include <QtCore/QString>
 
@@ -27,9 +29,10 @@ struct State
 {
     QMutex mutex;
     std::vector<Held> held;
-    QHash<QString, size_t> positions; // in `held`, by text
+    QMap<QString, size_t> positions; // in `held`, by text; ordered, for texts hold names
     qint64 leftOut = 0;
     std::atomic<bool> isVerbose = false;
+    std::atomic<bool> saidThatMemoryEnded = false;
     QtMessageHandler previous = nullptr;
 };
 
@@ -73,18 +76,20 @@ void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
     case QtDebugMsg:
     case QtInfoMsg:
         if (state().isVerbose)
-            print(QStringLiteral("debug: ") + text);
+            print(QStringLiteral("debug: ") + printedMessage(text));
         return;
     case QtFatalMsg: // Qt ends the process after this call
         Messages::flush();
-        print(QStringLiteral("error: ") + text);
+        print(QStringLiteral("error: ") + printedMessage(text));
         return;
     case QtWarningMsg:
     case QtCriticalMsg:
         break;
     }
+    if (text.endsWith(QLatin1String("there is not enough memory for it")))
+        state().saidThatMemoryEnded = true;
     const QMutexLocker lock(&state().mutex);
-    hold(QLatin1String(type == QtWarningMsg ? "warning: " : "error: ") + text);
+    hold(QLatin1String(type == QtWarningMsg ? "warning: " : "error: ") + printedMessage(text));
 }
 
 } // namespace
@@ -110,6 +115,11 @@ void Messages::setVerbose(bool isVerbose)
 bool Messages::isVerbose()
 {
     return state().isVerbose;
+}
+
+bool Messages::saidThatMemoryEnded()
+{
+    return state().saidThatMemoryEnded;
 }
 
 void Messages::flush()

@@ -7,9 +7,9 @@ namespace Halvard::Orv::Cli {
 /// Takes over Qt's message logger while it lives. One at a time.
 ///
 /// Warnings and errors are held back and printed on stderr by flush(), each text
-/// once, in order of first appearance, with how often it came: a model of a
-/// thousand bad faces would otherwise bury everything else. Debug messages are
-/// printed at once, and only when verbose. Messages may come from any thread.
+/// once, as printedMessage() makes it, in order of first appearance, with how often it came: a
+/// model of a thousand bad faces would otherwise bury everything else. Debug messages are printed
+/// at once, and only when verbose. Messages may come from any thread.
 class Messages
 {
 public:
@@ -21,6 +21,9 @@ public:
 
     static void setVerbose(bool isVerbose);
     static bool isVerbose();
+
+    /// Whether the library has said that memory ended.
+    static bool saidThatMemoryEnded();
 
     /// Prints what is held back and forgets it.
     static void flush();

@@ -1,5 +1,7 @@
 #include "ModelSummary.h"
 
+#include "Confinement.h"
+
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/BufferObject.h>
 #include <OrvGL/DrawBuffers.h>
@@ -9,12 +11,25 @@
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QSet>
+#include <QtCore/QtDebug>
 
 #include <algorithm>
 
 namespace Halvard::Orv::Cli {
 
 namespace {
+
+/// What lies outside of --within is not looked for: not even whether it exists is told.
+bool isThere(const QString &path)
+{
+    if (path.contains(QChar::Null))
+        return false;
+    const QString objection = Confinement::objection(path);
+    if (objection.isEmpty())
+        return QFileInfo(path).isFile();
+    qWarning("The texture '%s' %s.", qUtf8Printable(path), qUtf8Printable(objection));
+    return false;
+}
 
 /// Only those in files: plain colours are nothing to look for.
 std::vector<ModelSummary::Texture> texturesOf(const InstanceData &record)
@@ -23,7 +38,7 @@ std::vector<ModelSummary::Texture> texturesOf(const InstanceData &record)
     for (const QString &member : record.members()) {
         const QString path = record.texturePath(member);
         if (!path.isNull())
-            textures.push_back({member, path, QFileInfo(path).isFile()});
+            textures.push_back({member, Confinement::relative(path), isThere(path)});
     }
     std::sort(textures.begin(), textures.end(),
               [](const auto &a, const auto &b) { return a.member < b.member; });

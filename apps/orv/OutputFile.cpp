@@ -1,12 +1,18 @@
 #include "OutputFile.h"
 
 #include "CommandLine.h"
+#include "ModelFiles.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Halvard::Orv::Cli {
@@ -26,6 +32,32 @@ bool isDeviceOrPipe(const QString &path)
     return info.exists() && !info.isFile() && !info.isDir();
 }
 
+/// Device and number of a file, whatever its name; nothing where there is none.
+std::optional<std::pair<dev_t, ino_t>> identityOf(const QString &path)
+{
+    struct stat status;
+    if (path.contains(QChar::Null) || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return std::pair(status.st_dev, status.st_ino);
+}
+
+/// What a model needs of the file at `path`; null for nothing.
+QString inputThatIs(const QString &path, const QString &model)
+{
+    const auto output = identityOf(path);
+    const auto isOutput = [&output](const QString &input) { return identityOf(input) == output; };
+    if (!output)
+        return {};
+    if (isOutput(model))
+        return QStringLiteral("the model itself");
+    const ModelFiles files = filesOf(model);
+    if (std::any_of(files.libraries.begin(), files.libraries.end(), isOutput))
+        return QStringLiteral("a material library of the model");
+    if (std::any_of(files.textures.begin(), files.textures.end(), isOutput))
+        return QStringLiteral("a texture of the model");
+    return {};
+}
+
 } // namespace
 
 OutputFile::OutputFile(const QString &path, std::unique_ptr<QFileDevice> device)
@@ -34,7 +66,7 @@ OutputFile::OutputFile(const QString &path, std::unique_ptr<QFileDevice> device)
 
 OutputFile::~OutputFile() = default;
 
-QString OutputFile::obstacle(const QString &path)
+QString OutputFile::obstacle(const QString &path, const QString &model)
 {
     const QFileInfo info(path);
     const QFileInfo directory(info.absolutePath());
@@ -46,6 +78,11 @@ QString OutputFile::obstacle(const QString &path)
         return cannotWrite(path, QStringLiteral("its directory is not writable"));
     if (info.exists() && !info.isWritable())
         return cannotWrite(path, QStringLiteral("it is not writable"));
+    if (info.isFile()) {
+        const QString input = inputThatIs(path, model);
+        if (!input.isNull())
+            return cannotWrite(path, QStringLiteral("it is %1, which would be lost").arg(input));
+    }
     return {};
 }
 

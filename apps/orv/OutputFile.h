@@ -23,9 +23,10 @@ public:
     /// \return null when it cannot be opened; `error` then receives a sentence.
     static std::unique_ptr<OutputFile> open(const QString &path, QString &error);
 
-    /// Why open() would fail, as far as can be told without trying; empty when it
-    /// should not. Asked before long work, not instead of open().
-    static QString obstacle(const QString &path);
+    /// Why open() would fail, as far as can be told without trying, or would do harm: when
+    /// the output is the model or one of the files that it names, under whatever name. Empty
+    /// when nothing is against it. Asked before long work, not instead of open().
+    static QString obstacle(const QString &path, const QString &model);
 
     /// Opens, has `write` write, and commits. Prints on stderr what goes wrong.
     static ExitStatus write(const QString &path, const std::function<void(QIODevice &)> &write);

@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommandLine.h"
+#include "Confinement.h"
 #include "LoadedModel.h"
 #include "OutputFile.h"
 #include "Progress.h"
@@ -15,6 +16,7 @@
 #include <QtGui/QImage>
 #include <QtGui/QImageWriter>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -23,6 +25,8 @@ namespace Halvard::Orv::Cli {
 namespace {
 
 constexpr int LargestSide = 16384;
+/// Beyond, the file says another size than the picture has.
+constexpr int LargestIcon = 256;
 /// Beyond, the buffers alone take gigabytes.
 constexpr qint64 LargestArea = 100'000'000;
 
@@ -33,6 +37,7 @@ struct RenderRequest
     QSize size;
     Render::ViewAngles angles;
     Render::RenderOptions options;
+    Render::TextureSettings textures;
 };
 
 /// "800x600".
@@ -77,6 +82,10 @@ void addOptions(CommandLine &line)
                     QStringLiteral("A plain background: #rrggbb, #aarrggbb, a name such as "
                                    "'white', or 'transparent'."),
                     QStringLiteral("COLOUR")});
+    line.addOption({QStringLiteral("texture-pixels"),
+                    QStringLiteral("Most pixels of all textures together, 536870912 when not "
+                                   "given; what goes beyond is drawn without."),
+                    QStringLiteral("N")});
     line.addOption(
         {QStringLiteral("wireframe"), QStringLiteral("Draw the edges of the triangles on top.")});
     line.addOption(
@@ -120,6 +129,14 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
             return QStringLiteral("Invalid colour '%1': use #rrggbb or a colour's name.").arg(name);
         request.options.backgroundTop = request.options.backgroundBottom = colour;
     }
+    if (line.isSet(QStringLiteral("texture-pixels"))) {
+        const QString text = line.value(QStringLiteral("texture-pixels"));
+        bool isNumber = false;
+        request.textures.mostPixels = text.toLongLong(&isNumber);
+        if (!isNumber || request.textures.mostPixels < 0)
+            return QStringLiteral("Invalid number of pixels '%1'.").arg(text);
+    }
+    request.textures.objection = Confinement::objection;
     request.options.wireframe = line.isSet(QStringLiteral("wireframe"));
     request.options.normals = line.isSet(QStringLiteral("normals"));
     return {};
@@ -127,14 +144,20 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
 
 /// \return a sentence when the picture could not be written there; empty when it can,
 ///         as far as can be told beforehand.
-QString findFormat(RenderRequest &request)
+QString findFormat(const QString &model, RenderRequest &request)
 {
     request.format = QFileInfo(request.output).suffix().toLower().toLatin1();
     if (!QImageWriter::supportedImageFormats().contains(request.format))
         return QStringLiteral("Cannot write '%1': its suffix is not that of an image format such "
                               "as .png.")
             .arg(request.output);
-    return OutputFile::obstacle(request.output);
+    if ((request.format == "ico" || request.format == "cur") &&
+        std::max(request.size.width(), request.size.height()) > LargestIcon)
+        return QStringLiteral("Cannot write '%1': an icon has at most %2 pixels on a side; use "
+                              "--size.")
+            .arg(request.output)
+            .arg(LargestIcon);
+    return OutputFile::obstacle(request.output, model);
 }
 
 bool isOpaque(const Render::RenderOptions &options)
@@ -182,7 +205,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     const QString wrong = readOptions(line, request);
     if (!wrong.isEmpty())
         return line.wrongUsage(wrong);
-    QString error = findFormat(request);
+    QString error = findFormat(line.model(), request);
     if (!error.isEmpty()) {
         printError(error);
         return CannotRun;
@@ -197,7 +220,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     {
         const Progress progress(QStringLiteral("drawing"));
         picture = Render::renderPicture(loaded.model(), request.size, request.angles,
-                                        request.options, &error);
+                                        request.options, &error, request.textures);
     }
     if (picture.isNull()) {
         printError(error);

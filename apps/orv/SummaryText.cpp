@@ -1,5 +1,7 @@
 #include "ModelSummary.h"
 
+#include "PrintedText.h"
+
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 
@@ -101,12 +103,12 @@ void addMaterials(Table &table, const ModelSummary &summary)
     if (summary.materials.empty())
         table.line(1, QStringLiteral("none"));
     for (const ModelSummary::Material &material : summary.materials) {
-        table.row(1, material.name, qint64(material.triangles),
+        table.row(1, printed(material.name), qint64(material.triangles),
                   material.triangles == 1 ? QStringLiteral("triangle")
                                           : QStringLiteral("triangles"));
         for (const ModelSummary::Texture &texture : material.textures)
             table.line(2, QStringLiteral("%1  %2%3")
-                              .arg(texture.member, texture.path,
+                              .arg(texture.member, printed(texture.path),
                                    texture.exists ? QString() : QStringLiteral("  (missing)")));
     }
 }
@@ -144,7 +146,7 @@ void addTimes(Table &table, const ModelSummary &summary)
 QString summaryText(const ModelSummary &summary)
 {
     Table table;
-    table.line(0, summary.fileName);
+    table.line(0, printed(summary.fileName));
     addFile(table, summary);
     addGPU(table, summary);
     addMaterials(table, summary);

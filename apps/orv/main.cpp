@@ -1,11 +1,16 @@
 #include "CommandLine.h"
 #include "Commands.h"
+#include "FileNames.h"
 #include "Messages.h"
+#include "StandardStreams.h"
 
 #include <OrvModel/ModelVersions.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QHashFunctions>
+
+#include <cstdio>
+#include <new>
 
 using namespace Halvard::Orv;
 
@@ -43,13 +48,14 @@ QString help()
                            "\n"
                            "'orv SUBCOMMAND --help' lists a subcommand's options.\n"
                            "Exit status: 0 fine, 1 the file is at fault, 2 wrong usage or no "
-                           "OpenGL.\n");
+                           "OpenGL,\n3 not enough memory.\n");
     return text;
 }
 
 Cli::ExitStatus wrongUsage(const QString &message)
 {
-    Cli::printError(message + QLatin1Char('\n') + usage() + QStringLiteral("Try 'orv --help'."));
+    Cli::printError(message);
+    std::fputs(qPrintable(usage() + QStringLiteral("Try 'orv --help'.\n")), stderr);
     return Cli::CannotRun;
 }
 
@@ -58,14 +64,10 @@ Cli::ExitStatus run(const QStringList &arguments)
     if (arguments.size() < 2)
         return wrongUsage(QStringLiteral("No subcommand is given."));
     const QString &first = arguments[1];
-    if (first == QLatin1String("-h") || first == QLatin1String("--help")) {
-        Cli::printOut(help());
-        return Cli::Fine;
-    }
-    if (first == QLatin1String("-v") || first == QLatin1String("--version")) {
-        Cli::printOut(QStringLiteral("orv %1\n").arg(ModelVersions::getVersion()));
-        return Cli::Fine;
-    }
+    if (first == QLatin1String("-h") || first == QLatin1String("--help"))
+        return Cli::printOut(help());
+    if (first == QLatin1String("-v") || first == QLatin1String("--version"))
+        return Cli::printOut(QStringLiteral("orv %1\n").arg(ModelVersions::getVersion()));
     for (const Subcommand &subcommand : Subcommands) {
         if (first == QLatin1String(subcommand.name))
             return subcommand.run(arguments.mid(2));
@@ -82,7 +84,14 @@ int main(int argc, char *argv[])
     // The order of material groups is that of a hash table: the same output for the
     // same file takes the same seed.
     qSetGlobalQHashSeed(0);
+    Cli::holdStandardStreams();
     const QCoreApplication application(argc, argv);
     const Cli::Messages messages;
-    return run(QCoreApplication::arguments());
+    try {
+        return run(Cli::argumentsOf(argc, argv));
+    } catch (const std::bad_alloc &) {
+        Cli::Messages::flush();
+        std::fputs("orv: There is not enough memory.\n", stderr);
+        return Cli::OutOfMemory;
+    }
 }

@@ -9,7 +9,7 @@
 namespace Halvard::Orv::Render {
 
 QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
-                     const RenderOptions &options, QString *error)
+                     const RenderOptions &options, QString *error, const TextureSettings &textures)
 {
     constexpr int Samples = 4;
     const auto target = OffscreenTarget::create(size, Samples, error);
@@ -17,7 +17,7 @@ QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles 
     if (!renderer)
         return {};
 
-    renderer->setModel(&model);
+    renderer->setModel(&model, textures);
     const double aspect = double(size.width()) / double(size.height());
     const Camera camera = frameModel(renderer->geometry(), angles, aspect);
     target->bind();

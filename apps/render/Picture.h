@@ -18,6 +18,7 @@ namespace Halvard::Orv::Render {
 ///
 /// Needs the model's OpenGL context current; leaves no framebuffer bound.
 QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
-                     const RenderOptions &options, QString *error = nullptr);
+                     const RenderOptions &options, QString *error = nullptr,
+                     const TextureSettings &textures = {});
 
 } // namespace Halvard::Orv::Render

@@ -3,7 +3,6 @@
 #include "Material.h"
 #include "ShaderProgram.h"
 #include "Shaders.h"
-#include "TextureCache.h"
 
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/BufferObject.h>
@@ -69,7 +68,7 @@ void fromBothSides(Draw &&draw)
 
 } // namespace
 
-Renderer::Renderer() : _textures(std::make_unique<TextureCache>()) {}
+Renderer::Renderer() = default;
 
 Renderer::~Renderer()
 {
@@ -108,7 +107,7 @@ bool Renderer::buildPrograms(QString *error)
     return _lines != nullptr;
 }
 
-void Renderer::setModel(const GPUModel *model)
+void Renderer::setModel(const GPUModel *model, const TextureSettings &textures)
 {
     _model = model;
     _geometry = {};
@@ -116,15 +115,16 @@ void Renderer::setModel(const GPUModel *model)
     _firstRecord.clear();
     std::vector<PlannedCommand> commands;
     if (model) {
+        TextureCache cache(textures);
         _geometry = readGeometry(*model);
         for (int i = 0; i < model->bundleCount(); ++i)
-            addBundle(i, commands);
+            addBundle(i, cache, commands);
     }
     _plan = planDraws(commands, _knowsDrawNumber);
     uploadRecords();
 }
 
-void Renderer::addBundle(int index, std::vector<PlannedCommand> &commands)
+void Renderer::addBundle(int index, TextureCache &textures, std::vector<PlannedCommand> &commands)
 {
     const InstanceDataCollection *materials = _model->materials(index);
     _firstRecord.push_back(unsigned(_records.size()));
@@ -136,8 +136,8 @@ void Renderer::addBundle(int index, std::vector<PlannedCommand> &commands)
             {{material.diffuse.x(), material.diffuse.y(), material.diffuse.z(), material.opacity},
              {material.specular.x(), material.specular.y(), material.specular.z(),
               material.shininess}});
-        commands.push_back({index, i, material.isOpaque(), resolve(material.diffuseMap, *_textures),
-                            resolve(material.specularMap, *_textures)});
+        commands.push_back({index, i, material.isOpaque(), resolve(material.diffuseMap, textures),
+                            resolve(material.specularMap, textures)});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Camera.h"
 #include "DrawPlan.h"
 #include "ModelGeometry.h"
+#include "TextureCache.h"
 
 #include <QtCore/QSharedPointer>
 #include <QtGui/QColor>
@@ -21,7 +22,6 @@ class GPUModel;
 namespace Halvard::Orv::Render {
 
 class ShaderProgram;
-class TextureCache;
 
 struct RenderOptions
 {
@@ -52,7 +52,7 @@ public:
     /// What draw() draws from now on. Loads the model's textures, with a warning for
     /// each file that cannot be used.
     /// \param model must outlive its use here and not change; null draws nothing.
-    void setModel(const GPUModel *model);
+    void setModel(const GPUModel *model, const TextureSettings &textures = {});
 
     /// Where the model lies, for frameModel().
     const ModelGeometry &geometry() const { return _geometry; }
@@ -66,7 +66,7 @@ public:
 private:
     Renderer();
     bool buildPrograms(QString *error);
-    void addBundle(int index, std::vector<PlannedCommand> &commands);
+    void addBundle(int index, TextureCache &textures, std::vector<PlannedCommand> &commands);
     void uploadRecords();
     void drawBackground(const RenderOptions &options);
     void drawSurfaces(ShaderProgram &program, const Camera &camera, bool blends);
@@ -85,7 +85,6 @@ private:
     std::unique_ptr<ShaderProgram> _surface;
     std::unique_ptr<ShaderProgram> _normals;
     std::unique_ptr<ShaderProgram> _lines;
-    std::unique_ptr<TextureCache> _textures;
     bool _knowsDrawNumber = false;
     unsigned _emptyVertexArray = 0;
 

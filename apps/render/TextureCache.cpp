@@ -1,68 +1,78 @@
 #include "TextureCache.h"
 
-#include "Materials/TextureSize.h"
-#include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
-#include <OrvModel/TextureLoading.h>
+#include <OrvModel/TexturePreparing.h>
 
 #include <QtCore/QFileInfo>
-#include <QtGui/QImage>
+#include <QtCore/QtDebug>
 
 namespace Halvard::Orv::Render {
-
-namespace {
-
-/// Null when the file is no image. Looks the same as what LoadTexture() makes.
-std::unique_ptr<Texture> convertedTexture(const QString &path)
-{
-    QImage image;
-    if (!image.load(path, nullptr))
-        return nullptr;
-    image = image.convertToFormat(QImage::Format_ARGB32).mirrored(false, true);
-
-    auto texture = std::make_unique<Texture>(GL_TEXTURE_2D, GL_RGBA, image.width(), image.height(),
-                                             0, nullptr);
-    const AutoBinder binder(texture.get());
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, image.width(), image.height(), 0, GL_BGRA,
-                 GL_UNSIGNED_BYTE, image.constBits());
-    glGenerateMipmap(GL_TEXTURE_2D);
-    texture->setReadOnly();
-    return texture;
-}
-
-} // namespace
-
-TextureCache::TextureCache() = default;
-TextureCache::~TextureCache() = default;
 
 Texture *TextureCache::texture(const QString &path)
 {
     const auto known = _byPath.constFind(path);
     if (known != _byPath.constEnd())
         return *known;
+    QString reason;
+    Texture *const texture = load(path, reason);
+    if (!reason.isEmpty())
+        qWarning("The texture '%s' %s; drawn without it.", qUtf8Printable(path),
+                 qUtf8Printable(reason));
+    return *_byPath.insert(path, texture);
+}
 
-    Texture *texture = nullptr;
-    if (!QFileInfo(path).isFile()) {
-        qWarning("The texture '%s' does not exist; drawn without it.", qUtf8Printable(path));
-    } else if (claimsTextureSize(path)) {
-        texture = LoadTexture(path);
-        if (!texture) {
-            if (auto converted = convertedTexture(path)) {
-                texture = converted.get();
-                _converted.push_back(std::move(converted));
-            } else {
-                qWarning("The texture '%s' is no image that can be read; drawn without it.",
-                         qUtf8Printable(path));
-            }
-        }
+/// \param reason stays empty where there is nothing to say, or it was said before.
+Texture *TextureCache::load(const QString &path, QString &reason)
+{
+    if (_settings.objection) {
+        reason = _settings.objection(path);
+        if (!reason.isEmpty())
+            return nullptr;
     }
-    _byPath.insert(path, texture);
+    // A name with a zero byte is none for the system.
+    const QString file =
+        path.contains(QChar::Null) ? QString() : QFileInfo(path).canonicalFilePath();
+    if (file.isEmpty()) {
+        reason = QStringLiteral("does not exist");
+        return nullptr;
+    }
+    const auto known = _byFile.constFind(file);
+    if (known != _byFile.constEnd())
+        return *known;
+    return *_byFile.insert(file, decode(path, reason));
+}
+
+Texture *TextureCache::decode(const QString &path, QString &reason)
+{
+    GLint mostOnASide = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &mostOnASide);
+    PrepareTextureOptions options;
+    options.mostOnASide = mostOnASide;
+    options.convertsTo32Bits = true;
+    const qint64 mostOfOne = options.mostPixels;
+    options.mostPixels = qMin(mostOfOne, _settings.mostPixels - _pixels);
+
+    const PreparedTexture prepared = prepareTexture(path, options);
+    const QSize size = prepared.claimedSize;
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (prepared.trouble == PreparedTexture::Trouble::TooLarge && pixels <= mostOfOne &&
+        size.width() <= mostOnASide && size.height() <= mostOnASide) {
+        reason = QStringLiteral("has %1 x %2 pixels, more than the textures before it leave of the "
+                                "%3 that a model may have")
+                     .arg(size.width())
+                     .arg(size.height())
+                     .arg(_settings.mostPixels);
+        return nullptr;
+    }
+    Texture *const texture = uploadTexture(prepared, &reason);
+    if (!texture)
+        return nullptr;
+    if (!texture->isUsable()) {
+        reason = QStringLiteral("belongs to another OpenGL context");
+        return nullptr;
+    }
+    _pixels += qint64(texture->width()) * texture->height();
     return texture;
 }
 

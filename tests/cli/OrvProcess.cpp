@@ -71,7 +71,12 @@ OrvRun runOrv(const QStringList &arguments, const QStringList &environment)
 OrvRun runOrvWithSmallFiles(const QStringList &arguments)
 {
     // The signal that comes with the limit would end the program.
-    const QString script = QStringLiteral("ulimit -f 1; trap '' XFSZ; exec \"$0\" \"$@\"");
+    return runOrvFromShell(QStringLiteral("ulimit -f 1; trap '' XFSZ; exec \"$0\" \"$@\""),
+                           arguments);
+}
+
+OrvRun runOrvFromShell(const QString &script, const QStringList &arguments)
+{
     return runProgram(QStringLiteral("sh"),
                       QStringList{QStringLiteral("-c"), script, orvProgram()} + arguments, {});
 }

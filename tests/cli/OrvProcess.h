@@ -33,6 +33,9 @@ OrvRun runOrv(const QStringList &arguments, const QStringList &environment = {})
 /// to be full.
 OrvRun runOrvWithSmallFiles(const QStringList &arguments);
 
+/// Runs a shell script, in which "$0" is the program, and "$@" are the arguments.
+OrvRun runOrvFromShell(const QString &script, const QStringList &arguments = {});
+
 /// Where the program lies.
 QString orvProgram();
 

@@ -44,7 +44,7 @@ QImage RenderTest::draw(const QByteArray &contents)
         ADD_FAILURE() << error.toStdString();
         return {};
     }
-    const QImage picture = Render::renderPicture(*model, size, angles, options, &error);
+    const QImage picture = Render::renderPicture(*model, size, angles, options, &error, textures);
     EXPECT_EQ(picture.size(), size) << error.toStdString();
     return picture;
 }

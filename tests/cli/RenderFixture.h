@@ -37,6 +37,7 @@ protected:
     QSize size = {64, 64};
     Halvard::Orv::Render::ViewAngles angles = {0, 0};
     Halvard::Orv::Render::RenderOptions options;
+    Halvard::Orv::Render::TextureSettings textures;
 };
 
 /// A square around the origin that looks towards +z:

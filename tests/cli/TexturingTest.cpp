@@ -7,6 +7,9 @@
 
 #include <gmock/gmock.h>
 
+#include <QtCore/QFile>
+#include <QtCore/QtEndian>
+
 namespace {
 
 using namespace OrvTest;
@@ -173,10 +176,67 @@ TEST_F(TexturingTest, SoIsAnImageThatClaimsTooManyPixels)
     const MessageCapture messages;
     const QImage picture = drawWith("Kd 0 0 1\nmap_Kd bomb.ppm\n");
     EXPECT_THAT(messages.texts(QtWarningMsg),
-                ElementsAre(::testing::StartsWith(
-                    "'" + files.path(QStringLiteral("bomb.ppm")).toStdString() +
-                    "' is not loaded: its 20000 x 20000 pixels are more than")));
+                ElementsAre(::testing::AllOf(
+                    ::testing::StartsWith("The texture '" +
+                                          files.path(QStringLiteral("bomb.ppm")).toStdString() +
+                                          "' has 20000 x 20000 pixels, more than the "),
+                    ::testing::EndsWith(" that a texture can have; drawn without it."))));
     EXPECT_GT(centre(picture).blue(), 200);
+}
+
+TEST_F(TexturingTest, SoIsAnIconThatHoldsALargerImage)
+{
+    save(QImage(300, 300, QImage::Format_RGB32), "large.png");
+    QFile large(files.path(QStringLiteral("large.png")));
+    ASSERT_TRUE(large.open(QIODevice::ReadOnly));
+    const QByteArray png = large.readAll();
+    const quint32 bytes = qToLittleEndian(quint32(png.size()));
+    QByteArray icon("\0\0\1\0\1\0\x10\x10\0\0\1\0\x20\0", 14);
+    icon += QByteArray(reinterpret_cast<const char *>(&bytes), 4) + QByteArray("\x16\0\0\0", 4);
+    files.write(QStringLiteral("lie.ico"), icon + png);
+    const MessageCapture messages;
+    const QImage picture = drawWith("Kd 0 0 1\nmap_Kd lie.ico\n");
+    EXPECT_THAT(messages.texts(QtWarningMsg),
+                ElementsAre("The texture '" + files.path(QStringLiteral("lie.ico")).toStdString() +
+                            "' holds a larger image than it says; drawn without it."));
+    EXPECT_GT(centre(picture).blue(), 200);
+}
+
+TEST_F(TexturingTest, AModelsTexturesShareABudget)
+{
+    save(fourFields(), "a.png");
+    save(fourFields(), "b.png");
+    files.write(QStringLiteral("m.mtl"), "newmtl a\nmap_Kd a.png\nmap_Ks ./a.png\n"
+                                         "newmtl b\nmap_Kd b.png\n");
+    const QByteArray model = "mtllib m.mtl\n" + QByteArray(square) +
+                             "usemtl a\nf 1/1 2/2 3/3 4/4\nusemtl b\nf 1/1 1/1 1/1\n";
+    // Under two names one file counts once.
+    textures.mostPixels = 2 * 32 * 32;
+    {
+        const MessageCapture messages;
+        draw(model);
+        EXPECT_THAT(messages.texts(QtWarningMsg), ::testing::IsEmpty());
+    }
+    --textures.mostPixels;
+    const MessageCapture messages;
+    draw(model);
+    ASSERT_THAT(messages.texts(QtWarningMsg), ::testing::SizeIs(1));
+    EXPECT_THAT(messages.texts(QtWarningMsg)[0],
+                ::testing::EndsWith("' has 32 x 32 pixels, more than the textures before it leave "
+                                    "of the 2047 that a model may have; drawn without it."));
+}
+
+TEST_F(TexturingTest, TexturesThatTheCallerObjectsToAreNotRead)
+{
+    save(fourFields(), "t.png");
+    textures.objection = [](const QString &path) {
+        return path.endsWith(QLatin1String("t.png")) ? QStringLiteral("is not wanted") : QString();
+    };
+    const MessageCapture messages;
+    EXPECT_GT(centre(drawWith("Kd 0 0 1\nmap_Kd t.png\n")).blue(), 200);
+    EXPECT_THAT(messages.texts(QtWarningMsg),
+                ElementsAre("The texture '" + files.path(QStringLiteral("t.png")).toStdString() +
+                            "' is not wanted; drawn without it."));
 }
 
 TEST_F(TexturingTest, NeighboursKeepTheirTextures)

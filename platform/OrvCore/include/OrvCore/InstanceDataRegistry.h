@@ -4,7 +4,7 @@
 
 #include <OrvCore/OrvCoreExport.h>
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 
 #include <memory>
@@ -47,7 +47,7 @@ private:
 
     mutable std::mutex _mutex;
     std::vector<std::unique_ptr<InstanceDataPlan>> _plans;
-    QHash<QString, const InstanceDataPlan *> _firstOfName;
+    QMap<QString, const InstanceDataPlan *> _firstOfName;
 };
 
 } // namespace Halvard::Orv

@@ -4,7 +4,7 @@
 
 #include <OrvGL/OrvGLExport.h>
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QPair>
 
 #include <memory>
@@ -31,10 +31,11 @@ public:
     /// read-only.
     ///
     /// The same colour gives the same texture in the current context and in those that share
-    /// objects with it. What is bound, and the pixel storage modes, stay as they are. \param color
-    /// any; what QColor::rgba() says of it counts. \return owned by the manager, valid until the
-    /// process ends (also when its context is gone, it
-    ///     then cannot be bound any more); null when no context is current.
+    /// objects with it. What is bound, and the pixel storage modes, stay as they are.
+    ///
+    /// \param color any; what QColor::rgba() says of it counts.
+    /// \return owned by the manager, valid until the process ends (also when its context is
+    ///     gone, it then cannot be bound any more); null when no context is current.
     Texture *colorTexture(const QColor &color);
 
 private:
@@ -45,7 +46,7 @@ private:
     using Key = QPair<quint64, unsigned int>;
 
     std::mutex _mutex;
-    QHash<Key, Texture *> _byColor;
+    QMap<Key, Texture *> _byColor;
     std::vector<std::unique_ptr<Texture>> _textures;
 };
 

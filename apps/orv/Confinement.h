@@ -1,0 +1,34 @@
+/// \file
+/// The directory outside of which nothing is read.
+#pragma once
+
+#include <QtCore/QString>
+
+namespace Halvard::Orv::Cli {
+
+/// What --within asks for, for the whole process. Without it every file may be read, and all
+/// functions here let through what they are given.
+class Confinement
+{
+public:
+    /// \return false when there is no such directory.
+    static bool setDirectory(const QString &directory);
+    static bool isSet();
+
+    /// Whether the file, or where it would lie, is in the directory once all links are followed.
+    static bool isInside(const QString &path);
+
+    /// Why a file must not be read, to end the sentence "The texture 'x' "; empty where it may.
+    static QString objection(const QString &path);
+
+    /// Why a model must not be loaded, since it or one of its libraries lies outside. A sentence;
+    /// empty where it may.
+    static QString refusal(const QString &model);
+
+    /// The path relative to the directory.
+    static QString relative(const QString &path);
+    /// A message with the directory taken off all paths in it.
+    static QString withRelativePaths(const QString &message);
+};
+
+} // namespace Halvard::Orv::Cli
