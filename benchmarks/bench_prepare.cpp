@@ -12,7 +12,7 @@
 #include "Preparing/FaceSums.h"
 #include "Preparing/FaceTriangles.h"
 #include "Preparing/GeometryPreparing.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 
 #include <OrvModel/OBJReader.h>
 #include <OrvModel/TriMeshVertexNormals.h>
@@ -264,8 +264,8 @@ void prepareInSteps(const Model &model, BestTimes &best)
 void prepare(benchmark::State &state, const Model &model)
 {
     BestTimes best;
-    LoadReport report;
-    const ScopedLoadReport scope(report);
+    PreparationReport report;
+    const ScopedReport scope(report);
     PreparedGeometry prepared;
     size_t expectedTriangles = 0;
     for (auto _ : state) {
@@ -283,7 +283,7 @@ void prepare(benchmark::State &state, const Model &model)
     state.counters["triangulate"] = best.triangulate;
     state.counters["normals"] = best.normals;
     state.counters["all"] = best.all;
-    state.counters["vertices"] = static_cast<double>(report.gpuVertices);
+    state.counters["vertices"] = static_cast<double>(report.vertices);
     state.counters["triangles"] = static_cast<double>(expectedTriangles);
 }
 

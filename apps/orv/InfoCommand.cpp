@@ -2,11 +2,15 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
-#include "LoadedModel.h"
+#include "Messages.h"
 #include "ModelSummary.h"
 #include "OutputFile.h"
+#include "Progress.h"
 #include "WriteAll.h"
 
+#include <OrvModel/ModelPreparing.h>
+
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
 #include <QtCore/QIODevice>
 
@@ -35,15 +39,28 @@ ExitStatus infoCommand(const QStringList &arguments)
     if (const auto status = line.parse(arguments))
         return *status;
 
-    LoadReport report;
-    LoadedModel loaded;
-    if (const ExitStatus status = loaded.load(line.model(), &report); status != Fine)
-        return status;
-    ModelSummary summary = summarize(loaded.model());
+    QString error = Confinement::refusal(line.model());
+    if (!error.isEmpty()) {
+        printError(error);
+        return FileAtFault;
+    }
+    std::unique_ptr<PreparedModel> model;
+    QElapsedTimer timer;
+    timer.start();
+    {
+        const Progress progress(Progress::loadingOf(line.model()));
+        model = prepareModelFromOBJFile(line.model(), error);
+    }
+    const qint64 nanoseconds = timer.nsecsElapsed();
+    if (!model) {
+        Messages::flush();
+        printError(error);
+        return FileAtFault;
+    }
+    ModelSummary summary = summarize(*model);
     summary.fileName = Confinement::relative(line.model());
     summary.fileBytes = QFileInfo(line.model()).size();
-    summary.report = report;
-    summary.nanoseconds = loaded.nanoseconds();
+    summary.nanoseconds = nanoseconds;
     return print(summary, line.isSet(QStringLiteral("json")));
 }
 

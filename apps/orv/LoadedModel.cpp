@@ -6,23 +6,16 @@
 #include "PrintedText.h"
 #include "Progress.h"
 
-#include "Reports/LoadReport.h"
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
 #include <OrvModel/ModelLoading.h>
-
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QFileInfo>
-#include <QtCore/QLocale>
-
-#include <optional>
 
 namespace Halvard::Orv::Cli {
 
 LoadedModel::LoadedModel() = default;
 LoadedModel::~LoadedModel() = default;
 
-ExitStatus LoadedModel::load(const QString &fileName, LoadReport *report)
+ExitStatus LoadedModel::load(const QString &fileName)
 {
     QString error = Confinement::refusal(fileName);
     if (!error.isEmpty()) {
@@ -36,17 +29,8 @@ ExitStatus LoadedModel::load(const QString &fileName, LoadReport *report)
         return CannotRun;
     }
 
-    const QFileInfo file(fileName);
-    const Progress progress(QStringLiteral("loading %1 (%2)")
-                                .arg(printed(file.fileName()),
-                                     QLocale(QLocale::English).formattedDataSize(file.size())));
-    std::optional<ScopedLoadReport> scope;
-    if (report)
-        scope.emplace(*report);
-    QElapsedTimer timer;
-    timer.start();
+    const Progress progress(Progress::loadingOf(fileName));
     _model.reset(loadModelFromOBJFile(fileName, error));
-    _nanoseconds = timer.nsecsElapsed();
     if (_model)
         return Fine;
     Messages::flush();

@@ -4,8 +4,6 @@
 
 #include "ExitStatus.h"
 
-#include <QtCore/QtGlobal>
-
 #include <memory>
 
 class QString;
@@ -13,7 +11,6 @@ class QString;
 namespace Halvard::Orv {
 class GPUModel;
 class HeadlessContext;
-struct LoadReport;
 } // namespace Halvard::Orv
 
 namespace Halvard::Orv::Cli {
@@ -28,19 +25,14 @@ public:
 
     /// Makes a context, leaves it current, and loads the file. Prints on stderr what
     /// goes wrong, and what the library says on the way.
-    /// \param report filled when not null.
-    ExitStatus load(const QString &fileName, LoadReport *report = nullptr);
+    ExitStatus load(const QString &fileName);
 
     /// Only after load() was fine.
     GPUModel &model() { return *_model; }
 
-    /// Wall time of the library's call.
-    qint64 nanoseconds() const { return _nanoseconds; }
-
 private:
     std::unique_ptr<HeadlessContext> _context;
     std::unique_ptr<GPUModel> _model;
-    qint64 _nanoseconds = 0;
 };
 
 } // namespace Halvard::Orv::Cli

@@ -2,15 +2,10 @@
 
 #include "Confinement.h"
 
-#include <OrvCore/InstanceDataCollection.h>
-#include <OrvGL/BufferObject.h>
 #include <OrvGL/DrawBuffers.h>
-#include <OrvGL/GPUModel.h>
-#include <OrvGL/VertexArrayObject.h>
-#include <render/ModelGeometry.h>
+#include <OrvModel/PreparedModel.h>
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QSet>
 #include <QtCore/QtDebug>
 
 #include <algorithm>
@@ -45,41 +40,37 @@ std::vector<ModelSummary::Texture> texturesOf(const InstanceData &record)
     return textures;
 }
 
-void addCommands(ModelSummary &summary, const GPUModel &model, int bundle)
+void addCommands(ModelSummary &summary, const PreparedModel &model)
 {
-    const InstanceDataCollection *records = model.materials(bundle);
-    int slot = 0;
-    for (const DrawElementsIndirectCommand &command : model.bundle(bundle)->commands()) {
+    const QVector<PreparedModel::Command> commands = model.commands();
+    for (int i = 0; i < commands.size(); ++i) {
         ModelSummary::Material material;
-        material.name = model.materialName(bundle, slot);
-        material.triangles = quint64(command.count / 3) * command.instanceCount;
-        if (records && slot < records->records().size())
-            material.textures = texturesOf(records->records()[slot]);
+        material.name = commands.at(i).material;
+        material.triangles = commands.at(i).indexCount / 3;
+        material.textures = texturesOf(model.material(i));
         summary.triangles += material.triangles;
         summary.materials.push_back(std::move(material));
-        ++summary.commands;
-        ++slot;
     }
+    summary.commands = quint64(commands.size());
+    summary.bundles = commands.isEmpty() ? 0 : 1; // all groups of a file are batched together
 }
 
-void addBytes(ModelSummary::GPUBytes &bytes, const DrawBuffers &bundle,
-              QSet<const BufferObject *> &counted)
+/// Indices of 16 bits suffice for that many vertices.
+qint64 bytesPerIndex(quint32 vertexCount)
 {
-    const auto sizeOnce = [&counted](const BufferObject *buffer) -> qint64 {
-        if (!buffer || counted.contains(buffer))
-            return 0;
-        counted.insert(buffer);
-        return buffer->byteCount();
-    };
-    bytes.indices += sizeOnce(bundle.indexBuffer().data());
-    bytes.commands +=
-        qint64(bundle.commands().size()) * qint64(sizeof(DrawElementsIndirectCommand));
-    if (!bundle.VAO())
-        return;
-    for (const VertexArrayObject::Attribute &attribute : bundle.VAO()->attributes()) {
-        if (const qint64 size = sizeOnce(attribute.buffer.data()))
-            bytes.attributes.emplace_back(attribute.name, size);
-    }
+    constexpr quint32 MaxVerticesFor16Bit = 65534;
+    return vertexCount <= MaxVerticesFor16Bit ? 2 : 4;
+}
+
+void addBytes(ModelSummary::GPUBytes &bytes, const PreparedModel &model)
+{
+    bytes.indices = qint64(model.indexCount()) * bytesPerIndex(model.vertexCount());
+    bytes.commands = qint64(model.commands().size()) * qint64(sizeof(DrawElementsIndirectCommand));
+    for (const PreparedModel::Attribute &attribute : model.attributes())
+        bytes.attributes.emplace_back(attribute.name, qint64(model.vertexCount()) *
+                                                          attribute.components *
+                                                          qint64(sizeof(float)));
+    std::sort(bytes.attributes.begin(), bytes.attributes.end());
 }
 
 } // namespace
@@ -94,22 +85,18 @@ qint64 ModelSummary::GPUBytes::total() const
 
 qint64 ModelSummary::otherNanoseconds() const
 {
-    const LoadReport::Stages &stages = report.stages;
-    return nanoseconds -
-           (stages.read + stages.weld + stages.triangulate + stages.normals + stages.gl);
+    const PreparationReport::Stages &stages = report.stages;
+    return nanoseconds - (stages.read + stages.weld + stages.triangulate + stages.normals);
 }
 
-ModelSummary summarize(const GPUModel &model)
+ModelSummary summarize(const PreparedModel &model)
 {
     ModelSummary summary;
-    QSet<const BufferObject *> counted;
-    summary.bundles = quint64(model.bundleCount());
-    summary.bounds = Render::readGeometry(model).bounds;
-    for (int i = 0; i < model.bundleCount(); ++i) {
-        addCommands(summary, model, i);
-        addBytes(summary.gpuBytes, *model.bundle(i), counted);
-    }
-    std::sort(summary.gpuBytes.attributes.begin(), summary.gpuBytes.attributes.end());
+    summary.report = model.report();
+    summary.minimum = model.minimum();
+    summary.maximum = model.maximum();
+    addCommands(summary, model);
+    addBytes(summary.gpuBytes, model);
     return summary;
 }
 

@@ -2,8 +2,9 @@
 /// What `orv info` tells about a model.
 #pragma once
 
-#include "Reports/LoadReport.h"
-#include <render/Bounds.h>
+#include <OrvModel/PreparationReport.h>
+
+#include <QtGui/QVector3D>
 
 #include <QtCore/QString>
 
@@ -13,7 +14,7 @@
 class QIODevice;
 
 namespace Halvard::Orv {
-class GPUModel;
+class PreparedModel;
 } // namespace Halvard::Orv
 
 namespace Halvard::Orv::Cli {
@@ -35,7 +36,7 @@ struct ModelSummary
         std::vector<Texture> textures;
     };
 
-    /// Of buffers that bundles share, each counts once.
+    /// What an upload takes: all bundles share the buffers.
     struct GPUBytes
     {
         qint64 indices = 0;
@@ -47,23 +48,23 @@ struct ModelSummary
 
     QString fileName;
     qint64 fileBytes = 0;
-    LoadReport report;
-    qint64 nanoseconds = 0; // of the whole load
+    PreparationReport report;
+    qint64 nanoseconds = 0; // of the whole preparation
 
     quint64 bundles = 0;
     quint64 commands = 0;
     quint64 triangles = 0;
     std::vector<Material> materials;
-    Render::Bounds bounds;
+    QVector3D minimum; // both zero where nothing is drawn
+    QVector3D maximum;
     GPUBytes gpuBytes;
 
     /// The part of the time that belongs to no stage.
     qint64 otherNanoseconds() const;
 };
 
-/// Fills in what can be read back from the model. The caller adds what it knows of
-/// the file and of the load.
-ModelSummary summarize(const GPUModel &model);
+/// Fills in what the model knows. The caller adds what it knows of the file.
+ModelSummary summarize(const PreparedModel &model);
 
 /// For people to read.
 QString summaryText(const ModelSummary &summary);

@@ -1,7 +1,10 @@
 #include "Progress.h"
 
 #include "Messages.h"
+#include "PrintedText.h"
 
+#include <QtCore/QFileInfo>
+#include <QtCore/QLocale>
 #include <QtCore/QString>
 
 #include <chrono>
@@ -50,6 +53,13 @@ Progress::~Progress()
     }
     _wake.notify_one();
     _thread.join();
+}
+
+QString Progress::loadingOf(const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    return QStringLiteral("loading %1 (%2)")
+        .arg(printed(file.fileName()), QLocale(QLocale::English).formattedDataSize(file.size()));
 }
 
 void Progress::run()

@@ -23,6 +23,9 @@ class Progress
 {
 public:
     explicit Progress(const QString &what);
+
+    /// "loading beast.obj (226 MB)"
+    static QString loadingOf(const QString &fileName);
     ~Progress();
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;

@@ -8,7 +8,7 @@ namespace {
 
 void writeFile(JSONWriter &json, const ModelSummary &summary)
 {
-    const LoadReport &report = summary.report;
+    const PreparationReport &report = summary.report;
     json.key("file");
     json.beginObject();
     json.member("name", summary.fileName);
@@ -49,8 +49,8 @@ void writeGPU(JSONWriter &json, const ModelSummary &summary)
 {
     json.key("gpu");
     json.beginObject();
-    json.member("verticesBeforeWelding", summary.report.gpuVerticesBeforeWelding);
-    json.member("verticesAfterWelding", summary.report.gpuVertices);
+    json.member("verticesBeforeWelding", summary.report.verticesBeforeWelding);
+    json.member("verticesAfterWelding", summary.report.vertices);
     json.member("triangles", summary.triangles);
     json.member("bundles", summary.bundles);
     json.member("commands", summary.commands);
@@ -90,22 +90,22 @@ void writePoint(JSONWriter &json, const char *key, const QVector3D &point)
     json.endArray();
 }
 
-void writeBounds(JSONWriter &json, const Render::Bounds &bounds)
+void writeBounds(JSONWriter &json, const ModelSummary &summary)
 {
     json.key("boundingBox");
-    if (bounds.isEmpty()) {
+    if (summary.triangles == 0) {
         json.null();
         return;
     }
     json.beginObject();
-    writePoint(json, "minimum", bounds.minimum());
-    writePoint(json, "maximum", bounds.maximum());
+    writePoint(json, "minimum", summary.minimum);
+    writePoint(json, "maximum", summary.maximum);
     json.endObject();
 }
 
 void writeTimes(JSONWriter &json, const ModelSummary &summary)
 {
-    const LoadReport::Stages &stages = summary.report.stages;
+    const PreparationReport::Stages &stages = summary.report.stages;
     json.key("nanoseconds");
     json.beginObject();
     json.member("total", summary.nanoseconds);
@@ -113,7 +113,6 @@ void writeTimes(JSONWriter &json, const ModelSummary &summary)
     json.member("weld", stages.weld);
     json.member("triangulate", stages.triangulate);
     json.member("normals", stages.normals);
-    json.member("gl", stages.gl);
     json.member("other", summary.otherNanoseconds());
     json.endObject();
 }
@@ -127,7 +126,7 @@ bool writeSummaryJSON(QIODevice &device, const ModelSummary &summary)
     writeFile(json, summary);
     writeGPU(json, summary);
     writeMaterials(json, summary);
-    writeBounds(json, summary.bounds);
+    writeBounds(json, summary);
     writeTimes(json, summary);
     json.endObject();
     return json.finish();

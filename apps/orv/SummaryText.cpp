@@ -47,7 +47,7 @@ private:
     QString _text;
 };
 
-void addFaces(Table &table, const LoadReport &report)
+void addFaces(Table &table, const PreparationReport &report)
 {
     // A mesh has a few; what is beyond is told in one line.
     constexpr int ShownAtMost = 8;
@@ -71,7 +71,7 @@ void addFaces(Table &table, const LoadReport &report)
 
 void addFile(Table &table, const ModelSummary &summary)
 {
-    const LoadReport &report = summary.report;
+    const PreparationReport &report = summary.report;
     table.heading(QStringLiteral("In the file"));
     table.row(1, QStringLiteral("bytes"), summary.fileBytes);
     table.row(1, QStringLiteral("positions"), qint64(report.positions));
@@ -83,10 +83,10 @@ void addFile(Table &table, const ModelSummary &summary)
 
 void addGPU(Table &table, const ModelSummary &summary)
 {
-    const LoadReport &report = summary.report;
+    const PreparationReport &report = summary.report;
     table.heading(QStringLiteral("On the GPU"));
-    table.row(1, QStringLiteral("vertices before welding"), report.gpuVerticesBeforeWelding);
-    table.row(1, QStringLiteral("vertices after welding"), report.gpuVertices);
+    table.row(1, QStringLiteral("vertices before welding"), qint64(report.verticesBeforeWelding));
+    table.row(1, QStringLiteral("vertices after welding"), qint64(report.vertices));
     table.row(1, QStringLiteral("triangles"), qint64(summary.triangles));
     table.row(1, QStringLiteral("bundles"), qint64(summary.bundles));
     table.row(1, QStringLiteral("draw commands"), qint64(summary.commands));
@@ -113,15 +113,15 @@ void addMaterials(Table &table, const ModelSummary &summary)
     }
 }
 
-void addBounds(Table &table, const Render::Bounds &bounds)
+void addBounds(Table &table, const ModelSummary &summary)
 {
     table.heading(QStringLiteral("Bounding box"));
-    if (bounds.isEmpty())
+    if (summary.triangles == 0)
         return table.line(1, QStringLiteral("empty"));
     for (int axis = 0; axis < 3; ++axis)
         table.row(1, QString(QLatin1Char("xyz"[axis])),
-                  QString::number(double(bounds.minimum()[axis])),
-                  QStringLiteral("to %1").arg(double(bounds.maximum()[axis])));
+                  QString::number(double(summary.minimum[axis])),
+                  QStringLiteral("to %1").arg(double(summary.maximum[axis])));
 }
 
 void addTimes(Table &table, const ModelSummary &summary)
@@ -130,14 +130,13 @@ void addTimes(Table &table, const ModelSummary &summary)
         table.row(indent, label,
                   QLocale(QLocale::English).toString(double(nanoseconds) * 1e-6, 'f', 2));
     };
-    const LoadReport::Stages &stages = summary.report.stages;
+    const PreparationReport::Stages &stages = summary.report.stages;
     table.heading(QStringLiteral("Milliseconds"));
     row(1, QStringLiteral("total"), summary.nanoseconds);
     row(2, QStringLiteral("reading"), stages.read);
     row(2, QStringLiteral("welding"), stages.weld);
     row(2, QStringLiteral("triangulating"), stages.triangulate);
     row(2, QStringLiteral("normals"), stages.normals);
-    row(2, QStringLiteral("OpenGL"), stages.gl);
     row(2, QStringLiteral("other"), summary.otherNanoseconds());
 }
 
@@ -150,7 +149,7 @@ QString summaryText(const ModelSummary &summary)
     addFile(table, summary);
     addGPU(table, summary);
     addMaterials(table, summary);
-    addBounds(table, summary.bounds);
+    addBounds(table, summary);
     addTimes(table, summary);
     return table.text();
 }

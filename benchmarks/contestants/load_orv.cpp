@@ -8,12 +8,12 @@
 // CPU time of any.
 #include "Measurement.h"
 
-#include "LoaderPaths.h"
-#include "Reports/LoadReport.h"
+#include "OBJPreparing.h"
 
 #include <OrvGL/DrawBuffers.h>
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
+#include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
 
 #include <QtCore/QFile>
@@ -55,23 +55,32 @@ void watchDriver()
     epoxy_glBufferData = measuredBufferData;
 }
 
-bool load(const QString &fileName, LoaderPath path, LoadReport &report)
+bool load(const QString &fileName, LoaderPath path, PreparationReport &report)
 {
     current = {};
-    const ScopedLoadReport scope(report);
     const long before = residentNow();
     QString error;
+    GPUModel model;
     const Moment begin;
-    const std::unique_ptr<GPUModel> model(loadModelByPath(fileName, error, path));
+    QFile file(fileName);
+    const PrepareOptions options;
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    OBJPreparation preparation(file, fileName, path, {}, options);
+    if (!preparation.read(error))
+        return false;
+    const std::unique_ptr<PreparedModelData> prepared = preparation.prepare();
+    report = prepared->report;
+    uploadModel(std::move(prepared->input), OpenGLDeviceContext::current(), model);
     const Moment end;
-    if (!model || model->bundleCount() == 0)
+    if (model.bundleCount() == 0)
         return false;
     current.wall = end.wall - begin.wall;
     current.cpu = end.cpu - begin.cpu;
     current.peak = residentPeak() - before;
     current.peakBeforeDriver -= before;
-    current.vertices = model->bundle(0)->vertexCount();
-    current.triangles = static_cast<size_t>(model->bundle(0)->indexCount()) / 3;
+    current.vertices = model.bundle(0)->vertexCount();
+    current.triangles = static_cast<size_t>(model.bundle(0)->indexCount()) / 3;
     return true;
 }
 
@@ -90,7 +99,7 @@ int main(int argc, char *argv[])
     const LoaderPath path =
         std::strcmp(argv[2], "lines") == 0 ? LoaderPath::Lines : LoaderPath::Fast;
     const int loads = argc > 3 ? std::atoi(argv[3]) : 1;
-    LoadReport report;
+    PreparationReport report;
     std::vector<Measurement> all;
     for (int i = 0; i < loads; ++i) {
         report = {};
@@ -109,8 +118,8 @@ int main(int argc, char *argv[])
     std::printf(", \"leastCPU\": %.3f", least->cpu - least->driverCPU);
     const auto ms = [](qint64 nanoseconds) { return 1e-6 * static_cast<double>(nanoseconds); };
     std::printf(", \"stages\": {\"read\": %.3f, \"weld\": %.3f, \"triangulate\": %.3f, "
-                "\"normals\": %.3f, \"gl\": %.3f}}\n",
+                "\"normals\": %.3f}}\n",
                 ms(report.stages.read), ms(report.stages.weld), ms(report.stages.triangulate),
-                ms(report.stages.normals), ms(report.stages.gl));
+                ms(report.stages.normals));
     return 0;
 }

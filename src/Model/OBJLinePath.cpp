@@ -1,13 +1,15 @@
 #include "OBJLinePath.h"
 
 #include "Libraries/MaterialLibraries.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
+#include "Reports/UndrawnFaces.h"
 
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/OBJReader.h>
 
 #include <OrvGL/OpenGLFunctions.h>
 
+#include <QtCore/QMap>
 #include <QtCore/QTextStream>
 #include <QtCore/QVarLengthArray>
 
@@ -23,7 +25,7 @@ public:
     OBJScanOutcome pour(QTextStream &stream, const QString &baseDir, QString &detail,
                         const OBJScanLimits &limits)
     {
-        const StageTimer timer(&LoadReport::Stages::read);
+        const StageTimer timer(&PreparationReport::Stages::read);
         OBJReader reader(stream);
         reader.setBaseDir(baseDir);
         while (reader.valid()) {
@@ -37,6 +39,7 @@ public:
             reader.next();
         }
         fillInMissingAttributes();
+        reportUndrawnFaces();
         return OBJScanOutcome::Finished;
     }
 
@@ -90,9 +93,9 @@ private:
         addIndices(reader, _texCoords, &OBJReader::Vertex::vt);
         const auto number = static_cast<unsigned>(_counts.faces);
         _builder.addFacesToMaterialGroup(_currentMaterial, 1, &number, QString());
+        countFace(count);
         ++_counts.faces;
         _counts.corners += count;
-        countFace(count);
     }
 
     void addIndices(const OBJReader &reader, const QString &attribute,
@@ -140,16 +143,27 @@ private:
         ++_report->faces;
         _report->corners += corners;
         ++_report->facesByCornerCount[corners];
+        if (!_builder.hasMaterialGroup(_currentMaterial))
+            _withoutMaterial[_currentMaterial].add(_counts.faces, 1);
+    }
+
+    void reportUndrawnFaces()
+    {
+        for (auto it = _withoutMaterial.cbegin(); it != _withoutMaterial.cend(); ++it)
+            _report->facesNotDrawn.append(
+                {PreparationReport::Reason::MaterialNotDefined, it.key(), it->first, it->count});
     }
 
     ModelBuilder &_builder;
     MaterialLibraries _libraries;
-    LoadReport *_report = currentLoadReport();
+    PreparationReport *_report = currentReport();
     const QString _positions = QStringLiteral("va_Vertex");
     const QString _normals = QStringLiteral("va_Normal");
     const QString _texCoords = QStringLiteral("va_TexCoord");
     QString _currentMaterial = QStringLiteral("<default>");
     OBJCounts _counts;
+    /// By name; filled only for a report. Ordered: names can be made up that collide in a hash table.
+    QMap<QString, UndrawnFaces> _withoutMaterial;
     QVarLengthArray<unsigned, 64> _indices; // one face's, kept to spare its memory
 };
 

@@ -23,9 +23,9 @@ struct Room
 
 /// A file includes from its own room and from the floors below. The folder itself, "", is the
 /// top floor; the "foundation" is no folder: see Foundation.
-const Room Rooms[] = {{"", 7},          {"Preparing", 6}, {"Scanning", 5}, {"Libraries", 4},
-                      {"Builder", 3},   {"Triangles", 2}, {"Welding", 2},  {"Lanes", 1},
-                      {"Materials", 1}, {"Memory", 1},    {"Readers", 1},  {"Reports", 1},
+const Room Rooms[] = {{"", 7},          {"Preparing", 6}, {"Scanning", 5},  {"Libraries", 4},
+                      {"Builder", 3},   {"Triangles", 2}, {"Welding", 2},   {"Lanes", 1},
+                      {"Materials", 1}, {"Memory", 1},    {"Readers", 1},   {"Reports", 1},
                       {"Threads", 1},   {"Files", 0},     {"foundation", 0}};
 
 /// Rooms that may be missing from src/Model.
@@ -40,15 +40,10 @@ const std::set<std::string> Foundation = {
 
 /// An exported header belongs to the room of the source of its name, but for these.
 const std::map<std::string, std::string> RoomOfExportedHeader = {
+    {"PreparationReport.h", "Reports"},
     {"VertexKey.h", "Builder"},
     // For loadMaterialsFromMTLFile(): the other loader, which is above, includes it as well.
     {"ModelLoading.h", "Libraries"},
-};
-
-/// Internal headers that an application includes nevertheless: the folder, and the header.
-const std::pair<const char *, const char *> AppExceptions[] = {
-    // `orv info` shows the counts and times of a load, which no exported header offers.
-    {"apps/orv/", "Reports/LoadReport.h"},
 };
 
 struct Include
@@ -297,11 +292,7 @@ Complaints internalIncludesOfApps(const Tree &apps, const Tree &tree)
         for (const Include &include : source.includes) {
             const std::string beside = fs::path(path).replace_filename(include.header).string();
             const bool isOfApps = apps.count(beside) != 0 || apps.count("apps/" + include.header);
-            const bool isException =
-                std::any_of(std::begin(AppExceptions), std::end(AppExceptions), [&](auto known) {
-                    return startsWith(path, known.first) && include.header == known.second;
-                });
-            if (!isOfApps && !isException && tree.count(Internal + include.header) != 0)
+            if (!isOfApps && tree.count(Internal + include.header) != 0)
                 complaints.push_back(path + " includes " + include.header +
                                      ", which is internal to the library: use the exported "
                                      "headers, <OrvModel/Name.h>");
@@ -363,19 +354,6 @@ TEST(RoomsTest, AppsIncludeExportedHeadersOnly)
 
 TEST(RoomsTest, NoExceptionIsLeftOver)
 {
-    Tree apps;
-    readFolder("apps", apps);
-    for (const auto &[folder, header] : AppExceptions) {
-        const auto uses = [folder = folder, header = header](const auto &file) {
-            const std::vector<Include> &all = file.second.includes;
-            return startsWith(file.first, folder) &&
-                   std::any_of(all.begin(), all.end(), [header](const Include &include) {
-                       return include.header == header;
-                   });
-        };
-        EXPECT_TRUE(std::any_of(apps.begin(), apps.end(), uses))
-            << folder << " does without " << header << ": take the row out of AppExceptions";
-    }
     for (const std::string &path : Foundation)
         EXPECT_EQ(library().count(path), 1u) << path << " is gone: take it out of Foundation";
     for (const auto &[header, room] : RoomOfExportedHeader)
@@ -461,9 +439,8 @@ TEST(RoomsTest, SeesIncludesOfTheWrongForm)
                             "write the whole path from there, as \"Scanning/OBJGeometry.h\"",
                             "src/Model/Lanes/A.cpp includes Lanes/A.h in angle brackets: an "
                             "internal header is included in quotes"));
-    const Tree apps = {
-        file("apps/orv/Main.cpp", "\"Main.h\" \"Lanes/A.h\" \"Reports/LoadReport.h\""),
-        file("apps/orv/Main.h", "<OrvModel/A.h>")};
+    const Tree apps = {file("apps/orv/Main.cpp", "\"Main.h\" \"Lanes/A.h\""),
+                       file("apps/orv/Main.h", "<OrvModel/A.h>")};
     EXPECT_THAT(internalIncludesOfApps(apps, tree),
                 ElementsAre("apps/orv/Main.cpp includes Lanes/A.h, which is internal to the "
                             "library: use the exported headers, <OrvModel/Name.h>"));

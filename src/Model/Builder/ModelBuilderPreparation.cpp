@@ -8,7 +8,8 @@
 #include "Builder/StreamBytes.h"
 #include "Builder/UploadPreparation.h"
 #include "Lanes/FloatingPointState.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
+#include "Reports/UndrawnFaces.h"
 #include "Triangles/FaceTriangulation.h"
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -93,14 +94,24 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
     const Numbers faces(group.faces);
     const auto *xyz = static_cast<const float *>(positions->data(0));
     FaceTriangulation triangulation;
+    UndrawnFaces withTooFewCorners;
+    UndrawnFaces notTriangulated;
     QVector<unsigned int> triangles;
     for (unsigned long i = 0; i < faces.size; ++i) {
         int count = 0;
         const int *face = corners.find(faces.data[i], count);
         if (!face)
             continue;
-        for (const int corner : triangulation.triangulate(count, face, xyz))
+        const QVector<int> &positionsInFace = triangulation.triangulate(count, face, xyz);
+        for (const int corner : positionsInFace)
             triangles.append(static_cast<unsigned int>(face[corner]));
+        if (positionsInFace.isEmpty())
+            (count < 3 ? withTooFewCorners : notTriangulated).add(faces.data[i], 1);
+    }
+    if (PreparationReport *report = currentReport()) {
+        using Reason = PreparationReport::Reason;
+        addUndrawnFaces(*report, Reason::TooFewCorners, QString(), withTooFewCorners);
+        addUndrawnFaces(*report, Reason::NotTriangulated, QString(), notTriangulated);
     }
 
     if (!_state->gpuIndices || _state->gpuIndices->isEmpty())
@@ -154,7 +165,7 @@ bool commandsFitIndices(const ModelBuilderState &state)
 /// False when a group could not be prepared: the model would lack it.
 bool prepareMaterialGroups(ModelBuilder &builder, const VertexAttribute &positions)
 {
-    const StageTimer timer(&LoadReport::Stages::triangulate);
+    const StageTimer timer(&PreparationReport::Stages::triangulate);
     ModelBuilderState &state = builder.state();
     const QVector<unsigned int> offsets = faceOffsets(state.verticesPerFace);
     for (auto it = state.materialGroups.cbegin(); it != state.materialGroups.cend(); ++it) {
@@ -171,7 +182,7 @@ bool prepareMaterialGroups(ModelBuilder &builder, const VertexAttribute &positio
 /// Gives the requested attribute one normal per GPU vertex.
 bool computeNormals(ModelBuilderState &state, const VertexAttribute &positions)
 {
-    const StageTimer timer(&LoadReport::Stages::normals);
+    const StageTimer timer(&PreparationReport::Stages::normals);
     const auto vertexCount = static_cast<int>(positions.gpuValues->size() /
                                               static_cast<unsigned long>(positions.components));
     const auto count = static_cast<unsigned long>(vertexCount) * PositionFloats;

@@ -5,7 +5,7 @@
 
 #include "Builder/CornerHash.h"
 #include "Builder/ModelBuilderState.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 
 #include <OrvGL/OpenGLFunctions.h>
 
@@ -192,7 +192,7 @@ unsigned qHash(const VertexKey &key)
 
 void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
 {
-    const StageTimer timer(&LoadReport::Stages::weld);
+    const StageTimer timer(&PreparationReport::Stages::weld);
     const auto isBuilt = [](const VertexAttribute &attribute) {
         return attribute.gpuValues && attribute.gpuIndices;
     };

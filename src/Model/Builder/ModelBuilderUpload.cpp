@@ -19,7 +19,8 @@ UploadInput::Command uploadCommand(const ModelBuilderState &state, const QString
     return {draw, name, group.instanceData, group.id, group.objectName};
 }
 
-/// What a prepared builder uploads.
+} // namespace
+
 UploadInput uploadInput(const ModelBuilderState &state, const QString &positionAttribute)
 {
     UploadInput input;
@@ -39,8 +40,6 @@ UploadInput uploadInput(const ModelBuilderState &state, const QString &positionA
     input.allocator = state.allocator;
     return input;
 }
-
-} // namespace
 
 void ModelBuilder::upload(GPUModel *model, const InstanceData &instanceData,
                           const QString &positionAttribute, const QString &materialIdMember,

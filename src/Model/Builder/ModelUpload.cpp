@@ -1,7 +1,6 @@
 #include "Builder/ModelUpload.h"
 
 #include "Builder/StreamBytes.h"
-#include "Reports/LoadReport.h"
 
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/BufferObject.h>
@@ -179,6 +178,7 @@ void UploadSteps::addBundles()
         if (!addBundle(bundles[i], _input.batches.at(static_cast<int>(i))))
             return;
     }
+    _hasSucceeded = true;
 }
 
 /// A bundle with the records of its commands.
@@ -240,13 +240,13 @@ bool UploadSteps::addBundle(NewBundle &bundle, const UploadInput::Batch &batch)
     return true;
 }
 
-void uploadModel(UploadInput &&input, const QSharedPointer<OpenGLDeviceContext> &context,
+bool uploadModel(UploadInput &&input, const QSharedPointer<OpenGLDeviceContext> &context,
                  GPUModel &model)
 {
-    const StageTimer timer(&LoadReport::Stages::gl);
     UploadSteps upload(std::move(input), context, model);
     while (upload.step()) {
     }
+    return upload.hasSucceeded();
 }
 
 } // namespace Halvard::Orv

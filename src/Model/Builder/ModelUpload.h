@@ -118,6 +118,9 @@ public:
     /// How much of the data has been uploaded, from 0 to 1.
     double fraction() const;
 
+    /// Whether all bundles are in the model.
+    bool hasSucceeded() const { return _hasSucceeded; }
+
 private:
     struct ValueBuffer
     {
@@ -137,6 +140,7 @@ private:
     QSharedPointer<OpenGLDeviceContext> _context;
     GPUModel &_model;
     bool _isDone = false;
+    bool _hasSucceeded = false;
     int _vertexCount = 0;
     int _indexCount = 0;
     unsigned _indexType = 0;
@@ -144,8 +148,9 @@ private:
     QVector<ValueBuffer> _values; // of the first attributes
 };
 
-/// All steps in one go. OpenGL's share of the time goes into the load report.
-void uploadModel(UploadInput &&input, const QSharedPointer<OpenGLDeviceContext> &context,
+/// All steps in one go.
+/// \return whether all bundles are in the model.
+bool uploadModel(UploadInput &&input, const QSharedPointer<OpenGLDeviceContext> &context,
                  GPUModel &model);
 
 } // namespace Halvard::Orv

@@ -2,11 +2,14 @@
 /// What upload() does before it talks to OpenGL.
 #pragma once
 
+#include "Builder/ModelUpload.h"
+
 class QString;
 
 namespace Halvard::Orv {
 
 class ModelBuilder;
+struct ModelBuilderState;
 
 /// Whether the builder holds something to draw, and `positionAttribute` can be read as
 /// positions.
@@ -19,5 +22,9 @@ bool canBeUploaded(const ModelBuilder &builder, const QString &positionAttribute
 /// \return false when something of it cannot be had; the builder then holds no
 ///         commands. So it is when this throws.
 bool prepareForUpload(ModelBuilder &builder, const QString &positionAttribute);
+
+/// What a prepared builder uploads: everything but the record of the instances, how they are told
+/// apart, and OpenGL's enumerants.
+UploadInput uploadInput(const ModelBuilderState &state, const QString &positionAttribute);
 
 } // namespace Halvard::Orv

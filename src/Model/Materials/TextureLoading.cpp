@@ -2,6 +2,8 @@
 
 #include <OrvModel/TexturePreparing.h>
 
+#include "Lanes/FloatingPointState.h"
+
 #include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLDeviceContext.h>
 #include <OrvGL/OpenGLFunctions.h>
@@ -150,6 +152,7 @@ bool isWorthAWarning(PreparedTexture::Trouble trouble)
 
 Texture *uploadTexture(const PreparedTexture &prepared, QString *reason)
 {
+    const FloatingPointState state;
     if (Texture *known = textureTable().find(prepared.fileName))
         return known;
     // Fewer bits per pixel would make the upload read past the end of the image.
@@ -180,6 +183,7 @@ Texture *uploadTexture(const PreparedTexture &prepared, QString *reason)
 
 Texture *LoadTexture(const QString &fileName)
 {
+    const FloatingPointState state;
     if (Texture *known = textureTable().find(fileName))
         return known;
     if (!OpenGLDeviceContext::current())

@@ -1,6 +1,7 @@
 #include <OrvModel/TexturePreparing.h>
 
 #include "Files/FileOpening.h"
+#include "Lanes/FloatingPointState.h"
 #include "Materials/ImageCost.h"
 
 #include <QtCore/QFile>
@@ -127,6 +128,7 @@ bool finish(const PrepareTextureOptions &options, PreparedTexture &prepared)
 
 PreparedTexture prepareTexture(const QString &fileName, const PrepareTextureOptions &options)
 {
+    const FloatingPointState state;
     PreparedTexture prepared;
     prepared.fileName = fileName;
     try {

@@ -68,6 +68,9 @@ void FaceTriangles::addRun(const FaceRun &run)
             const quint32 *const firstNew = _end;
             addFace(count, corners);
             addNormals(firstNew);
+            if (_end == firstNew)
+                (count < 3 ? _withTooFewCorners : _notTriangulated)
+                    .add(static_cast<quint64>(counts - _counts.small.data()), 1);
             corners += count;
             ++counts;
         }

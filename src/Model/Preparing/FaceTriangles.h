@@ -33,6 +33,12 @@ public:
 
     void addRun(const FaceRun &run);
 
+    /// \name Faces of the runs so far that gave no triangle
+    /// @{
+    const UndrawnFaces &withTooFewCorners() const { return _withTooFewCorners; }
+    const UndrawnFaces &notTriangulated() const { return _notTriangulated; }
+    /// @}
+
     /// Entries written so far.
     size_t size() const { return static_cast<size_t>(_end - _begin); }
 
@@ -53,6 +59,8 @@ private:
     quint32 *_end;
     VertexNormalSums *_normals;
     FaceTriangulation _triangulation;
+    UndrawnFaces _withTooFewCorners;
+    UndrawnFaces _notTriangulated;
 };
 
 } // namespace Halvard::Orv

@@ -14,7 +14,7 @@
 #include "Preparing/CornerWelding.h"
 #include "Preparing/FaceSums.h"
 #include "Preparing/FaceTriangles.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 #include "Reports/WeldingReport.h"
 #include "Triangles/VertexNormalSums.h"
 
@@ -115,7 +115,7 @@ public:
 private:
     void weld(const void *builder)
     {
-        const StageTimer timer(&LoadReport::Stages::weld);
+        const StageTimer timer(&PreparationReport::Stages::weld);
         _welded = weldCorners(_geometry);
         reportWelding(builder, static_cast<int>(_geometry.cornerCount),
                       static_cast<int>(_welded.vertexCount), sizeof(quint32));
@@ -146,7 +146,7 @@ private:
     void triangulate(const QVector<const FaceGroup *> &groups, bool inPlace,
                      VertexNormalSums *normals)
     {
-        const StageTimer timer(&LoadReport::Stages::triangulate);
+        const StageTimer timer(&PreparationReport::Stages::triangulate);
         GrowArray<quint32> vertexOfCorner = std::move(_welded.vertexOfCorner);
         const quint32 *const corners = vertexOfCorner.data();
         if (inPlace) // the triangles take the place of their corners
@@ -163,6 +163,8 @@ private:
             _model.commands.append({group->material, static_cast<quint32>(first),
                                     static_cast<quint32>(triangles.size() - first)});
         }
+        _model.withTooFewCorners = triangles.withTooFewCorners();
+        _model.notTriangulated = triangles.notTriangulated();
         _triangleIndices.resize(triangles.size());
         _triangleIndices.shrink();
         _geometry = {};
@@ -170,7 +172,7 @@ private:
 
     VertexNormalSums startNormals()
     {
-        const StageTimer timer(&LoadReport::Stages::normals);
+        const StageTimer timer(&PreparationReport::Stages::normals);
         const size_t count = 3 * size_t(_welded.vertexCount);
         _welded.normals.resize(count);
         _welded.normals.shrink();
@@ -179,13 +181,13 @@ private:
 
     void addAllTriangles(VertexNormalSums &normals)
     {
-        const StageTimer timer(&LoadReport::Stages::normals);
+        const StageTimer timer(&PreparationReport::Stages::normals);
         normals.add(_triangleIndices.data(), _triangleIndices.size());
     }
 
     static void finishNormals(VertexNormalSums &normals)
     {
-        const StageTimer timer(&LoadReport::Stages::normals);
+        const StageTimer timer(&PreparationReport::Stages::normals);
         normals.normalize();
     }
 

@@ -56,6 +56,11 @@ struct PreparedGeometry
     /// the other in the order of `commands`.
     QSharedPointer<ModelDataStream> indices;
     QVector<Command> commands;
+    /// \name Faces of these groups that gave no triangle
+    /// @{
+    UndrawnFaces withTooFewCorners;
+    UndrawnFaces notTriangulated;
+    /// @}
 };
 
 /// Welds, triangulates, and computes normals where the file has none. Gives to

@@ -1,6 +1,6 @@
 #include "Reports/WeldingReport.h"
 
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 
 #include <QtCore/QtDebug>
 
@@ -13,9 +13,9 @@ void reportWelding(const void *builder, int vertexCount, int newVertexCount,
         vertexCount == 0 ? 0 : static_cast<int>(qint64(newVertexCount) * 100 / vertexCount);
     qDebug("%p Vertices Map %8d -> %8d d %8d (%3d %%) %d", builder, vertexCount, newVertexCount,
            vertexCount - newVertexCount, kept, static_cast<int>(indexBytes));
-    if (LoadReport *report = currentLoadReport()) {
-        report->gpuVerticesBeforeWelding = vertexCount;
-        report->gpuVertices = newVertexCount;
+    if (PreparationReport *report = currentReport()) {
+        report->verticesBeforeWelding = static_cast<quint64>(vertexCount);
+        report->vertices = static_cast<quint64>(newVertexCount);
     }
 }
 

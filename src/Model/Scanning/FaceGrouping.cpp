@@ -37,8 +37,12 @@ void FaceGrouping::openRun()
 void FaceGrouping::closeRun()
 {
     _run.faceCount = _geometry.faceCount() - _run.firstFace;
-    if (!_isKnown || _run.faceCount == 0)
+    if (_run.faceCount == 0)
         return;
+    if (!_isKnown) {
+        addUnknownRun();
+        return;
+    }
     auto number = _groupNumbers.constFind(_material);
     if (number == _groupNumbers.constEnd()) {
         number = _groupNumbers.insert(_material, _geometry.groups.size());
@@ -49,6 +53,16 @@ void FaceGrouping::closeRun()
         runs.back().faceCount += _run.faceCount;
     else
         runs.push_back(_run);
+}
+
+void FaceGrouping::addUnknownRun()
+{
+    auto number = _unknownNumbers.constFind(_material);
+    if (number == _unknownNumbers.constEnd()) {
+        number = _unknownNumbers.insert(_material, _geometry.withoutMaterial.size());
+        _geometry.withoutMaterial.push_back({_material, {}});
+    }
+    _geometry.withoutMaterial[*number].faces.add(_run.firstFace, _run.faceCount);
 }
 
 } // namespace Halvard::Orv

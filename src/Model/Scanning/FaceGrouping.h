@@ -33,6 +33,7 @@ public:
 private:
     void openRun();
     void closeRun();
+    void addUnknownRun();
 
     OBJGeometry &_geometry;
     const MaterialLibraries &_libraries;
@@ -41,6 +42,7 @@ private:
     FaceRun _run{};
     /// Ordered: a file can be made whose names collide in a hash table.
     QMap<QString, size_t> _groupNumbers;
+    QMap<QString, size_t> _unknownNumbers;
 };
 
 } // namespace Halvard::Orv

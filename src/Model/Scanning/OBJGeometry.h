@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Memory/GrowArray.h"
+#include "Reports/UndrawnFaces.h"
 
 #include <QtCore/QMap>
 #include <QtCore/QString>
@@ -67,6 +68,13 @@ struct FaceRun
     quint32 firstLarge;
 };
 
+/// Faces whose material no library has defined when they are read.
+struct FacesWithoutMaterial
+{
+    QString material;
+    UndrawnFaces faces;
+};
+
 /// The faces of one material group, in file order.
 struct FaceGroup
 {
@@ -85,6 +93,8 @@ struct OBJGeometry
     size_t textBytes = 0;
     /// Groups that have at least one face, in the order of their first face.
     std::vector<FaceGroup> groups;
+    /// Per name of an unknown material, in the order of their first face.
+    std::vector<FacesWithoutMaterial> withoutMaterial;
 
     quint32 faceCount() const { return static_cast<quint32>(cornerCounts.small.size()); }
 };

@@ -1,7 +1,8 @@
 // A host program that rounds otherwise, flushes denormals, or is ended by what floating-point
 // arithmetic raises gets the same bits as any other, and its own state back.
 #include "support/GLTest.h"
-#include "support/LoadedOBJ.h"
+#include "support/ModelDifferences.h"
+#include "support/ModelReadBack.h"
 #include "support/QtPrinting.h"
 #include "support/RandomRings.h"
 #include "support/TemporaryModel.h"
@@ -124,41 +125,17 @@ std::vector<std::string> bitsOf(const float *values, std::size_t count)
 
 // ---- Whole models -----------------------------------------------------------------
 
-/// What a loaded model is, in words that compare.
-std::vector<std::string> described(const LoadedOBJ &model)
-{
-    std::vector<std::string> lines;
-    lines.push_back(model.errorMessage().toStdString());
-    for (const unsigned index : model.indices())
-        lines.push_back(std::to_string(index));
-    for (const QString &name : model.attributeNames()) {
-        lines.push_back(name.toStdString());
-        const std::vector<float> values = model.values(name.toLatin1().constData());
-        for (const std::string &bits : bitsOf(values.data(), values.size()))
-            lines.push_back(bits);
-    }
-    for (const QString &name : model.materials()) {
-        lines.push_back(name.toStdString());
-        const Drawn &drawn = model.drawnWith(name.toUtf8().constData());
-        lines.push_back(std::to_string(drawn.command.firstIndex) + " " +
-                        std::to_string(drawn.command.count));
-        for (const QString &member : drawn.record.members())
-            lines.push_back(member.toStdString() + " " +
-                            drawn.record.value(member).toHex().toStdString());
-    }
-    return lines;
-}
-
 class FloatingPointStateOfLoads : public GLTest
 {
 protected:
     static void expectSameModel(const QString &path)
     {
-        const std::vector<std::string> expected = described(LoadedOBJ(path));
+        const UploadedModel expected = loadWithLibrary(path);
         for (const HostState &host : hostStates()) {
-            std::vector<std::string> lines;
-            inState(host, [&] { lines = described(LoadedOBJ(path)); });
-            EXPECT_EQ(lines, expected) << path.toStdString() << ", " << host.name;
+            UploadedModel model;
+            inState(host, [&] { model = loadWithLibrary(path); });
+            EXPECT_THAT(differences(expected, model), ::testing::IsEmpty())
+                << path.toStdString() << ", " << host.name;
         }
     }
 };

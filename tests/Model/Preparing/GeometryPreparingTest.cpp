@@ -9,7 +9,7 @@
 #include "support/RandomModel.h"
 #include "support/StreamContents.h"
 
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 
 #include <OrvModel/TriMeshVertexNormals.h>
 
@@ -220,14 +220,14 @@ TEST(GeometryPreparingTest, onePositionWithManyTextureCoordinates)
 TEST(GeometryPreparingTest, reportsItsStagesAndVertices)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2, 2, 1, 0}, {3, 3});
-    LoadReport report;
+    PreparationReport report;
     const MessageCapture capture;
     {
-        const ScopedLoadReport scope(report);
+        const ScopedReport scope(report);
         prepareGeometry(toGeometry(model), {QStringLiteral("<default>")}, nullptr);
     }
-    EXPECT_EQ(report.gpuVerticesBeforeWelding, 6);
-    EXPECT_EQ(report.gpuVertices, 3);
+    EXPECT_EQ(report.verticesBeforeWelding, 6u);
+    EXPECT_EQ(report.vertices, 3u);
     EXPECT_GT(report.stages.weld, 0);
     EXPECT_GT(report.stages.triangulate, 0);
     EXPECT_GT(report.stages.normals, 0);
