@@ -145,7 +145,9 @@ PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
 
     PreparedOBJ result;
     const MessageCapture capture;
-    result.outcome = pourOBJLines(stream, baseDir, builder, result.libraryPath, limits);
+    MaterialLibraries libraries(builder);
+    result.outcome =
+        pourOBJLines(stream, baseDir, builder, libraries, result.libraryPath, limits);
     require(result.outcome != OBJScanOutcome::NeedsLineReader, "lines cannot be read by lines");
     if (endsEarly(result.outcome))
         return only(result.outcome);

@@ -16,8 +16,8 @@ class PreparedModel;
 /// one indirect command per material; the materials, and one "InstanceInfo" record with identity
 /// matrices per command.
 ///
-/// \return false, with `model` as it was, where no OpenGL context is current, or OpenGL has no
-///         room; a warning says so in the second case. An empty model is uploaded at once.
+/// \return false, with `model` as it was, where no OpenGL context is current, or OpenGL or the
+///         process has no room; a warning says so in the second case. An empty model is uploaded at once.
 ///
 /// Call it on the thread whose OpenGL context is current.
 ORVMODEL_EXPORT bool uploadPreparedModel(const PreparedModel &prepared, GPUModel &model);

@@ -57,7 +57,7 @@ std::unique_ptr<PreparedModel> prepareModelFromOBJFile(const QString &fileName,
     const FloatingPointState state;
     return withinMemory(fileName, errorMessage, options, [&]() -> std::unique_ptr<PreparedModel> {
         QFile file(fileName);
-        if (openInputFile(file))
+        if (openInputFile(file, options.reason))
             return prepare(file, fileName, errorMessage, options);
         errorMessage = loadFailure(fileName);
         return nullptr;

@@ -8,6 +8,9 @@
 
 #include <OrvGL/OpenGLDeviceContext.h>
 
+#include <QtCore/QtDebug>
+
+#include <new>
 #include <optional>
 
 namespace Halvard::Orv {
@@ -49,6 +52,13 @@ public:
 
     bool isFinished() const { return _isFinished; }
 
+    /// Lets go of the buffers made so far.
+    void fail()
+    {
+        _upload.reset();
+        _hasFailed = true;
+    }
+
 private:
     const PreparedModel &_prepared;
     GPUModel &_model;
@@ -66,7 +76,13 @@ ModelUpload::~ModelUpload() = default;
 bool ModelUpload::step()
 {
     const FloatingPointState state;
-    return _steps->step();
+    try {
+        return _steps->step();
+    } catch (const std::bad_alloc &) {
+        _steps->fail();
+        qWarning("A model is not uploaded: there is not enough memory for it");
+        return false;
+    }
 }
 
 double ModelUpload::fraction() const

@@ -20,7 +20,9 @@ namespace {
 class OBJPourer
 {
 public:
-    explicit OBJPourer(ModelBuilder &builder) : _builder(builder), _libraries(builder) {}
+    OBJPourer(ModelBuilder &builder, MaterialLibraries &libraries)
+        : _builder(builder), _libraries(libraries)
+    {}
 
     OBJScanOutcome pour(QTextStream &stream, const QString &baseDir, QString &detail,
                         const OBJScanLimits &limits)
@@ -155,7 +157,7 @@ private:
     }
 
     ModelBuilder &_builder;
-    MaterialLibraries _libraries;
+    MaterialLibraries &_libraries;
     PreparationReport *_report = currentReport();
     const QString _positions = QStringLiteral("va_Vertex");
     const QString _normals = QStringLiteral("va_Normal");
@@ -170,9 +172,10 @@ private:
 } // namespace
 
 OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
-                            QString &detail, const OBJScanLimits &limits)
+                            MaterialLibraries &libraries, QString &detail,
+                            const OBJScanLimits &limits)
 {
-    return OBJPourer(builder).pour(stream, baseDir, detail, limits);
+    return OBJPourer(builder, libraries).pour(stream, baseDir, detail, limits);
 }
 
 } // namespace Halvard::Orv

@@ -9,6 +9,7 @@ class QTextStream;
 
 namespace Halvard::Orv {
 
+class MaterialLibraries;
 class ModelBuilder;
 
 /// Pours the lines of an OBJ file into a builder, one by one. This is what a file
@@ -17,11 +18,13 @@ class ModelBuilder;
 /// \param stream at the file's begin; read to its end.
 /// \param baseDir where relative paths of material libraries begin.
 /// \param builder holds the group "<default>" and no geometry.
+/// \param libraries of that builder.
 /// \param detail as of scanOBJFile().
 /// \param limits only those on elements: an overlong line is more than a QString
 ///        holds, and ends in std::bad_alloc.
 /// \return anything but NeedsLineReader.
 OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
-                            QString &detail, const OBJScanLimits &limits = {});
+                            MaterialLibraries &libraries, QString &detail,
+                            const OBJScanLimits &limits = {});
 
 } // namespace Halvard::Orv

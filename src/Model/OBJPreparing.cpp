@@ -109,7 +109,11 @@ bool OBJPreparation::readLines(QString &errorMessage)
     const TextMode textMode(_device);
     QTextStream stream(&_device);
     QString detail;
-    const OBJScanOutcome outcome = pourOBJLines(stream, _baseDir, *_builder, detail, _limits);
+    MaterialLibraries libraries(*_builder, _options.openLibrary);
+    const OBJScanOutcome outcome =
+        pourOBJLines(stream, _baseDir, *_builder, libraries, detail, _limits);
+    if (outcome == OBJScanOutcome::LibraryMissing)
+        tell(libraries.reason());
     return takeOutcome(outcome, detail, errorMessage);
 }
 
@@ -121,8 +125,10 @@ bool OBJPreparation::readBytes(QString &errorMessage)
     OBJScanOutcome outcome;
     {
         const StageTimer timer(&PreparationReport::Stages::read);
-        MaterialLibraries libraries(*_builder);
+        MaterialLibraries libraries(*_builder, _options.openLibrary);
         outcome = scanOBJFile(_device, _baseDir, libraries, _geometry, detail, _limits);
+        if (outcome == OBJScanOutcome::LibraryMissing)
+            tell(libraries.reason());
     }
     if (outcome == OBJScanOutcome::NeedsLineReader) {
         _geometry = {};
@@ -149,10 +155,15 @@ bool OBJPreparation::takeOutcome(OBJScanOutcome outcome, const QString &detail,
     qWarning("'%s' is not loaded: it has %s, and a stream ends at 2^31 - 1 bytes; split it into "
              "several files",
              qUtf8Printable(_fileName), qUtf8Printable(detail));
-    if (_options.reason)
-        *_options.reason = detail;
+    tell(detail);
     errorMessage = loadFailure(_fileName);
     return false;
+}
+
+void OBJPreparation::tell(const QString &reason)
+{
+    if (_options.reason)
+        *_options.reason = reason;
 }
 
 std::unique_ptr<PreparedModelData> OBJPreparation::prepare()

@@ -37,6 +37,7 @@ public:
 private:
     bool readLines(QString &errorMessage);
     bool readBytes(QString &errorMessage);
+    void tell(const QString &reason);
     bool takeOutcome(OBJScanOutcome outcome, const QString &detail, QString &errorMessage);
     std::unique_ptr<PreparedModelData> prepareBuilder();
     std::unique_ptr<PreparedModelData> prepareGeometryOfBytes();

@@ -25,6 +25,9 @@
 #include <memory>
 #include <thread>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Halvard::Orv;
 using namespace OrvTest;
 using ::testing::ElementsAre;
@@ -205,6 +208,65 @@ TEST(Preparing, TellsTheLoadersMessages)
                          .arg(directory.path(QStringLiteral("gone.mtl"))));
 }
 
+/// Why a load fails, with the message that goes with it.
+struct Failure
+{
+    QString error;
+    QString reason;
+};
+
+Failure failureOf(const QString &path)
+{
+    const MessageCapture silence;
+    Failure failure;
+    PrepareOptions options;
+    options.reason = &failure.reason;
+    EXPECT_FALSE(prepareModelFromOBJFile(path, failure.error, options));
+    return failure;
+}
+
+TEST(Preparing, TellsWhy)
+{
+    const TemporaryModel directory;
+    directory.write(QStringLiteral("folder/x.obj"), "");
+    const QString pipe = directory.path(QStringLiteral("pipe.obj"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const struct
+    {
+        const char *name;
+        QString path;
+        const char *reason;
+    } rows[] = {
+        {"missing", directory.path(QStringLiteral("gone.obj")), "no such file"},
+        {"folder", directory.path(QStringLiteral("folder")), "is a directory"},
+        {"pipe", pipe, "not a regular file"},
+        {"library missing", directory.write(QStringLiteral("m.obj"), "mtllib gone.mtl\n"),
+         "no such file"},
+        {"library a folder", directory.write(QStringLiteral("n.obj"), "mtllib folder\n"),
+         "is a directory"},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(failureOf(row.path).reason, QLatin1String(row.reason)) << row.name;
+    if (geteuid() != 0) { // who may read everything is never refused
+        const QString locked = directory.write(QStringLiteral("locked.obj"), Triangle);
+        QFile::setPermissions(locked, {});
+        EXPECT_EQ(failureOf(locked).reason, QStringLiteral("permission denied"));
+    }
+}
+
+TEST(Preparing, LeavesTheReasonAloneWhereNothingFails)
+{
+    const TemporaryModel directory;
+    const MessageCapture silence;
+    QString error;
+    QString reason = QStringLiteral("untouched");
+    PrepareOptions options;
+    options.reason = &reason;
+    EXPECT_TRUE(prepareModelFromOBJFile(directory.write(QStringLiteral("m.obj"), Triangle), error,
+                                        options));
+    EXPECT_EQ(reason, QStringLiteral("untouched"));
+}
+
 // ---- Devices ----------------------------------------------------------------------
 
 TEST_F(PreparedModels, ComeFromBuffersToo)
@@ -224,6 +286,66 @@ TEST_F(PreparedModels, ComeFromOpenFilesWithTheirLibraries)
     const Prepared model = prepared(file);
     ASSERT_EQ(model->commands().size(), 1);
     EXPECT_EQ(model->commands().first().material, QStringLiteral("red"));
+}
+
+TEST_F(PreparedModels, FindLibrariesWithTheCallersOpener)
+{
+    std::vector<QString> asked;
+    PrepareOptions options;
+    options.openLibrary = [&](const QString &path) -> std::unique_ptr<QIODevice> {
+        asked.push_back(path);
+        auto library = std::make_unique<QBuffer>();
+        library->setData("newmtl red\r\nmap_Kd a.png\r\n");
+        return library; // closed: it is opened by whoever reads it
+    };
+    for (const QByteArray &encoding : {QByteArray("UTF-8"), QByteArray("UTF-16LE")}) {
+        SCOPED_TRACE(encoding.constData());
+        asked.clear();
+        const QString text = QStringLiteral("mtllib sub/m.mtl\nmtllib sub/m.mtl\nusemtl red\n") +
+                             QString::fromLatin1(Triangle);
+        QFile file(_directory.path(QStringLiteral("model.obj")));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite | QIODevice::Truncate));
+        if (encoding == "UTF-8")
+            file.write(text.toUtf8());
+        else
+            file.write("\xff\xfe" +
+                       QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size()));
+        file.seek(0);
+        const Prepared model = prepared(file, options);
+        const QString path = _directory.path(QStringLiteral("sub/m.mtl"));
+        EXPECT_THAT(asked, ElementsAre(path));
+        ASSERT_EQ(model->commands().size(), 1);
+        EXPECT_EQ(model->commands().first().material, QStringLiteral("red"));
+        EXPECT_EQ(model->material(0).texturePath(QStringLiteral("map_Kd")),
+                  _directory.path(QStringLiteral("sub/a.png")));
+    }
+}
+
+TEST(Preparing, FailsWhereTheOpenerFindsNothing)
+{
+    QByteArray bytes = "mtllib m.mtl\n";
+    QBuffer buffer(&bytes);
+    ASSERT_TRUE(buffer.open(QIODevice::ReadOnly));
+    QString error;
+    QString reason;
+    PrepareOptions options;
+    options.reason = &reason;
+    options.openLibrary = [](const QString &) { return nullptr; };
+    EXPECT_FALSE(prepareModelFromOBJ(buffer, error, options));
+    EXPECT_EQ(error, QStringLiteral("Failed to load MTL file '%1'")
+                         .arg(QDir::current().absoluteFilePath(QStringLiteral("m.mtl"))));
+    EXPECT_EQ(reason, QStringLiteral("no such file"));
+}
+
+TEST(Preparing, PassesOnWhatTheOpenerThrows)
+{
+    QByteArray bytes = "mtllib m.mtl\n";
+    QBuffer buffer(&bytes);
+    ASSERT_TRUE(buffer.open(QIODevice::ReadOnly));
+    QString error;
+    PrepareOptions options;
+    options.openLibrary = [](const QString &) -> std::unique_ptr<QIODevice> { throw 7; };
+    EXPECT_THROW(prepareModelFromOBJ(buffer, error, options), int);
 }
 
 TEST(Preparing, RefusesADeviceThatIsNotOpen)

@@ -3,6 +3,7 @@
 #pragma once
 
 class QFile;
+class QString;
 
 namespace Halvard::Orv {
 
@@ -14,7 +15,8 @@ namespace Halvard::Orv {
 /// refused with a warning. What is missing or a directory is refused silently.
 ///
 /// \param file not open. Forgets its name, since it is opened by number.
+/// \param reason where not null, receives why it is not open: "no such file", "permission denied" ...
 /// \return whether it is open now.
-bool openInputFile(QFile &file);
+bool openInputFile(QFile &file, QString *reason = nullptr);
 
 } // namespace Halvard::Orv

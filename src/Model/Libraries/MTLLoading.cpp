@@ -6,6 +6,7 @@
 
 #include "Lanes/FloatingPointState.h"
 #include "Libraries/InputFile.h"
+#include "Libraries/MTLLoading.h"
 #include "Materials/PlanRegistration.h"
 
 #include <QtCore/QFile>
@@ -100,9 +101,12 @@ void takeLine(const MTLReader &reader, MaterialSection &section)
     }
 }
 
-void pourMTLLines(QFile &file, const QString &fileName, ModelBuilder &builder)
+} // namespace
+
+void loadMaterials(QIODevice &device, const QString &fileName, ModelBuilder &builder)
 {
-    QTextStream stream(&file);
+    registerPlanOnce<registerOBJMaterial>(); // of the materials' records
+    QTextStream stream(&device);
     MTLReader reader(stream, true);
     reader.setBaseDir(QFileInfo(fileName).dir().absolutePath());
     MaterialSection section(builder);
@@ -114,22 +118,26 @@ void pourMTLLines(QFile &file, const QString &fileName, ModelBuilder &builder)
     section.close();
 }
 
-} // namespace
-
-bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
+bool loadMaterialsOfFile(const QString &fileName, ModelBuilder &builder, QString *reason)
 {
     const FloatingPointState state;
     try {
         QFile file(fileName);
-        if (!openInputFile(file))
+        if (!openInputFile(file, reason))
             return false;
-        registerPlanOnce<registerOBJMaterial>(); // of the materials' records
-        pourMTLLines(file, fileName, builder);
+        loadMaterials(file, fileName, builder);
         return true;
     } catch (const std::bad_alloc &) {
         qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
+        if (reason)
+            *reason = QStringLiteral("not enough memory");
         return false;
     }
+}
+
+bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder)
+{
+    return loadMaterialsOfFile(fileName, builder, nullptr);
 }
 
 } // namespace Halvard::Orv
