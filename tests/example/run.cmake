@@ -1,5 +1,5 @@
 # Installs the built libraries into a folder of their own, and builds and runs the
-# README's example against them, as a user would.
+# README's examples against them, as a user would.
 #
 #     cmake -DBUILD_DIR=... -DSOURCE_DIR=... -DWORK_DIR=... -DMODEL=... -P run.cmake
 
@@ -14,7 +14,7 @@ endfunction()
 
 # The README shows the very files that are built.
 file(READ ${SOURCE_DIR}/README.md readme)
-foreach(file CMakeLists.txt main.cpp)
+foreach(file CMakeLists.txt main.cpp arrays.cpp)
   file(READ ${CMAKE_CURRENT_LIST_DIR}/${file} text)
   string(FIND "${readme}" "${text}" position)
   if(position EQUAL -1)
@@ -30,4 +30,15 @@ run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run(${WORK_DIR}/build/model_info ${MODEL})
 if(NOT output MATCHES "1 bundle\\(s\\) to draw")
   message(FATAL_ERROR "the example printed:\n${output}")
+endif()
+
+# The second program in the place of the first.
+file(COPY ${CMAKE_CURRENT_LIST_DIR}/CMakeLists.txt DESTINATION ${WORK_DIR}/arrays)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/arrays.cpp ${WORK_DIR}/arrays/main.cpp COPYONLY)
+run(${CMAKE_COMMAND} -G Ninja -S ${WORK_DIR}/arrays -B ${WORK_DIR}/arrays-build
+    -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix)
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/arrays-build)
+run(${WORK_DIR}/arrays-build/model_info ${MODEL})
+if(NOT output MATCHES "24 vertices.*va_Vertex: 3 floats a vertex.*: 12 triangles")
+  message(FATAL_ERROR "the second example printed:\n${output}")
 endif()
