@@ -191,15 +191,17 @@ ReadOBJ readByLines(QIODevice &device, const QString &baseDir)
     return result;
 }
 
-ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir, const OBJScanLimits &limits)
+ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir, const OBJScanLimits &limits,
+                    Work *work)
 {
-    EXPECT_TRUE(device.open(QIODevice::ReadOnly | QIODevice::Text));
+    EXPECT_TRUE(device.isOpen() || device.open(QIODevice::ReadOnly | QIODevice::Text));
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(defaultMaterial(), InstanceData(), -1, 0);
     MaterialLibraries libraries(builder);
     OBJGeometry geometry;
     ReadOBJ result;
-    result.outcome = scanOBJFile(device, baseDir, libraries, geometry, result.libraryPath, limits);
+    result.outcome =
+        scanOBJFile(device, baseDir, libraries, geometry, result.libraryPath, limits, work);
     EXPECT_TRUE(device.isTextModeEnabled());
     if (result.outcome == OBJScanOutcome::Finished) {
         result.model = contentsOf(builder);

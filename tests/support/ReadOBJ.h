@@ -15,6 +15,10 @@
 
 class QIODevice;
 
+namespace Halvard::Orv {
+class Work;
+} // namespace Halvard::Orv
+
 namespace OrvTest {
 
 /// What reading an OBJ file finds. The model's first group is "<default>".
@@ -29,9 +33,11 @@ struct ReadOBJ
 /// library only `outcome` and `libraryPath` are set.
 ReadOBJ readByLines(QIODevice &device, const QString &baseDir = {});
 
-/// Reads as bytes. Unless it has finished only `outcome` and `libraryPath` are set.
+/// Reads as bytes. Unless it has finished only `outcome` and `libraryPath`, which is also the
+/// limit exceeded, are set.
 ReadOBJ readAsBytes(QIODevice &device, const QString &baseDir = {},
-                    const Halvard::Orv::OBJScanLimits &limits = {});
+                    const Halvard::Orv::OBJScanLimits &limits = {},
+                    Halvard::Orv::Work *work = nullptr);
 
 /// The same, of a file that consists of `text`.
 ReadOBJ readByLines(const QByteArray &text);

@@ -216,7 +216,7 @@ private:
 } // namespace
 
 PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                                 const void *builder)
+                                 const void *builder, Work *)
 {
     const FaceSums sums(geometry.cornerCounts);
     if (!isDrawable(geometry) || !fitsCounts(geometry, sums))

@@ -29,6 +29,8 @@
 
 namespace Halvard::Orv {
 
+class Work;
+
 /// Everything that the GPU gets of a model but its materials.
 struct PreparedGeometry
 {
@@ -77,6 +79,6 @@ struct PreparedGeometry
 ///         32-bit signed counts of single numbers can tell, which no scan lets through
 ///         (see OBJScanLimits).
 PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                                 const void *builder);
+                                 const void *builder, Work *work = nullptr);
 
 } // namespace Halvard::Orv

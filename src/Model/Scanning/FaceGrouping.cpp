@@ -8,35 +8,33 @@ FaceGrouping::FaceGrouping(OBJGeometry &geometry, const MaterialLibraries &libra
                            const QString &material)
     : _geometry(geometry), _libraries(libraries), _material(material)
 {
-    openRun();
+    openRun({});
 }
 
-void FaceGrouping::select(const QString &material)
+void FaceGrouping::select(const QString &material, const FacePlace &end)
 {
     if (material == _material)
         return;
-    closeRun();
+    closeRun(end);
     _material = material;
-    openRun();
+    openRun(end);
 }
 
-void FaceGrouping::startRun()
+void FaceGrouping::startRun(const FacePlace &end)
 {
-    closeRun();
-    openRun();
+    closeRun(end);
+    openRun(end);
 }
 
-void FaceGrouping::openRun()
+void FaceGrouping::openRun(const FacePlace &begin)
 {
     _isKnown = _libraries.hasMaterial(_material);
-    _run.firstFace = _geometry.faceCount();
-    _run.firstCorner = _geometry.cornerCount;
-    _run.firstLarge = static_cast<quint32>(_geometry.cornerCounts.large.size());
+    _run = {begin.face, 0, begin.corner, begin.large};
 }
 
-void FaceGrouping::closeRun()
+void FaceGrouping::closeRun(const FacePlace &end)
 {
-    _run.faceCount = _geometry.faceCount() - _run.firstFace;
+    _run.faceCount = end.face - _run.firstFace;
     if (_run.faceCount == 0)
         return;
     if (!_isKnown) {

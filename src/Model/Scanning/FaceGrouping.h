@@ -7,11 +7,13 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
+#include <vector>
+
 namespace Halvard::Orv {
 
 class MaterialLibraries;
 
-/// Enters the faces of an OBJGeometry into its groups, a run at a time.
+/// Enters faces into their groups, a run at a time.
 ///
 /// A face belongs to the group of the material that is selected when it is read, if that
 /// material is known at that moment. Only a library makes materials known, so asking at
@@ -19,20 +21,21 @@ class MaterialLibraries;
 class FaceGrouping
 {
 public:
-    /// \param geometry without faces so far.
+    /// \param geometry its groups, which are empty, receive the faces.
     /// \param material selected for the first faces.
     FaceGrouping(OBJGeometry &geometry, const MaterialLibraries &libraries,
                  const QString &material);
 
     /// Selects the material of the faces that follow.
-    void select(const QString &material);
+    /// \param end of the faces read so far.
+    void select(const QString &material, const FacePlace &end);
     /// Enters the faces read so far, and asks again whether the selected material is
     /// known.
-    void startRun();
+    void startRun(const FacePlace &end);
 
 private:
-    void openRun();
-    void closeRun();
+    void openRun(const FacePlace &begin);
+    void closeRun(const FacePlace &end);
     void addUnknownRun();
 
     OBJGeometry &_geometry;

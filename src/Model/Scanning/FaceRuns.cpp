@@ -198,8 +198,12 @@ private:
     }
     void close(OBJAttribute &attribute) const
     {
-        if (attribute.exists())
-            attribute.indices.commit(_cornerCount);
+        if (!attribute.exists())
+            return;
+        const size_t first = attribute.indices.size();
+        attribute.indices.commit(_cornerCount);
+        if (Counted == Counting::FromLast)
+            attribute.noteRelativeIndices(first, first + _cornerCount);
     }
 
     static bool take(CornerCursor &cursor, CornerText &corner)

@@ -1,6 +1,6 @@
 #include "Scanning/LineChunks.h"
 
-#include <QtCore/QIODevice>
+#include "Scanning/DeviceReading.h"
 
 #include <cstring>
 
@@ -18,63 +18,57 @@ size_t bytesOfWholeLines(const char *text, size_t count)
 
 } // namespace
 
-LineChunks::LineChunks(QIODevice &device, size_t chunkBytes, size_t maxLineBytes)
-    : _device(device), _chunkBytes(chunkBytes), _maxLineBytes(maxLineBytes)
-{
-    _buffer.resize(Margin);
-    std::memset(_buffer.data(), 0, Margin);
-}
+LineChunks::LineChunks(QIODevice &device, size_t chunkBytes, size_t maxLineBytes, Work *work)
+    : _device(device), _chunkBytes(chunkBytes), _maxLineBytes(maxLineBytes), _work(work)
+{}
 
-bool LineChunks::next()
+bool LineChunks::next(TextPiece &piece)
 {
-    if (_endsOpen || _lineTooLong)
+    piece.restart(_offset);
+    if (_isAtEnd || _lineTooLong)
         return false;
-    _filledBytes -= _lineBytes;
-    _offset += static_cast<qint64>(_lineBytes);
-    if (_filledBytes > 0)
-        std::memmove(text(), text() + _lineBytes, _filledBytes);
-    _lineBytes = 0;
-    while (_lineBytes == 0) {
-        const size_t before = _filledBytes;
-        const size_t count = readMore();
-        if (count == 0)
-            return endWithLineFeed();
+    char *const begin = piece.room(_rest.size() + _chunkBytes);
+    if (!_rest.isEmpty())
+        std::memcpy(begin, _rest.data(), _rest.size());
+    piece.append(_rest.size());
+    for (;;) {
+        const size_t before = piece.filledBytes();
+        const size_t count = readMore(piece);
+        if (count == 0) {
+            _isAtEnd = true;
+            piece.cutAtEndOfFile(0);
+            return piece.byteCount() > 0;
+        }
         // Only what came last can hold a line feed: searching all of a long line
         // each time would be quadratic.
-        const size_t whole = bytesOfWholeLines(text() + before, count);
+        const size_t whole = bytesOfWholeLines(piece.filled() + before, count);
         if (whole > 0) {
-            _lineBytes = before + whole;
-        } else if (_filledBytes > _maxLineBytes) {
+            keepRest(piece, before + whole);
+            piece.cut(0, before + whole);
+            return true;
+        }
+        if (piece.filledBytes() > _maxLineBytes) {
             _lineTooLong = true;
             return false;
         }
     }
-    return true;
 }
 
-/// Appends a chunk to the buffer and returns its size, 0 at the end.
-size_t LineChunks::readMore()
+/// Appends a chunk to the piece and returns its size, 0 at the end.
+size_t LineChunks::readMore(TextPiece &piece)
 {
-    const size_t room = Margin + _filledBytes + _chunkBytes + 1 + Margin; // 1: a last line feed
-    if (_buffer.size() < room)
-        _buffer.resize(2 * room);
-    const qint64 count = _device.read(text() + _filledBytes, static_cast<qint64>(_chunkBytes));
+    const size_t count = readSome(_device, piece.room(_chunkBytes), _chunkBytes, _work);
+    piece.append(count);
+    return count;
+}
+
+void LineChunks::keepRest(const TextPiece &piece, size_t lineBytes)
+{
+    const size_t count = piece.filledBytes() - lineBytes;
+    _rest.resize(count);
     if (count > 0)
-        _filledBytes += static_cast<size_t>(count);
-    std::memset(text() + _filledBytes, 0, Margin);
-    return count > 0 ? static_cast<size_t>(count) : 0;
-}
-
-/// Gives the last line of a file the line feed that it lacks.
-bool LineChunks::endWithLineFeed()
-{
-    if (_filledBytes == 0)
-        return false;
-    text()[_filledBytes] = '\n';
-    _lineBytes = ++_filledBytes;
-    _endsOpen = true;
-    std::memset(text() + _filledBytes, 0, Margin);
-    return true;
+        std::memcpy(_rest.data(), piece.filled() + lineBytes, count);
+    _offset += static_cast<qint64>(lineBytes);
 }
 
 } // namespace Halvard::Orv

@@ -1,8 +1,9 @@
 /// \file
-/// Reading a device in chunks of whole lines.
+/// Reading a device in pieces of whole lines, one after the other.
 #pragma once
 
 #include "Memory/GrowArray.h"
+#include "Scanning/TextPiece.h"
 
 #include <QtCore/QtGlobal>
 
@@ -12,52 +13,36 @@ class QIODevice;
 
 namespace Halvard::Orv {
 
-/// Reads on and on into one buffer, and cuts after the last line feed: what
-/// follows it moves to the front before the next chunk comes behind it.
-///
-/// The buffer grows with the longest line only. Around the lines it holds
-/// readable bytes without meaning, so that they may be loaded in blocks.
+class Work;
+
+/// Cuts after the last line feed of what it reads; the rest begins the next piece.
 class LineChunks
 {
 public:
-    /// Readable bytes before begin(), and behind end().
-    static constexpr size_t Margin = 64;
-
-    /// \param device reads raw bytes; not owned.
+    /// \param device reads raw bytes; not owned. One that is sequential is waited for.
     /// \param chunkBytes bytes asked for at a time, at least 1.
     /// \param maxLineBytes a line that is longer by a chunk is too long.
-    LineChunks(QIODevice &device, size_t chunkBytes, size_t maxLineBytes);
+    /// \param work asked, while a device is waited for, whether to go on; may be null.
+    LineChunks(QIODevice &device, size_t chunkBytes, size_t maxLineBytes, Work *work = nullptr);
 
-    /// Moves to the next lines.
+    /// Reads the next lines.
     /// \return false when there are none, or a line is too long. An error while
     ///         reading is taken for the end.
-    bool next();
+    bool next(TextPiece &piece);
 
-    /// The lines; the last byte is a line feed.
-    const char *begin() const { return _buffer.data() + Margin; }
-    const char *end() const { return begin() + _lineBytes; }
-    /// Whether the last line feed stands in for the end of the file.
-    bool endsOpen() const { return _endsOpen; }
     bool lineTooLong() const { return _lineTooLong; }
-    size_t byteCount() const { return _lineBytes; }
-    /// Where begin() lies in the device.
-    qint64 offset() const { return _offset; }
-    /// Where `place`, from begin() to end(), lies in the device.
-    qint64 offsetOf(const char *place) const { return _offset + (place - begin()); }
 
 private:
-    char *text() { return _buffer.data() + Margin; }
-    size_t readMore();
-    bool endWithLineFeed();
+    size_t readMore(TextPiece &piece);
+    void keepRest(const TextPiece &piece, size_t lineBytes);
 
     QIODevice &_device;
     const size_t _chunkBytes;
     const size_t _maxLineBytes;
-    GrowArray<char> _buffer;
-    size_t _filledBytes = 0;
-    size_t _lineBytes = 0;
-    qint64 _offset = 0;
-    bool _endsOpen = false;
+    Work *const _work;
+    GrowArray<char> _rest; ///< read, but behind the last line feed
+    qint64 _offset = 0;    ///< of the first byte of the rest
+    bool _isAtEnd = false;
     bool _lineTooLong = false;
 };
 

@@ -32,7 +32,8 @@ bool decodesLineByLine(const QTextCodec &codec)
 
 bool LineDecoder::start(const char *bytes, size_t count)
 {
-    const auto head = QByteArray::fromRawData(bytes, static_cast<int>(std::min<size_t>(count, 4)));
+    const auto head =
+        QByteArray::fromRawData(bytes, static_cast<int>(std::min<size_t>(count, HeadBytes)));
     const QTextCodec *const marked = QTextCodec::codecForUtfText(head, nullptr);
     _codec = marked ? marked : QTextCodec::codecForLocale();
     _markBytes = marked ? 3 : 0; // of UTF-8; a file marked as anything else is not read here
@@ -59,7 +60,7 @@ bool LineDecoder::decode(const char *begin, const char *end, qint64 offset, QStr
     text.chop(text.endsWith(QLatin1Char('\n')) ? 1 : 0);
     // At the begin of a later piece the codec takes U+FEFF for a byte-order mark, if
     // all that it has decoded so far was ASCII.
-    return !(touchesBorder && text.contains(QChar(QChar::ByteOrderMark)));
+    return _isStreamed || !(touchesBorder && text.contains(QChar(QChar::ByteOrderMark)));
 }
 
 } // namespace Halvard::Orv

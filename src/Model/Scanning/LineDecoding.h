@@ -24,10 +24,16 @@ public:
     /// Bytes in the pieces that QTextStream reads.
     static constexpr qint64 PieceBytes = 16384;
 
-    /// Chooses the codec by a file's first bytes, of which four are looked at, and
-    /// the locale.
+    /// First bytes of a file that tell its codec.
+    static constexpr int HeadBytes = 4;
+
+    /// Chooses the codec by a file's first bytes and the locale.
     /// \return false when the file cannot be decoded line by line.
     bool start(const char *bytes, size_t count);
+
+    /// The file comes as a stream: a QTextStream would cut it wherever its bytes happen to
+    /// come, so that U+FEFF at the begin of a piece may as well be a character.
+    void setStreamed(bool isStreamed) { _isStreamed = isStreamed; }
 
     /// Bytes of the byte-order mark with which the file begins. They belong to no
     /// line.
@@ -45,6 +51,7 @@ public:
 private:
     const QTextCodec *_codec = nullptr;
     size_t _markBytes = 0;
+    bool _isStreamed = false;
 };
 
 } // namespace Halvard::Orv

@@ -14,6 +14,13 @@
 
 namespace Halvard::Orv {
 
+/// Successive entries of an array.
+struct IndexRange
+{
+    size_t begin;
+    size_t end;
+};
+
 /// One kind of values of the file, "v", "vn" or "vt", and the indices into them.
 struct OBJAttribute
 {
@@ -28,8 +35,31 @@ struct OBJAttribute
     /// value, so it may be shorter than the corner count, never longer.
     GrowArray<quint32> indices;
 
-    /// Whether the file has at least one value line.
-    bool exists() const { return !values.isEmpty(); }
+    /// \name Reading a piece of a file
+    /// Pieces are read without knowing how many values come before them.
+    /// @{
+
+    /// Whether there are values before the piece.
+    bool existsBefore = false;
+    /// Indices that count back, which are off by the number of values before the piece;
+    /// null while a whole file is read. Absent indices among them are right.
+    std::vector<IndexRange> *relativeIndices = nullptr;
+
+    /// Notes that the indices from `begin` on, and before `end`, count back.
+    void noteRelativeIndices(size_t begin, size_t end)
+    {
+        if (!relativeIndices || begin == end)
+            return;
+        if (!relativeIndices->empty() && relativeIndices->back().end == begin)
+            relativeIndices->back().end = end;
+        else
+            relativeIndices->push_back({begin, end});
+    }
+
+    /// @}
+
+    /// Whether the file has had at least one value line.
+    bool exists() const { return existsBefore || !values.isEmpty(); }
     quint32 valueCount() const { return static_cast<quint32>(values.size() / components); }
 };
 
@@ -54,6 +84,14 @@ struct CornerCounts
 
     /// Number of faces of each corner count that there is.
     QMap<quint32, quint64> histogram() const;
+};
+
+/// A place between faces: how much comes before it.
+struct FacePlace
+{
+    quint32 face = 0;
+    quint32 corner = 0;
+    quint32 large = 0; ///< entries of CornerCounts::large
 };
 
 /// Successive faces of one material: `faceCount` faces from `firstFace` on.
@@ -97,6 +135,11 @@ struct OBJGeometry
     std::vector<FacesWithoutMaterial> withoutMaterial;
 
     quint32 faceCount() const { return static_cast<quint32>(cornerCounts.small.size()); }
+    /// Behind the last face.
+    FacePlace endOfFaces() const
+    {
+        return {faceCount(), cornerCount, static_cast<quint32>(cornerCounts.large.size())};
+    }
 };
 
 } // namespace Halvard::Orv

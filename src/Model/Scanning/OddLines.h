@@ -19,9 +19,10 @@ class OddLines
 {
 public:
     /// \param baseDir where relative paths of material libraries begin.
-    explicit OddLines(const QString &baseDir) : _baseDir(baseDir) {}
-
-    LineDecoder &decoder() { return _decoder; }
+    /// \param decoder started with the file's first bytes.
+    OddLines(const QString &baseDir, const LineDecoder &decoder)
+        : _baseDir(baseDir), _decoder(decoder)
+    {}
 
     /// Reads a line, given as to LineDecoder::decode().
     /// \return false when only a reader of the whole file can tell what it means.
@@ -35,7 +36,7 @@ public:
 
 private:
     const QString _baseDir;
-    LineDecoder _decoder;
+    const LineDecoder _decoder;
     QString _text;
     QTextStream _stream;
     std::optional<OBJReader> _reader;

@@ -44,12 +44,12 @@ bool readCorner(const char *begin, const char *end, FileCorner &corner)
            takeOptionalIndex(begin, end, corner.normal);
 }
 
-/// As OBJReader::resolveIndex().
-int resolved(int index, const OBJAttribute &attribute)
+/// As OBJReader::resolveIndex() of a reader that has counted no values.
+int resolved(int index)
 {
     if (index > 0)
         return index - 1;
-    return index == 0 ? OBJReader::AbsentIndex : index + static_cast<int>(attribute.valueCount());
+    return index == 0 ? OBJReader::AbsentIndex : index;
 }
 
 /// Collects the corners of one face.
@@ -62,6 +62,7 @@ public:
           _normalsBefore(geometry.normals.indices.size())
     {}
 
+    /// \param corner indices as in the file, but those that count forward zero-based.
     void append(const OBJReader::Vertex &corner)
     {
         append(_geometry.positions, corner.v);
@@ -79,17 +80,35 @@ public:
     /// Takes the corners back.
     void drop()
     {
-        _geometry.positions.indices.resize(_positionsBefore);
-        _geometry.texCoords.indices.resize(_texCoordsBefore);
-        _geometry.normals.indices.resize(_normalsBefore);
+        drop(_geometry.positions, _positionsBefore);
+        drop(_geometry.texCoords, _texCoordsBefore);
+        drop(_geometry.normals, _normalsBefore);
     }
 
 private:
     /// An attribute without values so far gets no index.
     static void append(OBJAttribute &attribute, int index)
     {
-        if (attribute.exists())
-            attribute.indices.append(static_cast<quint32>(index));
+        if (!attribute.exists())
+            return;
+        if (index < 0) {
+            const size_t at = attribute.indices.size();
+            attribute.noteRelativeIndices(at, at + 1);
+            index += static_cast<int>(attribute.valueCount());
+        }
+        attribute.indices.append(static_cast<quint32>(index));
+    }
+
+    static void drop(OBJAttribute &attribute, size_t indicesBefore)
+    {
+        attribute.indices.resize(indicesBefore);
+        if (!attribute.relativeIndices)
+            return;
+        std::vector<IndexRange> &ranges = *attribute.relativeIndices;
+        while (!ranges.empty() && ranges.back().begin >= indicesBefore)
+            ranges.pop_back();
+        if (!ranges.empty())
+            ranges.back().end = std::min(ranges.back().end, indicesBefore);
     }
 
     OBJGeometry &_geometry;
@@ -98,12 +117,6 @@ private:
     const size_t _normalsBefore;
     quint32 _count = 0;
 };
-
-/// The zero-based index of a reader that has counted no values.
-int counted(int index, const OBJAttribute &attribute)
-{
-    return index < 0 ? index + static_cast<int>(attribute.valueCount()) : index;
-}
 
 } // namespace
 
@@ -136,9 +149,8 @@ const char *readPlainFace(const char *text, const char *end, OBJGeometry &geomet
             face.drop();
             return nullptr;
         }
-        face.append({resolved(corner.position, geometry.positions),
-                     resolved(corner.normal, geometry.normals),
-                     resolved(corner.texCoord, geometry.texCoords)});
+        face.append(
+            {resolved(corner.position), resolved(corner.normal), resolved(corner.texCoord)});
     }
     face.finish();
     return lineAfter(text, end);
@@ -153,11 +165,8 @@ void appendValue(OBJAttribute &attribute, const float *value)
 void appendFace(const OBJReader &line, OBJGeometry &geometry)
 {
     FaceAppender face(geometry);
-    for (int i = 0; i < line.getNumVertices(); ++i) {
-        const OBJReader::Vertex corner = line.getVertex(i);
-        face.append({counted(corner.v, geometry.positions), counted(corner.vn, geometry.normals),
-                     counted(corner.vt, geometry.texCoords)});
-    }
+    for (int i = 0; i < line.getNumVertices(); ++i)
+        face.append(line.getVertex(i));
     face.finish();
 }
 

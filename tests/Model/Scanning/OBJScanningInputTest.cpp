@@ -4,6 +4,8 @@
 
 #include "support/TemporaryModel.h"
 
+#include "Scanning/LineDecoding.h"
+
 #include <gmock/gmock.h>
 
 #include <QtCore/QBuffer>
@@ -231,11 +233,13 @@ protected:
     qint64 readData(char *target, qint64 most) override
     {
         ++reads;
-        if (failsAt >= 0 && pos() >= failsAt)
+        const qint64 place = sequential ? _given : pos(); // a stream has no position
+        if (failsAt >= 0 && place >= failsAt)
             return -1;
         const qint64 end = endsEarlyAt < 0 ? _bytes.size() : endsEarlyAt;
-        const qint64 count = std::max<qint64>(0, std::min({most, _mostAtOnce, end - pos()}));
-        std::copy_n(_bytes.constData() + pos(), count, target);
+        const qint64 count = std::max<qint64>(0, std::min({most, _mostAtOnce, end - place}));
+        std::copy_n(_bytes.constData() + place, count, target);
+        _given += count;
         return count;
     }
     qint64 writeData(const char *, qint64) override { return -1; }
@@ -243,6 +247,7 @@ protected:
 private:
     const QByteArray _bytes;
     const qint64 _mostAtOnce;
+    qint64 _given = 0;
 };
 
 const QByteArray Model = "v 1 2 3\nv 4 5 6\nf 1 2 1\nv 7 8 9\n";
@@ -280,12 +285,40 @@ TEST(OBJScanningDevices, AreEmptyWhenTheySaySo)
     EXPECT_THAT(differences(readByLines(QByteArray()), readAsBytes(device)), IsEmpty());
 }
 
-TEST(OBJScanningDevices, ThatCannotBeReadAgainAreNotTouched)
+/// What a stream of UTF-16 holds only a QTextStream can tell, which needs its first bytes.
+TEST(OBJScanningDevices, ThatCannotBeReadAsBytesAreAsTheyWere)
 {
-    OddDevice pipe(Model, 1000);
+    const QByteArray text("\xff\xfev\0 \x001\0\n\0", 10);
+    OddDevice pipe(text, 1000);
     pipe.sequential = true;
     EXPECT_EQ(readAsBytes(pipe).outcome, OBJScanOutcome::NeedsLineReader);
-    EXPECT_EQ(pipe.reads, 0);
+    EXPECT_EQ(pipe.readAll(), text);
+}
+
+/// As regular files of the same bytes, however few of them come at a time.
+TEST(OBJScanningDevices, MayBeStreams)
+{
+    for (const qint64 mostAtOnce : {1, 3, 1000}) {
+        OddDevice pipe(Model, mostAtOnce);
+        pipe.sequential = true;
+        EXPECT_THAT(differences(readByLines(Model), readAsBytes(pipe)), IsEmpty()) << mostAtOnce;
+    }
+    OddDevice empty(QByteArray(), 1);
+    empty.sequential = true;
+    EXPECT_THAT(differences(readByLines(QByteArray()), readAsBytes(empty)), IsEmpty());
+}
+
+/// U+FEFF at the begin of a piece of QTextStream's is a byte-order mark to it, but nobody knows
+/// where the pieces of a stream begin.
+TEST(OBJScanningDevices, NeedNoLineReaderAsStreams)
+{
+    const QByteArray bom =
+        QByteArray(LineDecoder::PieceBytes - 8, '\n') + "usemtl \n\xef\xbb\xbfv 1 2 3\n";
+    OddDevice file(bom, 100000);
+    EXPECT_EQ(readAsBytes(file).outcome, OBJScanOutcome::NeedsLineReader);
+    OddDevice pipe(bom, 100000);
+    pipe.sequential = true;
+    EXPECT_EQ(readAsBytes(pipe).outcome, OBJScanOutcome::Finished);
 }
 
 /// Of files of 20 MB and more, arrays get their room beforehand.
