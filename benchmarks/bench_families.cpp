@@ -2,7 +2,7 @@
 // triangulating by corner count, normals.
 //
 // Each result is checked, so that a part that got fast by being wrong stands out.
-#include "Scanning/NumberConversion.h"
+#include "Numbers/NumberConversion.h"
 #include "Welding/RowWelding.h"
 
 #include <OrvModel/OBJReader.h>

@@ -2,7 +2,7 @@
 /// Text as the readers of runs take it.
 #pragma once
 
-#include "Scanning/DigitMarks.h"
+#include "Numbers/DigitMarks.h"
 
 #include <string>
 

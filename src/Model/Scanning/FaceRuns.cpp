@@ -1,6 +1,6 @@
 #include "Scanning/FaceRuns.h"
 
-#include "Scanning/ASCIIBytes.h"
+#include "Numbers/ASCIIBytes.h"
 
 #include <OrvModel/OBJReader.h>
 

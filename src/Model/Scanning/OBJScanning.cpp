@@ -1,9 +1,9 @@
 #include "Scanning/OBJScanning.h"
 
 #include "Libraries/MaterialLibraries.h"
-#include "Scanning/DeviceReading.h"
+#include "Pieces/DeviceReading.h"
+#include "Pieces/LineChunks.h"
 #include "Scanning/FaceGrouping.h"
-#include "Scanning/LineChunks.h"
 #include "Scanning/ParallelScanning.h"
 #include "Scanning/TextScanning.h"
 #include "Threads/Work.h"

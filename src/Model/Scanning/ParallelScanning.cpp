@@ -1,8 +1,8 @@
 #include "Scanning/ParallelScanning.h"
 
 #include "Libraries/MaterialLibraries.h"
-#include "Scanning/DeviceReading.h"
-#include "Scanning/PieceSource.h"
+#include "Pieces/DeviceReading.h"
+#include "Pieces/PieceSource.h"
 #include "Threads/Work.h"
 
 #include <QtCore/QIODevice>
@@ -33,7 +33,7 @@ std::unique_ptr<PieceSource> sourceOf(QIODevice &device, const OBJScanLimits &li
 {
     const int descriptor = descriptorOf(device);
     if (descriptor < 0)
-        return std::make_unique<DeviceSource>(device, limits, work);
+        return std::make_unique<DeviceSource>(device, limits.pieceBytes, limits.lineBytes, work);
     const size_t bytes = pieceBytes(limits, device.size(), work.threadCount());
     return std::make_unique<FileSource>(descriptor, bytes, limits.lineBytes);
 }

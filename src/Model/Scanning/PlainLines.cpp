@@ -1,7 +1,7 @@
 #include "Scanning/PlainLines.h"
 
-#include "Scanning/ASCIIBytes.h"
-#include "Scanning/NumberConversion.h"
+#include "Numbers/ASCIIBytes.h"
+#include "Numbers/NumberConversion.h"
 
 #include <algorithm>
 

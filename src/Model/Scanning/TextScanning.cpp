@@ -1,6 +1,6 @@
 #include "Scanning/TextScanning.h"
 
-#include "Scanning/ASCIIBytes.h"
+#include "Numbers/ASCIIBytes.h"
 #include "Scanning/FaceRuns.h"
 #include "Scanning/PlainLines.h"
 #include "Scanning/ValueRuns.h"

@@ -2,10 +2,10 @@
 /// Reads the lines of a text into a geometry.
 #pragma once
 
-#include "Scanning/DigitMarks.h"
+#include "Numbers/DigitMarks.h"
+#include "Pieces/TextPiece.h"
 #include "Scanning/OBJGeometry.h"
 #include "Scanning/OddLines.h"
-#include "Scanning/TextPiece.h"
 
 #include <QtCore/QString>
 

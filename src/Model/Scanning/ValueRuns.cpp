@@ -1,7 +1,7 @@
 #include "Scanning/ValueRuns.h"
 
-#include "Scanning/ASCIIBytes.h"
-#include "Scanning/NumberConversion.h"
+#include "Numbers/ASCIIBytes.h"
+#include "Numbers/NumberConversion.h"
 
 #include <algorithm>
 #include <cstring>

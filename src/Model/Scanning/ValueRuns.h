@@ -2,7 +2,7 @@
 /// Runs of lines of numbers: "v", "vn" and "vt", in the way they are mostly written.
 #pragma once
 
-#include "Scanning/DigitMarks.h"
+#include "Numbers/DigitMarks.h"
 #include "Scanning/OBJGeometry.h"
 
 namespace Halvard::Orv {

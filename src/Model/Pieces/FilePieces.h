@@ -2,7 +2,7 @@
 /// Reading a file in pieces of whole lines, in any order.
 #pragma once
 
-#include "Scanning/TextPiece.h"
+#include "Pieces/TextPiece.h"
 
 #include <QtCore/QtGlobal>
 

@@ -1,4 +1,4 @@
-#include "Scanning/PieceSource.h"
+#include "Pieces/PieceSource.h"
 
 #include "Threads/Work.h"
 
@@ -7,8 +7,8 @@
 
 namespace Halvard::Orv {
 
-DeviceSource::DeviceSource(QIODevice &device, const OBJScanLimits &limits, Work &work)
-    : _work(work), _chunks(device, limits.pieceBytes, limits.lineBytes, &work),
+DeviceSource::DeviceSource(QIODevice &device, size_t pieceBytes, size_t maxLineBytes, Work &work)
+    : _work(work), _chunks(device, pieceBytes, maxLineBytes, &work),
       _enough(2 * size_t(work.threadCount()))
 {}
 

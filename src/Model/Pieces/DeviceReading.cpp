@@ -1,4 +1,4 @@
-#include "Scanning/DeviceReading.h"
+#include "Pieces/DeviceReading.h"
 
 #include "Threads/Work.h"
 

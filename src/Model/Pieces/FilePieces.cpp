@@ -1,6 +1,6 @@
-#include "Scanning/FilePieces.h"
+#include "Pieces/FilePieces.h"
 
-#include "Scanning/DeviceReading.h"
+#include "Pieces/DeviceReading.h"
 
 #include <algorithm>
 #include <cstring>

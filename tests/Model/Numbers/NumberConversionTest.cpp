@@ -1,6 +1,7 @@
 // Numbers converted from bytes against QString, which defines what they are.
-#include "Scanning/NumberConversion.h"
-#include "Scanning/ASCIIBytes.h"
+#include "Numbers/NumberConversion.h"
+#include "Numbers/ASCIIBytes.h"
+#include "Scanning/PlainLines.h"
 #include "Scanning/ValueRuns.h"
 
 #include "support/OBJTokenCases.h"
@@ -59,9 +60,9 @@ OBJAttribute valuesOf(const std::string &text, std::size_t &plainLines)
     OBJAttribute attribute(2);
     while (line < end) {
         const std::uint32_t before = attribute.valueCount();
-        const char *const next = readTexCoordLines(line, end, marks, attribute);
+        const char *const next = readTexCoordRun(line, end, marks, attribute);
         plainLines += attribute.valueCount() - before;
-        line = next != line ? next : readValueLine(line + 2, end, attribute);
+        line = next != line ? next : readPlainValue(line + 2, end, attribute);
     }
     return attribute;
 }

@@ -2,7 +2,7 @@
 /// Numbers of OBJ text, converted as Qt converts them.
 #pragma once
 
-#include "Scanning/ASCIIBytes.h"
+#include "Numbers/ASCIIBytes.h"
 
 #include <QtCore/QtGlobal>
 

@@ -2,10 +2,9 @@
 /// Where the threads of a scan get their text.
 #pragma once
 
-#include "Scanning/FilePieces.h"
-#include "Scanning/LineChunks.h"
-#include "Scanning/OBJScanLimits.h"
-#include "Scanning/TextPiece.h"
+#include "Pieces/FilePieces.h"
+#include "Pieces/LineChunks.h"
+#include "Pieces/TextPiece.h"
 
 #include <QtCore/QtGlobal>
 
@@ -64,7 +63,8 @@ private:
 class DeviceSource : public PieceSource
 {
 public:
-    DeviceSource(QIODevice &device, const OBJScanLimits &limits, Work &work);
+    /// \param maxLineBytes a line that is longer by a piece is too long.
+    DeviceSource(QIODevice &device, size_t pieceBytes, size_t maxLineBytes, Work &work);
 
     void take(PieceText &text, bool isCaller) override;
 

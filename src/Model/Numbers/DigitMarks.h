@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Memory/GrowArray.h"
-#include "Scanning/DigitBlocks.h"
+#include "Numbers/DigitBlocks.h"
 
 #include <QtCore/QtGlobal>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Memory/GrowArray.h"
-#include "Scanning/TextPiece.h"
+#include "Pieces/TextPiece.h"
 
 #include <QtCore/QtGlobal>
 

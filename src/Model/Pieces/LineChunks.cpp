@@ -1,6 +1,6 @@
-#include "Scanning/LineChunks.h"
+#include "Pieces/LineChunks.h"
 
-#include "Scanning/DeviceReading.h"
+#include "Pieces/DeviceReading.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
-#include "Scanning/NumberConversion.h"
+#include "Numbers/NumberConversion.h"
 
-#include "Scanning/ASCIIBytes.h"
+#include "Numbers/ASCIIBytes.h"
 
 #include <QtCore/QString>
 
