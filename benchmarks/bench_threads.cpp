@@ -7,7 +7,7 @@
 // is uploaded. What is prepared is compared with what one thread makes.
 #include "Libraries/MaterialLibraries.h"
 #include "Preparing/GeometryPreparing.h"
-#include "Reports/LoadReport.h"
+#include "Reports/CurrentReport.h"
 #include "Scanning/OBJScanning.h"
 #include "Threads/Work.h"
 
@@ -56,7 +56,7 @@ struct Times
     double prepareCPU = 1e9;
     double allWall = 1e9;
     double allCPU = 1e9;
-    LoadReport::Stages stages; ///< of the round with the least wall time
+    PreparationReport::Stages stages; ///< of the round with the least wall time
 };
 
 /// A number that differs where any bit of the model does, most likely.
@@ -94,8 +94,8 @@ quint64 load(const QString &fileName, int threads, Times &times)
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(QStringLiteral("<default>"), InstanceData(), -1, 0);
     MaterialLibraries libraries(builder);
-    LoadReport report;
-    const ScopedLoadReport scope(report);
+    PreparationReport report;
+    const ScopedReport scope(report);
 
     const Moment begin;
     OBJGeometry geometry;

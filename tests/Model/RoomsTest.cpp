@@ -23,10 +23,11 @@ struct Room
 
 /// A file includes from its own room and from the floors below. The folder itself, "", is the
 /// top floor; the "foundation" is no folder: see Foundation.
-const Room Rooms[] = {{"", 7},        {"Preparing", 6}, {"Scanning", 5},  {"Libraries", 4},
-                      {"Builder", 3}, {"Triangles", 2}, {"Pieces", 2},    {"Numbers", 2},
-                      {"Welding", 2}, {"Lanes", 1},     {"Materials", 1}, {"Memory", 1},
-                      {"Readers", 1}, {"Reports", 1},   {"Threads", 1}, {"Files", 0},   {"foundation", 0}};
+const Room Rooms[] = {{"", 7},          {"Preparing", 6}, {"Scanning", 5},  {"Libraries", 4},
+                      {"Builder", 3},   {"Triangles", 2}, {"Pieces", 2},    {"Numbers", 2},
+                      {"Welding", 2},   {"Lanes", 1},     {"Materials", 1}, {"Memory", 1},
+                      {"Readers", 1},   {"Reports", 1},   {"Threads", 1},   {"Files", 0},
+                      {"foundation", 0}};
 
 /// Rooms that may be missing from src/Model.
 const std::set<std::string> RoomsWithoutFolder = {"", "foundation"};
