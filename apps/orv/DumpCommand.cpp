@@ -201,12 +201,14 @@ ExitStatus dumpCommand(const QStringList &arguments)
                      QStringLiteral("Prints the uploaded model as JSON, read back from the buffers "
                                     "on the GPU."));
     line.addOption({{QStringLiteral("o"), QStringLiteral("output")},
-                    QStringLiteral("Write to this file instead of stdout."),
+                    QStringLiteral("Write to this file instead of stdout, which is '-'."),
                     QStringLiteral("FILE")});
     if (const auto status = line.parse(arguments))
         return *status;
-    const QString output = line.value(QStringLiteral("output"));
-    if (line.isSet(QStringLiteral("output"))) {
+    QString output = line.value(QStringLiteral("output"));
+    if (output == QLatin1String("-")) {
+        output.clear();
+    } else if (line.isSet(QStringLiteral("output"))) {
         if (output.isEmpty())
             return line.wrongUsage(QStringLiteral("The output file has no name."));
         const QString obstacle = OutputFile::obstacle(output, line.model());

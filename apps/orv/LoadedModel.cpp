@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
+#include "LoadFailure.h"
 #include "Messages.h"
 #include "PrintedText.h"
 #include "Progress.h"
@@ -34,7 +35,7 @@ ExitStatus LoadedModel::load(const QString &fileName)
     if (_model)
         return Fine;
     Messages::flush();
-    printError(error);
+    printError(explainedFailure(error));
     return Messages::saidThatMemoryEnded() ? OutOfMemory : FileAtFault;
 }
 

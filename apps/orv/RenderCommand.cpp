@@ -5,6 +5,7 @@
 #include "LoadedModel.h"
 #include "OutputFile.h"
 #include "Progress.h"
+#include "Reports/LoadReport.h"
 #include "WriteAll.h"
 
 #include <OrvGL/GPUModel.h>
@@ -19,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace Halvard::Orv::Cli {
 
@@ -32,11 +34,13 @@ constexpr qint64 LargestArea = 100'000'000;
 
 struct RenderRequest
 {
-    QString output;
+    QString output; // empty for stdout
     QByteArray format;
     QSize size;
     Render::ViewAngles angles;
     Render::RenderOptions options;
+    /// Nothing where the model decides.
+    std::optional<Render::Shading> shading;
     Render::TextureSettings textures;
 };
 
@@ -65,7 +69,8 @@ std::optional<double> parseAngle(const QString &text, double limit)
 void addOptions(CommandLine &line)
 {
     line.addOption({{QStringLiteral("o"), QStringLiteral("output")},
-                    QStringLiteral("The image file to write; its suffix says the format."),
+                    QStringLiteral("The image file to write; its suffix says the format. '-' "
+                                   "is stdout."),
                     QStringLiteral("FILE")});
     line.addOption({QStringLiteral("size"),
                     QStringLiteral("Width and height in pixels, 800x600 when not given."),
@@ -88,8 +93,47 @@ void addOptions(CommandLine &line)
                     QStringLiteral("N")});
     line.addOption(
         {QStringLiteral("wireframe"), QStringLiteral("Draw the edges of the triangles on top.")});
-    line.addOption(
-        {QStringLiteral("normals"), QStringLiteral("Draw the stored normals as colours.")});
+    line.addOption({QStringLiteral("shading"),
+                    QStringLiteral("What the surface shows: 'material', 'flat' (each face lit by "
+                                   "itself, the default for few faces without normals), "
+                                   "'normals', 'uv' (a checker), 'groups' (a colour for each "
+                                   "material) or 'backfaces' (in red)."),
+                    QStringLiteral("MODE")});
+    line.addOption({QStringLiteral("normals"), QStringLiteral("As --shading normals.")});
+    line.addOption({QStringLiteral("up"),
+                    QStringLiteral("The axis of the model that points up: x, y or z. y when not "
+                                   "given."),
+                    QStringLiteral("AXIS"), QStringLiteral("y")});
+    line.addOption({QStringLiteral("format"),
+                    QStringLiteral("The format of the image, such as 'png', whatever its suffix."),
+                    QStringLiteral("F")});
+}
+
+constexpr std::pair<const char *, Render::Shading> Shadings[] = {
+    {"material", Render::Shading::Material}, {"flat", Render::Shading::Flat},
+    {"normals", Render::Shading::Normals},   {"uv", Render::Shading::TextureCoordinates},
+    {"groups", Render::Shading::Groups},     {"backfaces", Render::Shading::BackFaces}};
+
+/// \return what is wrong with the options; empty when nothing is.
+QString readShading(const CommandLine &line, std::optional<Render::Shading> &shading)
+{
+    const bool showsNormals = line.isSet(QStringLiteral("normals"));
+    if (showsNormals)
+        shading = Render::Shading::Normals;
+    if (!line.isSet(QStringLiteral("shading")))
+        return {};
+    const QString text = line.value(QStringLiteral("shading"));
+    for (const auto &[name, mode] : Shadings) {
+        if (text != QLatin1String(name))
+            continue;
+        if (showsNormals && mode != Render::Shading::Normals)
+            return QStringLiteral("'--normals' and '--shading %1' exclude each other.").arg(text);
+        shading = mode;
+        return {};
+    }
+    return QStringLiteral("Invalid shading '%1': use material, flat, normals, uv, groups or "
+                          "backfaces.")
+        .arg(text);
 }
 
 /// \return what is wrong with the options; empty when nothing is.
@@ -138,26 +182,48 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
     }
     request.textures.objection = Confinement::objection;
     request.options.wireframe = line.isSet(QStringLiteral("wireframe"));
-    request.options.normals = line.isSet(QStringLiteral("normals"));
-    return {};
+    const QString up = line.value(QStringLiteral("up"));
+    if (up == QLatin1String("x"))
+        request.angles.up = Render::UpAxis::X;
+    else if (up == QLatin1String("z"))
+        request.angles.up = Render::UpAxis::Z;
+    else if (up != QLatin1String("y"))
+        return QStringLiteral("Invalid axis '%1': use x, y or z.").arg(up);
+    request.format = line.value(QStringLiteral("format")).toLower().toLatin1();
+    if (request.output == QLatin1String("-")) {
+        if (request.format.isEmpty())
+            return QStringLiteral("The format of an image on stdout is not known: use --format, "
+                                  "as in '--format png'.");
+        request.output.clear();
+    }
+    return readShading(line, request.shading);
+}
+
+QString shownOutput(const RenderRequest &request)
+{
+    return request.output.isEmpty() ? QStringLiteral("-") : request.output;
 }
 
 /// \return a sentence when the picture could not be written there; empty when it can,
 ///         as far as can be told beforehand.
 QString findFormat(const QString &model, RenderRequest &request)
 {
-    request.format = QFileInfo(request.output).suffix().toLower().toLatin1();
+    const bool isNamed = !request.format.isEmpty();
+    if (!isNamed)
+        request.format = QFileInfo(request.output).suffix().toLower().toLatin1();
     if (!QImageWriter::supportedImageFormats().contains(request.format))
-        return QStringLiteral("Cannot write '%1': its suffix is not that of an image format such "
-                              "as .png.")
-            .arg(request.output);
+        return isNamed ? QStringLiteral("There is no image format '%1' to write.")
+                             .arg(QString::fromLatin1(request.format))
+                       : QStringLiteral("Cannot write '%1': its suffix is not that of an image "
+                                        "format such as .png.")
+                             .arg(request.output);
     if ((request.format == "ico" || request.format == "cur") &&
         std::max(request.size.width(), request.size.height()) > LargestIcon)
         return QStringLiteral("Cannot write '%1': an icon has at most %2 pixels on a side; use "
                               "--size.")
-            .arg(request.output)
+            .arg(shownOutput(request))
             .arg(LargestIcon);
-    return OutputFile::obstacle(request.output, model);
+    return request.output.isEmpty() ? QString() : OutputFile::obstacle(request.output, model);
 }
 
 bool isOpaque(const Render::RenderOptions &options)
@@ -175,7 +241,8 @@ QByteArray encoded(const QImage &picture, const RenderRequest &request, QString 
     if (writer.write(isOpaque(request.options) ? picture.convertToFormat(QImage::Format_RGB32)
                                                : picture))
         return buffer.data();
-    error = QStringLiteral("Cannot write '%1': %2.").arg(request.output, writer.errorString());
+    error =
+        QStringLiteral("Cannot write '%1': %2.").arg(shownOutput(request), writer.errorString());
     return {};
 }
 
@@ -189,6 +256,15 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
     }
     return OutputFile::write(request.output,
                              [&bytes](QIODevice &device) { writeAll(device, bytes); });
+}
+
+/// Generated normals are smooth, also over the edges of a cube. They suit a mesh that is fine
+/// enough to mean something smooth.
+Render::Shading shadingFor(const LoadReport &report)
+{
+    constexpr quint64 FewFaces = 100;
+    return report.normals == 0 && report.faces <= FewFaces ? Render::Shading::Flat
+                                                           : Render::Shading::Material;
 }
 
 } // namespace
@@ -211,9 +287,11 @@ ExitStatus renderCommand(const QStringList &arguments)
         return CannotRun;
     }
 
+    LoadReport report;
     LoadedModel loaded;
-    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
+    if (const ExitStatus status = loaded.load(line.model(), &report); status != Fine)
         return status;
+    request.options.shading = request.shading.value_or(shadingFor(report));
     if (loaded.model().bundleCount() == 0)
         qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
     QImage picture;

@@ -42,6 +42,20 @@ struct Axes
     Vector back;
 };
 
+/// A direction of a model with +y up in one with another axis up: turned by a right angle.
+Vector turned(const Vector &v, UpAxis up)
+{
+    switch (up) {
+    case UpAxis::X:
+        return {v.y, -v.x, v.z};
+    case UpAxis::Y:
+        return v;
+    case UpAxis::Z:
+        return {v.x, -v.z, v.y};
+    }
+    return v;
+}
+
 /// From the angles alone, so that straight up and down are no special cases.
 Axes axesOf(const ViewAngles &angles)
 {
@@ -49,7 +63,10 @@ Axes axesOf(const ViewAngles &angles)
     const double cosA = std::cos(radians(angles.azimuth));
     const double sinE = std::sin(radians(angles.elevation));
     const double cosE = std::cos(radians(angles.elevation));
-    return {{cosA, 0, -sinA}, {-sinA * sinE, cosE, -cosA * sinE}, {sinA * cosE, sinE, cosA * cosE}};
+    const Vector right = {cosA, 0, -sinA};
+    const Vector up = {-sinA * sinE, cosE, -cosA * sinE};
+    const Vector back = {sinA * cosE, sinE, cosA * cosE};
+    return {turned(right, angles.up), turned(up, angles.up), turned(back, angles.up)};
 }
 
 /// How far the model reaches along each side of the view pyramid and in depth.
@@ -134,6 +151,8 @@ Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, doubl
     const double farPlane = (z - reach.farthest) * 1.02;
 
     Camera camera;
+    const Vector upwards = turned({0, 1, 0}, angles.up);
+    camera.up = QVector3D(float(upwards.x), float(upwards.y), float(upwards.z));
     camera.centre = geometry.bounds.centre();
     camera.rootScale = float(1 / std::sqrt(radius));
     camera.view = viewMatrix(axes, x, y, z);

@@ -9,12 +9,22 @@ namespace Halvard::Orv::Render {
 
 struct ModelGeometry;
 
-/// The direction from which to look, in degrees, with +y up. Azimuth 0 looks from
-/// +z towards -z and grows towards +x; elevation 90 looks straight down.
+/// Which axis of a model points up.
+enum class UpAxis
+{
+    X,
+    Y,
+    Z
+};
+
+/// The direction from which to look, in degrees. Azimuth 0 looks with +y up from +z towards
+/// -z, and grows towards +x; elevation 90 looks straight down. With +z up azimuth 0 looks
+/// from -y and grows towards +x; with +x up, from +z and towards -y.
 struct ViewAngles
 {
     double azimuth = 30;
     double elevation = 20;
+    UpAxis up = UpAxis::Y;
 };
 
 /// A perspective camera.
@@ -28,6 +38,8 @@ struct Camera
 {
     QVector3D centre;
     float rootScale = 1;
+    /// Away from the ground, in the model.
+    QVector3D up = {0, 1, 0};
     QMatrix4x4 view;
     QMatrix4x4 projection;
 };

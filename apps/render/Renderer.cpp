@@ -16,6 +16,7 @@
 #include <QtCore/QString>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Halvard::Orv::Render {
 
@@ -51,6 +52,13 @@ void setCamera(ShaderProgram &program, const Camera &camera)
     program.set("uRootScale", camera.rootScale);
     program.set("uView", camera.view);
     program.set("uProjection", camera.projection);
+    program.set("uUp", camera.up);
+}
+
+/// Whether the materials are seen, with what shines through them.
+bool showsMaterials(Shading shading)
+{
+    return shading == Shading::Material || shading == Shading::Flat;
 }
 
 /// Draws twice, first the faces turned away, so that the far side of a thing
@@ -111,6 +119,7 @@ void Renderer::setModel(const GPUModel *model, const TextureSettings &textures)
 {
     _model = model;
     _geometry = {};
+    _triangles = 0;
     _records.clear();
     _firstRecord.clear();
     std::vector<PlannedCommand> commands;
@@ -128,6 +137,8 @@ void Renderer::addBundle(int index, TextureCache &textures, std::vector<PlannedC
 {
     const InstanceDataCollection *materials = _model->materials(index);
     _firstRecord.push_back(unsigned(_records.size()));
+    for (const DrawElementsIndirectCommand &command : _model->bundle(index)->commands())
+        _triangles += double(command.count) / 3 * command.instanceCount;
     for (int i = 0; i < _model->bundle(index)->commands().size(); ++i) {
         const bool hasRecord = materials && i < materials->records().size();
         const Material material =
@@ -160,7 +171,7 @@ void Renderer::draw(const Camera &camera, const RenderOptions &options)
     glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, _recordBuffer->id());
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
-    drawSurfaces(options.normals ? *_normals : *_surface, camera, !options.normals);
+    drawSurfaces(camera, options);
     if (options.wireframe)
         drawLines(camera);
     glDisable(GL_DEPTH_TEST);
@@ -179,13 +190,19 @@ void Renderer::drawBackground(const RenderOptions &options)
     glBindVertexArray(0);
 }
 
-void Renderer::drawSurfaces(ShaderProgram &program, const Camera &camera, bool blends)
+void Renderer::drawSurfaces(const Camera &camera, const RenderOptions &options)
 {
+    ShaderProgram &program = options.shading == Shading::Normals ? *_normals : *_surface;
+    const bool blends = showsMaterials(options.shading);
     setCamera(program, camera);
+    program.set("uShading", int(options.shading));
     clearGenericAttributes(program.id());
-    // Pushed back a little, so that lines on the surface are not cut up by it.
-    glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(1, 1);
+    // Pushed back a little, so that lines on the surface are not cut up by it. Only then: at
+    // silhouettes, what is behind comes through.
+    if (options.wireframe) {
+        glEnable(GL_POLYGON_OFFSET_FILL);
+        glPolygonOffset(1, 1);
+    }
     program.set("uIsBlended", 0);
     for (const DrawRun &run : _plan.opaque)
         drawRun(program, run);
@@ -210,7 +227,9 @@ void Renderer::drawSurfaces(ShaderProgram &program, const Camera &camera, bool b
 void Renderer::drawLines(const Camera &camera)
 {
     setCamera(*_lines, camera);
-    _lines->set("uColour", QColor(20, 24, 32, 150));
+    QColor colour(20, 24, 32);
+    colour.setAlphaF(lineOpacity());
+    _lines->set("uColour", colour);
     clearGenericAttributes(_lines->id());
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
@@ -221,6 +240,24 @@ void Renderer::drawLines(const Camera &camera)
         drawRun(*_lines, run);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     glDisable(GL_BLEND);
+}
+
+/// Lines that lie close are drawn fainter, so that many of them upon a pixel darken it less than
+/// a single one would: a dense mesh keeps its shape.
+double Renderer::lineOpacity() const
+{
+    constexpr double Single = 0.6;
+    constexpr double Dense = 0.35;
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    // Of a model that fills half of the picture, half of whose triangles are seen.
+    const double pixels = std::max(0.5 * viewport[2] * viewport[3], 1.0);
+    const double spacing = std::sqrt(pixels / std::max(0.5 * _triangles, 1.0));
+    // Three edges of some 1.5 spacings and one pixel's width, on a triangle of one spacing's
+    // square. Shared edges are drawn twice.
+    const double linesOnAPixel = std::max(3 * 1.5 / spacing, 1.0);
+    const double darkness = Dense + (Single - Dense) / linesOnAPixel;
+    return 1 - std::pow(1 - darkness, 1 / linesOnAPixel);
 }
 
 void Renderer::drawRun(ShaderProgram &program, const DrawRun &run)

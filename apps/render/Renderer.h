@@ -23,6 +23,25 @@ namespace Halvard::Orv::Render {
 
 class ShaderProgram;
 
+/// What the surface of a model shows. The shaders know the numbers.
+enum class Shading
+{
+    /// The materials, lit by the stored normals.
+    Material = 0,
+    /// The materials, each face lit by itself.
+    Flat = 1,
+    /// The stored normals as colours, (x, y, z) from -1..1 to 0..1, without light. A normal
+    /// that points away from the viewer is turned round, since files and generated normals
+    /// differ in their side.
+    Normals = 2,
+    /// A checker of eight fields a unit, redder along u and greener along v.
+    TextureCoordinates = 3,
+    /// A colour for each draw command.
+    Groups = 4,
+    /// Faces whose corners run clockwise, in red.
+    BackFaces = 5
+};
+
 struct RenderOptions
 {
     /// May be transparent. Equal colours make a plain background.
@@ -30,8 +49,7 @@ struct RenderOptions
     QColor backgroundBottom = QColor(0xb9, 0xc2, 0xce);
     /// The edges of the triangles on top of the surface.
     bool wireframe = false;
-    /// The stored normals as colours, (x, y, z) from -1..1 to 0..1, without light.
-    bool normals = false;
+    Shading shading = Shading::Material;
 };
 
 /// Draws models with their materials, lit from beside the camera and from the sky.
@@ -69,8 +87,9 @@ private:
     void addBundle(int index, TextureCache &textures, std::vector<PlannedCommand> &commands);
     void uploadRecords();
     void drawBackground(const RenderOptions &options);
-    void drawSurfaces(ShaderProgram &program, const Camera &camera, bool blends);
+    void drawSurfaces(const Camera &camera, const RenderOptions &options);
     void drawLines(const Camera &camera);
+    double lineOpacity() const;
     void drawRun(ShaderProgram &program, const DrawRun &run);
     std::vector<DrawRun> blendedBackToFront(const Camera &camera) const;
 
@@ -91,6 +110,7 @@ private:
     const GPUModel *_model = nullptr;
     ModelGeometry _geometry;
     DrawPlan _plan;
+    double _triangles = 0;
     std::vector<Record> _records;
     std::vector<unsigned> _firstRecord; // by bundle
     QSharedPointer<BufferObject> _recordBuffer;

@@ -78,6 +78,15 @@ in float vInvalid;
 flat in uint vRecord;
 
 out vec4 fColour;
+
+// Of the face. Taken from the screen's right and up, it points towards the viewer,
+// whichever way the corners run.
+vec3 faceNormal(vec3 toViewer)
+{
+    vec3 normal = cross(dFdx(vPosition), dFdy(vPosition));
+    float size = length(normal);
+    return size > 0.0 ? normal / size : toViewer;
+}
 )";
 
 constexpr char SurfaceFragment[] = R"(
@@ -94,6 +103,14 @@ layout(binding = 0) uniform sampler2D uDiffuseMap;
 layout(binding = 1) uniform sampler2D uSpecularMap;
 uniform mat4 uView;
 uniform bool uIsBlended;
+uniform int uShading;
+uniform vec3 uUp;
+
+// As in the enumeration Shading.
+const int Flat = 1;
+const int TextureCoordinates = 3;
+const int Groups = 4;
+const int BackFaces = 5;
 
 const float gamma = 2.2;
 
@@ -106,25 +123,46 @@ const vec3 fillColour = vec3(0.13, 0.135, 0.14);
 const vec3 skyColour = vec3(0.24, 0.25, 0.27);
 const vec3 groundColour = vec3(0.06, 0.055, 0.055);
 
-// Of the face. Taken from the screen's right and up, it points towards the viewer,
-// whichever way the corners run.
-vec3 faceNormal(vec3 toViewer)
-{
-    vec3 normal = cross(dFdx(vPosition), dFdy(vPosition));
-    float size = length(normal);
-    return size > 0.0 ? normal / size : toViewer;
-}
-
 // A stored normal may point to either side; it is taken to the side of the face
 // that is seen.
 vec3 shadingNormal(vec3 toViewer)
 {
     vec3 face = faceNormal(toViewer);
     float size = length(vNormal);
-    if (!(size > 1e-3))
+    if (uShading == Flat || !(size > 1e-3))
         return face;
     vec3 normal = vNormal / size;
     return dot(normal, face) < 0.0 ? -normal : normal;
+}
+
+// Eight fields a unit, light and dark, redder along u and greener along v. Where they are smaller
+// than pixels, what they are on average.
+vec3 checkerColour()
+{
+    vec2 fields = vTexCoord * 8.0;
+    vec2 step = fwidth(fields);
+    float isDark = mod(floor(fields.x) + floor(fields.y), 2.0);
+    isDark = mix(isDark, 0.5, smoothstep(0.5, 1.0, max(step.x, step.y)));
+    vec2 place = fract(vTexCoord);
+    return vec3(0.3 + 0.7 * place, 0.55) * mix(1.0, 0.4, isDark);
+}
+
+// Hues a golden section apart: neighbours differ, and no two are ever the same.
+vec3 groupColour()
+{
+    float hue = fract(0.11 + float(vRecord) * 0.61803398875);
+    vec3 parts = abs(fract(hue + vec3(0.0, 2.0 / 3.0, 1.0 / 3.0)) * 6.0 - 3.0) - 1.0;
+    return mix(vec3(0.35), vec3(0.9), clamp(parts, 0.0, 1.0));
+}
+
+// What stands for the material in the modes that show something else.
+vec3 shownColour()
+{
+    if (uShading == TextureCoordinates)
+        return checkerColour();
+    if (uShading == Groups)
+        return groupColour();
+    return gl_FrontFacing ? vec3(0.72) : vec3(0.85, 0.12, 0.1);
 }
 
 void main()
@@ -134,17 +172,22 @@ void main()
     vec3 normal = shadingNormal(toViewer);
     Material material = materials[vRecord];
     vec4 diffuseTexel = texture(uDiffuseMap, vTexCoord);
+    vec3 shown = shownColour();
     vec3 specularTexel = texture(uSpecularMap, vTexCoord).rgb;
     if (vInvalid != 0.0)
         discard;
 
+    if (uShading >= TextureCoordinates) {
+        material = Material(vec4(shown, 1.0), vec4(0.0, 0.0, 0.0, 1.0));
+        diffuseTexel = vec4(1.0);
+    }
     float opacity = material.diffuse.a;
     if (uIsBlended)
         opacity *= diffuseTexel.a;
     else if (diffuseTexel.a < 0.5)
         discard;
 
-    vec3 up = mat3(uView) * vec3(0.0, 1.0, 0.0);
+    vec3 up = mat3(uView) * uUp;
     float sky = 0.5 + 0.5 * dot(normal, up);
     float key = max(dot(normal, keyLight), 0.0);
     float fill = max(dot(normal, fillLight), 0.0);
@@ -170,10 +213,14 @@ void main()
 constexpr char NormalsFragment[] = R"(
 void main()
 {
+    vec3 face = faceNormal(normalize(-vPosition));
     if (vInvalid != 0.0)
         discard;
     float size = length(vModelNormal);
     vec3 normal = size > 1e-3 ? vModelNormal / size : vec3(0.0);
+    // Files store normals to either side, and generated ones have a side of their own.
+    if (dot(vNormal, face) < 0.0)
+        normal = -normal;
     fColour = vec4(0.5 + 0.5 * normal, 1.0);
 }
 )";

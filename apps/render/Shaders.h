@@ -11,9 +11,9 @@ namespace Halvard::Orv::Render {
 ///        OpenGLDeviceContext::hasDrawParameters().
 QByteArray modelVertexShader(bool knowsDrawNumber);
 
-/// Lit and textured.
+/// Lit, in the colours of the material or of what uShading asks for: see Shading.
 QByteArray surfaceFragmentShader();
-/// The stored normal as a colour; grey where there is none.
+/// The stored normal as a colour, turned to the viewer; grey where there is none.
 QByteArray normalsFragmentShader();
 /// One colour, for lines.
 QByteArray lineFragmentShader();

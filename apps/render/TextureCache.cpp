@@ -1,5 +1,7 @@
 #include "TextureCache.h"
 
+#include "SimilarFiles.h"
+
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
 #include <OrvModel/TexturePreparing.h>
@@ -9,20 +11,52 @@
 
 namespace Halvard::Orv::Render {
 
+namespace {
+
+QString missing()
+{
+    return QStringLiteral("does not exist");
+}
+
+} // namespace
+
 Texture *TextureCache::texture(const QString &path)
 {
     const auto known = _byPath.constFind(path);
     if (known != _byPath.constEnd())
         return *known;
     QString reason;
-    Texture *const texture = load(path, reason);
+    Texture *const texture = find(path, reason);
     if (!reason.isEmpty())
         qWarning("The texture '%s' %s; drawn without it.", qUtf8Printable(path),
                  qUtf8Printable(reason));
     return *_byPath.insert(path, texture);
 }
 
-/// \param reason stays empty where there is nothing to say, or it was said before.
+/// \param reason stays empty where there is nothing to say, or it was said.
+Texture *TextureCache::find(const QString &path, QString &reason)
+{
+    Texture *const texture = load(path, reason);
+    if (texture || reason != missing())
+        return texture;
+    // Each search reads directories, and a library may name any number of files.
+    constexpr int MostSearches = 100;
+    const QString meant = ++_searches <= MostSearches ? fileMeantBy(path) : QString();
+    if (meant.isNull())
+        return nullptr;
+    QString trouble;
+    Texture *const other = load(meant, trouble);
+    if (!trouble.isEmpty()) {
+        reason = QStringLiteral("does not exist, and '%1' in its place %2").arg(meant, trouble);
+        return nullptr;
+    }
+    reason.clear(); // of a file that cannot be used, too: it was said
+    if (other)
+        qWarning("The texture '%s' does not exist; drawn with '%s' in its place.",
+                 qUtf8Printable(path), qUtf8Printable(meant));
+    return other;
+}
+
 Texture *TextureCache::load(const QString &path, QString &reason)
 {
     if (_settings.objection) {
@@ -34,7 +68,7 @@ Texture *TextureCache::load(const QString &path, QString &reason)
     const QString file =
         path.contains(QChar::Null) ? QString() : QFileInfo(path).canonicalFilePath();
     if (file.isEmpty()) {
-        reason = QStringLiteral("does not exist");
+        reason = missing();
         return nullptr;
     }
     const auto known = _byFile.constFind(file);

@@ -25,7 +25,8 @@ struct TextureSettings
 };
 
 /// The textures of one model. Each file is decoded once, under whatever names materials
-/// give it. Other than LoadTexture(), it takes images of every pixel format.
+/// give it. Other than LoadTexture(), it takes images of every pixel format, and finds those
+/// that are missing only for a backslash in their path or for the case of a letter.
 class TextureCache
 {
 public:
@@ -36,11 +37,13 @@ public:
     Texture *texture(const QString &path);
 
 private:
+    Texture *find(const QString &path, QString &reason);
     Texture *load(const QString &path, QString &reason);
     Texture *decode(const QString &path, QString &reason);
 
     const TextureSettings _settings;
     qint64 _pixels = 0;
+    int _searches = 0;
     // Ordered: names come from files, and some could be made to collide in a hash table.
     QMap<QString, Texture *> _byPath;
     QMap<QString, Texture *> _byFile; // by the path without links

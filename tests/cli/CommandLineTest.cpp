@@ -75,6 +75,16 @@ const WrongCall wrongCalls[] = {
      "Invalid azimuth 'nan':", renderUsage},
     {"elevation", words("render MODEL -o OUT.png --elevation 90.5"),
      "Invalid elevation '90.5':", renderUsage},
+    {"shading", words("render MODEL -o OUT.png --shading shiny"),
+     "Invalid shading 'shiny':", renderUsage},
+    {"twoShadings", words("render MODEL -o OUT.png --shading uv --normals"),
+     "'--normals' and '--shading uv' exclude each other.", renderUsage},
+    {"up", words("render MODEL -o OUT.png --up w"), "Invalid axis 'w': use x, y or z.",
+     renderUsage},
+    {"texturePixels", words("render MODEL -o OUT.png --texture-pixels -1"),
+     "Invalid number of pixels '-1'.", renderUsage},
+    {"formatOfStdout", words("render MODEL -o -"),
+     "The format of an image on stdout is not known:", renderUsage},
     {"background", words("render MODEL -o OUT.png --background sky"),
      "Invalid colour 'sky':", renderUsage},
 };
@@ -145,8 +155,8 @@ TEST(CommandLineTest, AMissingModelIsTheFilesFault)
         const OrvRun run = runOrv(call);
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.out, "");
-        EXPECT_EQ(run.err.toStdString(),
-                  "orv: Failed to load OBJ file '" + missing.toStdString() + "'\n");
+        EXPECT_EQ(run.err.toStdString(), "orv: Failed to load OBJ file '" + missing.toStdString() +
+                                             "': there is no such file.\n");
     }
     EXPECT_TRUE(QDir(files.directory()).isEmpty());
 }
@@ -160,7 +170,38 @@ TEST(CommandLineTest, AMissingMaterialLibraryIsTheFilesFault)
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err.toStdString(), "orv: Failed to load MTL file '" +
                                          files.path(QStringLiteral("none.mtl")).toStdString() +
-                                         "'\n");
+                                         "': there is no such file.\n");
+}
+
+TEST(CommandLineTest, AFileThatWasMeantIsNamed)
+{
+    const TemporaryModel files;
+    const auto failure = [&files](const char *kind, const QString &missing, const QString &meant) {
+        return std::string("orv: Failed to load ") + kind + " file '" + missing.toStdString() +
+               "': there is no such file, but there is '" + meant.toStdString() + "'.\n";
+    };
+    const QString upper = files.write(QStringLiteral("Case/M.OBJ"), "");
+    const QString lower = files.path(QStringLiteral("case/m.obj"));
+    EXPECT_EQ(runOrv({info, lower}).err.toStdString(), failure("OBJ", lower, upper));
+
+    const QString material = files.write(QStringLiteral("m.material"), "");
+    const QString model = files.write(QStringLiteral("m.obj"), "mtllib m.mtl\n");
+    EXPECT_EQ(runOrv({dump, model}).err.toStdString(),
+              failure("MTL", files.path(QStringLiteral("m.mtl")), material));
+
+    files.write(QStringLiteral("lib/m.mtl"), "");
+    const QString other = files.write(QStringLiteral("n.obj"), "mtllib lib\\m.mtl\n");
+    EXPECT_EQ(runOrv({dump, other}).err.toStdString(),
+              failure("MTL", files.path(QStringLiteral("lib\\m.mtl")),
+                      files.path(QStringLiteral("lib/m.mtl"))));
+}
+
+TEST(CommandLineTest, ADirectoryIsNoModel)
+{
+    const TemporaryModel files;
+    EXPECT_EQ(runOrv({info, files.directory()}).err.toStdString(),
+              "orv: Failed to load OBJ file '" + files.directory().toStdString() +
+                  "': it is a directory.\n");
 }
 
 TEST(CommandLineTest, FileNamesMayHaveAnyCharacters)
@@ -172,8 +213,9 @@ TEST(CommandLineTest, FileNamesMayHaveAnyCharacters)
     EXPECT_EQ(valueAt(run.json(), "file.name").toString(), model);
 
     const QString missing = files.path(QStringLiteral("\u00e9%1%s.obj"));
-    EXPECT_EQ(runOrv({info, missing}).err.toStdString(),
-              "orv: Failed to load OBJ file '" + missing.toStdString() + "'\n");
+    EXPECT_EQ(runOrv({info, missing}).err.toStdString(), "orv: Failed to load OBJ file '" +
+                                                             missing.toStdString() +
+                                                             "': there is no such file.\n");
 }
 
 TEST(CommandLineTest, WithoutOpenGLSaysWhy)

@@ -209,7 +209,7 @@ TEST_F(PictureTest, WireframeDrawsTheEdgesOnTop)
 
 TEST_F(PictureTest, NormalsAreShownAsStored)
 {
-    options.normals = true;
+    options.shading = Halvard::Orv::Render::Shading::Normals;
     const QByteArray corners = "\nf 1/1/1 2/2/1 3/3/1 4/4/1\n";
     const auto shown = [&](const char *normal) {
         return centre(draw(QByteArray(square) + "vn " + normal + corners));
@@ -217,9 +217,10 @@ TEST_F(PictureTest, NormalsAreShownAsStored)
     const auto near = [](int value, int expected) { return std::abs(value - expected) <= 1; };
     const QColor up = shown("0 3 0");
     EXPECT_TRUE(near(up.red(), 128) && near(up.green(), 255) && near(up.blue(), 128));
-    // Also where it points away from the viewer.
-    const QColor back = shown("0 0 -1e30");
-    EXPECT_TRUE(near(back.red(), 128) && near(back.green(), 128) && near(back.blue(), 0));
+    const QColor front = shown("0 0 1");
+    EXPECT_TRUE(near(front.red(), 128) && near(front.green(), 128) && near(front.blue(), 255));
+    // One that points away from the viewer is turned round, of whatever length.
+    EXPECT_EQ(shown("0 0 -1e30"), front);
     const QColor none = shown("0 0 0");
     EXPECT_TRUE(near(none.red(), 128) && near(none.green(), 128) && near(none.blue(), 128));
 }

@@ -112,6 +112,71 @@ TEST_F(RenderCommandTest, TheSuffixSaysTheFormat)
     }
 }
 
+TEST_F(RenderCommandTest, APictureMayGoToStdout)
+{
+    const OrvRun run = render(QStringLiteral("-o - --format png").split(QLatin1Char(' ')));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    ASSERT_EQ(render(to(_picture)).status, 0);
+    EXPECT_EQ(QImage::fromData(run.out, "PNG"), QImage(_picture));
+}
+
+TEST_F(RenderCommandTest, TheFormatMayBeNamed)
+{
+    const QString file = _files.path(QStringLiteral("out.data"));
+    ASSERT_EQ(render(to(file) + QStringLiteral("--format BMP").split(QLatin1Char(' '))).status, 0);
+    EXPECT_EQ(QImage(file, "BMP").size(), QSize(800, 600));
+    const OrvRun run = render(to(file) + QStringLiteral("--format obj").split(QLatin1Char(' ')));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "orv: There is no image format 'obj' to write.\n");
+}
+
+TEST_F(RenderCommandTest, TheAxisThatPointsUpIsAChoice)
+{
+    // Seen from its front, the squares lie side by side; with +x up, one above the other.
+    const QStringList view =
+        QStringLiteral("--size 90x90 --azimuth 0 --elevation 0 --up x").split(QLatin1Char(' '));
+    ASSERT_EQ(render(to(_picture) + view).status, 0);
+    const QImage image(_picture);
+    EXPECT_GT(image.pixelColor(45, 20).blue(), 150);
+    EXPECT_GT(image.pixelColor(45, 70).red(), 150);
+}
+
+TEST_F(RenderCommandTest, AFewFacesWithoutNormalsAreLitOneByOne)
+{
+    const QString cube = QStringLiteral(ORV_SAMPLES_DIR "/textured_cube.obj");
+    QFile file(cube);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    // Its faces, without what they say of normals, textures and materials.
+    QByteArray plain;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("v "))
+            plain += line + '\n';
+        if (!line.startsWith("f "))
+            continue;
+        plain += 'f';
+        for (const QByteArray &corner : line.simplified().split(' ').mid(1))
+            plain += ' ' + corner.split('/').first();
+        plain += '\n';
+    }
+    const QString model = _files.write(QStringLiteral("cube.obj"), plain);
+    const auto drawn = [&](const char *options) {
+        QStringList call{QStringLiteral("render"), model,
+                         QStringLiteral("-o"),     _picture,
+                         QStringLiteral("--size"), QStringLiteral("90x90")};
+        EXPECT_EQ(
+            runOrv(call + QString::fromLatin1(options).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+                .status,
+            0);
+        return QImage(_picture);
+    };
+    const QImage chosen = drawn("");
+    EXPECT_EQ(chosen, drawn("--shading flat"));
+    EXPECT_NE(chosen, drawn("--shading material"));
+    EXPECT_NE(drawn("--normals"), chosen);
+    EXPECT_EQ(drawn("--normals"), drawn("--shading normals"));
+}
+
 TEST_F(RenderCommandTest, APlaceThatCannotBeWrittenIsSaidAtOnce)
 {
     // Before the load: the model is not even there.
