@@ -1,9 +1,12 @@
 #include "Confinement.h"
 
-#include "ModelFiles.h"
-
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Halvard::Orv::Cli {
 
@@ -79,18 +82,28 @@ QString Confinement::objection(const QString &path)
     return isInside(path) ? QString() : QStringLiteral("lies outside the directory of --within");
 }
 
-QString Confinement::refusal(const QString &model)
+std::unique_ptr<QIODevice> Confinement::openInside(const QString &path, QString &refused)
 {
-    if (!isSet())
-        return {};
-    if (!isInside(model))
-        return QStringLiteral("'%1' %2.").arg(model, objection(model));
-    for (const QString &library : librariesOf(model)) {
-        if (!isInside(library))
-            return QStringLiteral("'%1' is not loaded: its library '%2' %3.")
-                .arg(model, library, objection(library));
+    if (!isInside(path)) {
+        refused = path;
+        return nullptr;
     }
-    return {};
+    // Not waiting for the other end of a pipe.
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    auto file = std::make_unique<QFile>();
+    struct stat status;
+    if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
+        !file->open(descriptor, QIODevice::ReadOnly | QIODevice::Text,
+                    QFileDevice::AutoCloseHandle)) {
+        if (descriptor >= 0)
+            ::close(descriptor);
+        return nullptr;
+    }
+    if (isInside(QStringLiteral("/proc/self/fd/%1").arg(descriptor)))
+        return file;
+    refused = path;
+    return nullptr;
 }
 
 QString Confinement::relative(const QString &path)

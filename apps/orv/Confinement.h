@@ -4,6 +4,10 @@
 
 #include <QtCore/QString>
 
+#include <memory>
+
+class QIODevice;
+
 namespace Halvard::Orv::Cli {
 
 /// What --within asks for, for the whole process. Without it every file may be read, and all
@@ -21,9 +25,11 @@ public:
     /// Why a file must not be read, to end the sentence "The texture 'x' "; empty where it may.
     static QString objection(const QString &path);
 
-    /// Why a model must not be loaded, since it or one of its libraries lies outside. A sentence;
-    /// empty where it may.
-    static QString refusal(const QString &model);
+    /// Opens a regular file that is inside, and looks once more where it lies when it is open: a
+    /// link may have changed in between.
+    /// \param refused receives the path of a file that is not opened since it lies outside.
+    /// \return null when it lies outside, is missing, or is no regular file.
+    static std::unique_ptr<QIODevice> openInside(const QString &path, QString &refused);
 
     /// The path relative to the directory.
     static QString relative(const QString &path);

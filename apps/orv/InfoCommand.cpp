@@ -2,13 +2,12 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
-#include "Messages.h"
 #include "ModelSummary.h"
 #include "OutputFile.h"
-#include "Progress.h"
+#include "PreparedFile.h"
 #include "WriteAll.h"
 
-#include <OrvModel/ModelPreparing.h>
+#include <OrvModel/PreparedModel.h>
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
@@ -39,24 +38,13 @@ ExitStatus infoCommand(const QStringList &arguments)
     if (const auto status = line.parse(arguments))
         return *status;
 
-    QString error = Confinement::refusal(line.model());
-    if (!error.isEmpty()) {
-        printError(error);
-        return FileAtFault;
-    }
-    std::unique_ptr<PreparedModel> model;
     QElapsedTimer timer;
     timer.start();
-    {
-        const Progress progress(Progress::loadingOf(line.model()));
-        model = prepareModelFromOBJFile(line.model(), error);
-    }
+    ExitStatus status = Fine;
+    const std::unique_ptr<PreparedModel> model = prepareFile(line.model(), status);
     const qint64 nanoseconds = timer.nsecsElapsed();
-    if (!model) {
-        Messages::flush();
-        printError(error);
-        return FileAtFault;
-    }
+    if (!model)
+        return status;
     ModelSummary summary = summarize(*model);
     summary.fileName = Confinement::relative(line.model());
     summary.fileBytes = QFileInfo(line.model()).size();

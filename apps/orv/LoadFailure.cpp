@@ -2,8 +2,6 @@
 
 #include <render/SimilarFiles.h>
 
-#include <QtCore/QFileInfo>
-
 namespace Halvard::Orv::Cli {
 
 namespace {
@@ -19,29 +17,25 @@ QString fileOf(const QString &message)
     return {};
 }
 
-/// Empty where the file shows no reason: a warning then tells what the loader found.
-QString reasonOf(const QString &path)
+/// A file that may have been meant by the name of one that does not exist; null where there is none.
+QString similarTo(const QString &path)
 {
-    const QFileInfo info(path);
-    if (!path.contains(QChar::Null) && info.isDir())
-        return QStringLiteral("it is a directory");
-    if (!path.contains(QChar::Null) && info.exists())
-        return info.isReadable() ? QString() : QStringLiteral("permission denied");
-    QString similar = Render::fileMeantBy(path);
-    if (similar.isNull())
-        similar = Render::fileOfOtherSuffix(path);
-    if (similar.isNull())
-        return QStringLiteral("there is no such file");
-    return QStringLiteral("there is no such file, but there is '%1'").arg(similar);
+    const QString meant = Render::fileMeantBy(path);
+    return meant.isNull() ? Render::fileOfOtherSuffix(path) : meant;
 }
 
 } // namespace
 
-QString explainedFailure(const QString &message)
+QString explainedFailure(const QString &message, const QString &reason)
 {
+    if (reason.isEmpty())
+        return message;
     const QString file = fileOf(message);
-    const QString reason = file.isNull() ? QString() : reasonOf(file);
-    return reason.isEmpty() ? message : QStringLiteral("%1: %2.").arg(message, reason);
+    const QString similar =
+        reason == QLatin1String("no such file") && !file.isNull() ? similarTo(file) : QString();
+    if (similar.isNull())
+        return QStringLiteral("%1: %2.").arg(message, reason);
+    return QStringLiteral("%1: %2, but there is '%3'.").arg(message, reason, similar);
 }
 
 } // namespace Halvard::Orv::Cli

@@ -6,10 +6,12 @@
 
 namespace Halvard::Orv::Cli {
 
-/// The loader's message with the reason behind it, as far as the file that it names shows one, and
-/// with the name of a similar file that lies beside a missing one:
+/// The library's message with the reason behind it, and with the name of a similar file that lies
+/// beside a missing one:
 ///
-///     Failed to load MTL file '/a/m.mtl': there is no such file, but there is '/a/M.mtl'.
-QString explainedFailure(const QString &message);
+///     Failed to load MTL file '/a/m.mtl': no such file, but there is '/a/M.mtl'.
+///
+/// \param reason as prepareModelFromOBJFile() gives it.
+QString explainedFailure(const QString &message, const QString &reason);
 
 } // namespace Halvard::Orv::Cli

@@ -1,15 +1,13 @@
 #include "LoadedModel.h"
 
 #include "CommandLine.h"
-#include "Confinement.h"
-#include "LoadFailure.h"
 #include "Messages.h"
-#include "PrintedText.h"
-#include "Progress.h"
+#include "PreparedFile.h"
 
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
-#include <OrvModel/ModelLoading.h>
+#include <OrvModel/ModelUploading.h>
+#include <OrvModel/PreparedModel.h>
 
 namespace Halvard::Orv::Cli {
 
@@ -18,25 +16,24 @@ LoadedModel::~LoadedModel() = default;
 
 ExitStatus LoadedModel::load(const QString &fileName)
 {
-    QString error = Confinement::refusal(fileName);
-    if (!error.isEmpty()) {
-        printError(error);
-        return FileAtFault;
-    }
+    QString error;
     _context = HeadlessContext::create(&error);
     if (!_context || !_context->makeCurrent()) {
         Messages::flush();
         printError(error.isEmpty() ? QStringLiteral("OpenGL cannot be used.") : error);
         return CannotRun;
     }
-
-    const Progress progress(Progress::loadingOf(fileName));
-    _model.reset(loadModelFromOBJFile(fileName, error));
-    if (_model)
+    ExitStatus status = Fine;
+    const std::unique_ptr<PreparedModel> prepared = prepareFile(fileName, status);
+    if (!prepared)
+        return status;
+    _report = prepared->report();
+    _model = std::make_unique<GPUModel>();
+    if (uploadPreparedModel(*prepared, *_model))
         return Fine;
     Messages::flush();
-    printError(explainedFailure(error));
-    return Messages::saidThatMemoryEnded() ? OutOfMemory : FileAtFault;
+    printError(QStringLiteral("There is no room for '%1' on the GPU.").arg(fileName));
+    return CannotRun;
 }
 
 } // namespace Halvard::Orv::Cli

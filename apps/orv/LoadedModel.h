@@ -4,6 +4,8 @@
 
 #include "ExitStatus.h"
 
+#include <OrvModel/PreparationReport.h>
+
 #include <memory>
 
 class QString;
@@ -29,10 +31,13 @@ public:
 
     /// Only after load() was fine.
     GPUModel &model() { return *_model; }
+    /// What the file holds; likewise.
+    const PreparationReport &report() const { return _report; }
 
 private:
     std::unique_ptr<HeadlessContext> _context;
     std::unique_ptr<GPUModel> _model;
+    PreparationReport _report;
 };
 
 } // namespace Halvard::Orv::Cli

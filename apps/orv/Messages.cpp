@@ -32,7 +32,6 @@ struct State
     QMap<QString, size_t> positions; // in `held`, by text; ordered, for texts hold names
     qint64 leftOut = 0;
     std::atomic<bool> isVerbose = false;
-    std::atomic<bool> saidThatMemoryEnded = false;
     QtMessageHandler previous = nullptr;
 };
 
@@ -86,8 +85,6 @@ void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
     case QtCriticalMsg:
         break;
     }
-    if (text.endsWith(QLatin1String("there is not enough memory for it")))
-        state().saidThatMemoryEnded = true;
     const QMutexLocker lock(&state().mutex);
     hold(QLatin1String(type == QtWarningMsg ? "warning: " : "error: ") + printedMessage(text));
 }
@@ -115,11 +112,6 @@ void Messages::setVerbose(bool isVerbose)
 bool Messages::isVerbose()
 {
     return state().isVerbose;
-}
-
-bool Messages::saidThatMemoryEnded()
-{
-    return state().saidThatMemoryEnded;
 }
 
 void Messages::flush()

@@ -22,9 +22,6 @@ public:
     static void setVerbose(bool isVerbose);
     static bool isVerbose();
 
-    /// Whether the library has said that memory ended.
-    static bool saidThatMemoryEnded();
-
     /// Prints what is held back and forgets it.
     static void flush();
 };

@@ -5,7 +5,6 @@
 #include "LoadedModel.h"
 #include "OutputFile.h"
 #include "Progress.h"
-#include "Reports/LoadReport.h"
 #include "WriteAll.h"
 
 #include <OrvGL/GPUModel.h>
@@ -260,7 +259,7 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
 
 /// Generated normals are smooth, also over the edges of a cube. They suit a mesh that is fine
 /// enough to mean something smooth.
-Render::Shading shadingFor(const LoadReport &report)
+Render::Shading shadingFor(const PreparationReport &report)
 {
     constexpr quint64 FewFaces = 100;
     return report.normals == 0 && report.faces <= FewFaces ? Render::Shading::Flat
@@ -287,11 +286,10 @@ ExitStatus renderCommand(const QStringList &arguments)
         return CannotRun;
     }
 
-    LoadReport report;
     LoadedModel loaded;
-    if (const ExitStatus status = loaded.load(line.model(), &report); status != Fine)
+    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
         return status;
-    request.options.shading = request.shading.value_or(shadingFor(report));
+    request.options.shading = request.shading.value_or(shadingFor(loaded.report()));
     if (loaded.model().bundleCount() == 0)
         qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
     QImage picture;

@@ -156,7 +156,7 @@ TEST(CommandLineTest, AMissingModelIsTheFilesFault)
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err.toStdString(), "orv: Failed to load OBJ file '" + missing.toStdString() +
-                                             "': there is no such file.\n");
+                                             "': no such file.\n");
     }
     EXPECT_TRUE(QDir(files.directory()).isEmpty());
 }
@@ -170,7 +170,7 @@ TEST(CommandLineTest, AMissingMaterialLibraryIsTheFilesFault)
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err.toStdString(), "orv: Failed to load MTL file '" +
                                          files.path(QStringLiteral("none.mtl")).toStdString() +
-                                         "': there is no such file.\n");
+                                         "': no such file.\n");
 }
 
 TEST(CommandLineTest, AFileThatWasMeantIsNamed)
@@ -178,7 +178,7 @@ TEST(CommandLineTest, AFileThatWasMeantIsNamed)
     const TemporaryModel files;
     const auto failure = [&files](const char *kind, const QString &missing, const QString &meant) {
         return std::string("orv: Failed to load ") + kind + " file '" + missing.toStdString() +
-               "': there is no such file, but there is '" + meant.toStdString() + "'.\n";
+               "': no such file, but there is '" + meant.toStdString() + "'.\n";
     };
     const QString upper = files.write(QStringLiteral("Case/M.OBJ"), "");
     const QString lower = files.path(QStringLiteral("case/m.obj"));
@@ -201,7 +201,7 @@ TEST(CommandLineTest, ADirectoryIsNoModel)
     const TemporaryModel files;
     EXPECT_EQ(runOrv({info, files.directory()}).err.toStdString(),
               "orv: Failed to load OBJ file '" + files.directory().toStdString() +
-                  "': it is a directory.\n");
+                  "': is a directory.\n");
 }
 
 TEST(CommandLineTest, FileNamesMayHaveAnyCharacters)
@@ -215,7 +215,7 @@ TEST(CommandLineTest, FileNamesMayHaveAnyCharacters)
     const QString missing = files.path(QStringLiteral("\u00e9%1%s.obj"));
     EXPECT_EQ(runOrv({info, missing}).err.toStdString(), "orv: Failed to load OBJ file '" +
                                                              missing.toStdString() +
-                                                             "': there is no such file.\n");
+                                                             "': no such file.\n");
 }
 
 TEST(CommandLineTest, WithoutOpenGLSaysWhy)
