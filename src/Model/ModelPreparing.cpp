@@ -32,16 +32,21 @@ std::unique_ptr<PreparedModel> prepare(QIODevice &device, const QString &fileNam
     return std::make_unique<PreparedModel>(preparation.prepare());
 }
 
-/// Calls `work`, and says so when memory ends in it.
-template <typename Work>
-std::unique_ptr<PreparedModel> withinMemory(const QString &fileName, QString &errorMessage,
-                                            const PrepareOptions &options, const Work &work)
+/// Calls `preparation`, and says so when memory ends in it, or the caller stops it.
+template <typename Preparation>
+std::unique_ptr<PreparedModel> withMessages(const QString &fileName, QString &errorMessage,
+                                            const PrepareOptions &options,
+                                            const Preparation &preparation)
 {
     try {
-        return work();
+        return preparation();
     } catch (const std::bad_alloc &) {
         // By now everything of the model is gone again, and there is room for words.
         qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
+    } catch (const WorkStopped &) {
+        tell(options, QStringLiteral("cancelled"));
+        errorMessage = QStringLiteral("Loading of '%1' was cancelled").arg(fileName);
+        return nullptr;
     }
     tell(options, QStringLiteral("not enough memory"));
     errorMessage = loadFailure(fileName);
@@ -55,7 +60,7 @@ std::unique_ptr<PreparedModel> prepareModelFromOBJFile(const QString &fileName,
                                                        const PrepareOptions &options)
 {
     const FloatingPointState state;
-    return withinMemory(fileName, errorMessage, options, [&]() -> std::unique_ptr<PreparedModel> {
+    return withMessages(fileName, errorMessage, options, [&]() -> std::unique_ptr<PreparedModel> {
         QFile file(fileName);
         if (openInputFile(file, options.reason))
             return prepare(file, fileName, errorMessage, options);
@@ -70,7 +75,7 @@ std::unique_ptr<PreparedModel> prepareModelFromOBJ(QIODevice &device, QString &e
     const FloatingPointState state;
     const auto *file = qobject_cast<const QFileDevice *>(&device);
     const QString fileName = file ? file->fileName() : QString();
-    return withinMemory(fileName, errorMessage, options, [&]() -> std::unique_ptr<PreparedModel> {
+    return withMessages(fileName, errorMessage, options, [&]() -> std::unique_ptr<PreparedModel> {
         if (device.isReadable())
             return prepare(device, fileName, errorMessage, options);
         tell(options, QStringLiteral("not open for reading"));

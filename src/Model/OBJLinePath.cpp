@@ -3,12 +3,14 @@
 #include "Libraries/MaterialLibraries.h"
 #include "Reports/CurrentReport.h"
 #include "Reports/UndrawnFaces.h"
+#include "Threads/Work.h"
 
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/OBJReader.h>
 
 #include <OrvGL/OpenGLFunctions.h>
 
+#include <QtCore/QIODevice>
 #include <QtCore/QMap>
 #include <QtCore/QTextStream>
 #include <QtCore/QVarLengthArray>
@@ -25,7 +27,7 @@ public:
     {}
 
     OBJScanOutcome pour(QTextStream &stream, const QString &baseDir, QString &detail,
-                        const OBJScanLimits &limits)
+                        const OBJScanLimits &limits, Work *work)
     {
         const StageTimer timer(&PreparationReport::Stages::read);
         OBJReader reader(stream);
@@ -39,6 +41,8 @@ public:
             if (!detail.isNull())
                 return OBJScanOutcome::LimitExceeded;
             reader.next();
+            if (work && ++_lines % LinesBetweenReports == 0)
+                work->report(WorkStage::Reading, fractionRead(*stream.device()));
         }
         fillInMissingAttributes();
         reportUndrawnFaces();
@@ -46,6 +50,16 @@ public:
     }
 
 private:
+    static constexpr quint64 LinesBetweenReports = 1024;
+
+    /// Nobody knows how much a pipe holds.
+    static double fractionRead(const QIODevice &device)
+    {
+        return device.isSequential() || device.size() == 0
+                   ? 0.0
+                   : static_cast<double>(device.pos()) / static_cast<double>(device.size());
+    }
+
     bool takeLine(const OBJReader &reader)
     {
         switch (reader.getLineType()) {
@@ -163,6 +177,7 @@ private:
     const QString _normals = QStringLiteral("va_Normal");
     const QString _texCoords = QStringLiteral("va_TexCoord");
     QString _currentMaterial = QStringLiteral("<default>");
+    quint64 _lines = 0;
     OBJCounts _counts;
     /// By name; filled only for a report. Ordered: names can be made up that collide in a hash table.
     QMap<QString, UndrawnFaces> _withoutMaterial;
@@ -173,9 +188,9 @@ private:
 
 OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
                             MaterialLibraries &libraries, QString &detail,
-                            const OBJScanLimits &limits)
+                            const OBJScanLimits &limits, Work *work)
 {
-    return OBJPourer(builder, libraries).pour(stream, baseDir, detail, limits);
+    return OBJPourer(builder, libraries).pour(stream, baseDir, detail, limits, work);
 }
 
 } // namespace Halvard::Orv

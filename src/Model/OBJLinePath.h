@@ -11,6 +11,7 @@ namespace Halvard::Orv {
 
 class MaterialLibraries;
 class ModelBuilder;
+class Work;
 
 /// Pours the lines of an OBJ file into a builder, one by one. This is what a file
 /// means; the loader's other road must not be told from it.
@@ -22,9 +23,10 @@ class ModelBuilder;
 /// \param detail as of scanOBJFile().
 /// \param limits only those on elements: an overlong line is more than a QString
 ///        holds, and ends in std::bad_alloc.
+/// \param work is told how far reading is, where not null.
 /// \return anything but NeedsLineReader.
 OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
                             MaterialLibraries &libraries, QString &detail,
-                            const OBJScanLimits &limits = {});
+                            const OBJScanLimits &limits = {}, Work *work = nullptr);
 
 } // namespace Halvard::Orv

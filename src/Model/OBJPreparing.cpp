@@ -81,6 +81,30 @@ private:
     const bool _was;
 };
 
+PrepareStage stageOf(WorkStage stage)
+{
+    switch (stage) {
+    case WorkStage::Reading:
+        return PrepareStage::Reading;
+    case WorkStage::Welding:
+        return PrepareStage::Welding;
+    case WorkStage::Triangulating:
+        return PrepareStage::Triangulating;
+    case WorkStage::Normals:
+        break;
+    }
+    return PrepareStage::Normals;
+}
+
+Work::Callback callbackOf(const std::function<bool(const PrepareProgress &)> &progress)
+{
+    if (!progress)
+        return {};
+    return [&progress](WorkStage stage, double fraction) {
+        return progress({stageOf(stage), fraction});
+    };
+}
+
 } // namespace
 
 QString loadFailure(const QString &fileName)
@@ -91,7 +115,8 @@ QString loadFailure(const QString &fileName)
 OBJPreparation::OBJPreparation(QIODevice &device, const QString &fileName, LoaderPath path,
                                const OBJScanLimits &limits, const PrepareOptions &options)
     : _device(device), _fileName(fileName), _baseDir(QFileInfo(fileName).dir().absolutePath()),
-      _path(path), _limits(limits), _options(options)
+      _path(path), _limits(limits), _options(options),
+      _work(options.threadPool, callbackOf(options.progress))
 {}
 
 OBJPreparation::~OBJPreparation() = default;
@@ -111,7 +136,7 @@ bool OBJPreparation::readLines(QString &errorMessage)
     QString detail;
     MaterialLibraries libraries(*_builder, _options.openLibrary);
     const OBJScanOutcome outcome =
-        pourOBJLines(stream, _baseDir, *_builder, libraries, detail, _limits);
+        pourOBJLines(stream, _baseDir, *_builder, libraries, detail, _limits, &_work);
     if (outcome == OBJScanOutcome::LibraryMissing)
         tell(libraries.reason());
     return takeOutcome(outcome, detail, errorMessage);
@@ -126,7 +151,7 @@ bool OBJPreparation::readBytes(QString &errorMessage)
     {
         const StageTimer timer(&PreparationReport::Stages::read);
         MaterialLibraries libraries(*_builder, _options.openLibrary);
-        outcome = scanOBJFile(_device, _baseDir, libraries, _geometry, detail, _limits);
+        outcome = scanOBJFile(_device, _baseDir, libraries, _geometry, detail, _limits, &_work);
         if (outcome == OBJScanOutcome::LibraryMissing)
             tell(libraries.reason());
     }
@@ -174,13 +199,14 @@ std::unique_ptr<PreparedModelData> OBJPreparation::prepare()
     conclude(*model, _report);
     model->normalsAreGenerated = _report.normals == 0;
     model->report = std::move(_report);
+    _work.finish();
     return model;
 }
 
 std::unique_ptr<PreparedModelData> OBJPreparation::prepareGeometryOfBytes()
 {
     PreparedGeometry prepared = prepareGeometry(
-        std::move(_geometry), _builder->state().materialGroups.keys(), _builder.get());
+        std::move(_geometry), _builder->state().materialGroups.keys(), _builder.get(), &_work);
     addUndrawnFaces(_report, Reason::TooFewCorners, QString(), prepared.withTooFewCorners);
     addUndrawnFaces(_report, Reason::NotTriangulated, QString(), prepared.notTriangulated);
     return takeGeometry(std::move(prepared), *_builder);

@@ -5,6 +5,7 @@
 #include "LoaderPaths.h"
 #include "PreparedModelData.h"
 #include "Scanning/OBJGeometry.h"
+#include "Threads/Work.h"
 
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelPreparing.h>
@@ -17,7 +18,8 @@ class QIODevice;
 
 namespace Halvard::Orv {
 
-/// Everything between opening a file and OpenGL.
+/// Everything between opening a file and OpenGL. Made and used on one thread; throws WorkStopped when
+/// the caller's callback stops it, and what that throws.
 class OBJPreparation
 {
 public:
@@ -33,6 +35,9 @@ public:
 
     /// Welds, triangulates and computes normals of what was read. Once, after read().
     std::unique_ptr<PreparedModelData> prepare();
+
+    /// For tests: what the callback is asked by, and the threads are borrowed for.
+    Work &work() { return _work; }
 
 private:
     bool readLines(QString &errorMessage);
@@ -51,6 +56,7 @@ private:
     std::unique_ptr<ModelBuilder> _builder;
     OBJGeometry _geometry;
     PreparationReport _report;
+    Work _work;
 };
 
 /// "Failed to load OBJ file '%1'".
