@@ -49,7 +49,10 @@ ExitStatus infoCommand(const QStringList &arguments)
     summary.fileName = Confinement::relative(line.model());
     summary.fileBytes = QFileInfo(line.model()).size();
     summary.nanoseconds = nanoseconds;
-    return print(summary, line.isSet(QStringLiteral("json")));
+    summary.undrawnFaces = undrawnFaces(model->report(), line.model());
+    tell(summary.undrawnFaces, line.model());
+    const ExitStatus printed = print(summary, line.isSet(QStringLiteral("json")));
+    return printed == Fine ? verdictOn(model->report(), line.model()) : printed;
 }
 
 } // namespace Halvard::Orv::Cli

@@ -115,6 +115,56 @@ void addTextures(const QString &library, QStringList &paths, std::set<QString> &
     }
 }
 
+/// How many faces there are in some lines, as the loader counts them: those that can be read.
+quint64 facesIn(QByteArray lines)
+{
+    QBuffer buffer(&lines);
+    buffer.open(TextMode);
+    QTextStream stream(&buffer);
+    OBJReader reader(stream);
+    quint64 faces = 0;
+    while (reader.valid()) {
+        if (reader.parseLine() && reader.getLineType() == OBJReader::LINE_F)
+            ++faces;
+        reader.next();
+    }
+    return faces;
+}
+
+/// The line of a face in some lines; `number` is its number among the faces there.
+qint64 lineOfFace(const QByteArray &lines, quint64 number)
+{
+    qint64 line = 0;
+    int at = 0;
+    for (quint64 faces = 0; at < lines.size() && faces <= number; ++line) {
+        const int end = lines.indexOf('\n', at);
+        const int next = end < 0 ? lines.size() : end + 1;
+        faces += facesIn(lines.mid(at, next - at));
+        at = next;
+    }
+    return line;
+}
+
+/// Some thousand lines, so that few bytes are looked at twice; empty at the end.
+QByteArray nextLines(QFile &file)
+{
+    constexpr int PieceSize = 64 * 1024;
+    QByteArray lines = file.read(PieceSize);
+    return lines.isEmpty() ? lines : lines + file.readLine();
+}
+
+/// Every keyword of the format, whether the loader knows it or not.
+bool isKeyword(const QByteArray &word)
+{
+    static const std::set<QByteArray> Keywords = {
+        "v",      "vt",         "vn",        "vp",       "cstype", "deg",    "bmat",   "step",
+        "p",      "l",          "f",         "curv",     "curv2",  "surf",   "parm",   "trim",
+        "hole",   "scrv",       "sp",        "end",      "con",    "g",      "s",      "mg",
+        "o",      "bevel",      "c_interp",  "d_interp", "lod",    "usemtl", "mtllib", "usemap",
+        "maplib", "shadow_obj", "trace_obj", "ctech",    "stech",  "call",   "csh"};
+    return Keywords.count(word) != 0;
+}
+
 } // namespace
 
 QStringList librariesOf(const QString &model)
@@ -141,6 +191,48 @@ ModelFiles filesOf(const QString &model)
     for (const QString &library : qAsConst(files.libraries))
         addTextures(library, files.textures, known);
     return files;
+}
+
+std::vector<qint64> linesOfFaces(const QString &model, const std::vector<quint64> &faces)
+{
+    std::vector<qint64> result;
+    QFile file(model);
+    if (!open(file, QIODevice::ReadOnly) || hasWideCharacters(file.peek(4)))
+        return result;
+    quint64 facesBefore = 0;
+    qint64 linesBefore = 0;
+    while (result.size() < faces.size()) {
+        const QByteArray lines = nextLines(file);
+        if (lines.isEmpty())
+            break;
+        const quint64 count = facesIn(lines);
+        while (result.size() < faces.size() && faces[result.size()] < facesBefore + count)
+            result.push_back(linesBefore + lineOfFace(lines, faces[result.size()] - facesBefore));
+        facesBefore += count;
+        linesBefore += lines.count('\n');
+    }
+    return result;
+}
+
+bool hasNoOBJLine(const QString &model)
+{
+    constexpr qint64 LookedAt = 1 << 20;
+    QFile file(model);
+    if (!open(file, QIODevice::ReadOnly) || hasWideCharacters(file.peek(4)))
+        return false;
+    bool hasLines = false;
+    for (QByteArray line = file.readLine(LookedAt); !line.isEmpty() && file.pos() <= LookedAt;
+         line = file.readLine(LookedAt)) {
+        if (line.startsWith("\xef\xbb\xbf"))
+            line.remove(0, 3);
+        const QByteArray text = line.simplified();
+        if (text.isEmpty() || text.startsWith('#'))
+            continue;
+        if (isKeyword(text.left(text.indexOf(' '))))
+            return false;
+        hasLines = true;
+    }
+    return hasLines;
 }
 
 } // namespace Halvard::Orv::Cli

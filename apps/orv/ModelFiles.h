@@ -1,9 +1,11 @@
 /// \file
-/// Which files a model consists of.
+/// What the lines of a model file say: which files it consists of, and where its faces are.
 #pragma once
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <vector>
 
 namespace Halvard::Orv::Cli {
 
@@ -21,5 +23,13 @@ QStringList librariesOf(const QString &model);
 
 /// The same with all textures of the libraries that are regular files.
 ModelFiles filesOf(const QString &model);
+
+/// The lines, counted from 1, of some of a file's faces, which are counted from 0 and ascend.
+/// \return fewer where the file has changed or cannot be read.
+std::vector<qint64> linesOfFaces(const QString &model, const std::vector<quint64> &faces);
+
+/// Whether a file has lines, but none that an OBJ file could have. A long file is looked at up to
+/// its first megabyte.
+bool hasNoOBJLine(const QString &model);
 
 } // namespace Halvard::Orv::Cli

@@ -2,6 +2,8 @@
 /// What `orv info` tells about a model.
 #pragma once
 
+#include "UndrawnFaces.h"
+
 #include <OrvModel/PreparationReport.h>
 
 #include <QtGui/QVector3D>
@@ -49,6 +51,7 @@ struct ModelSummary
     QString fileName;
     qint64 fileBytes = 0;
     PreparationReport report;
+    std::vector<UndrawnFaces> undrawnFaces;
     qint64 nanoseconds = 0; // of the whole preparation
 
     quint64 bundles = 0;

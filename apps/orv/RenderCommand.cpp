@@ -5,6 +5,7 @@
 #include "LoadedModel.h"
 #include "OutputFile.h"
 #include "Progress.h"
+#include "UndrawnFaces.h"
 #include "WriteAll.h"
 
 #include <OrvGL/GPUModel.h>
@@ -290,6 +291,9 @@ ExitStatus renderCommand(const QStringList &arguments)
     if (const ExitStatus status = loaded.load(line.model()); status != Fine)
         return status;
     request.options.shading = request.shading.value_or(shadingFor(loaded.report()));
+    tell(undrawnFaces(loaded.report(), line.model()), line.model());
+    if (const ExitStatus status = verdictOn(loaded.report(), line.model()); status != Fine)
+        return status;
     if (loaded.model().bundleCount() == 0)
         qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
     QImage picture;

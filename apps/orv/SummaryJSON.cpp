@@ -25,6 +25,18 @@ void writeFile(JSONWriter &json, const ModelSummary &summary)
     }
     json.endObject();
     json.member("corners", report.corners);
+    json.member("facesNotDrawn", report.faces - report.facesDrawn);
+    json.key("notDrawn");
+    json.beginArray();
+    for (const UndrawnFaces &faces : summary.undrawnFaces) {
+        json.beginObject();
+        json.member("reason", faces.reason);
+        json.member("subject", faces.subject);
+        json.member("line", faces.line);
+        json.member("count", faces.count);
+        json.endObject();
+    }
+    json.endArray();
     json.endObject();
 }
 

@@ -51,7 +51,10 @@ void addFaces(Table &table, const PreparationReport &report)
 {
     // A mesh has a few; what is beyond is told in one line.
     constexpr int ShownAtMost = 8;
-    table.row(1, QStringLiteral("faces"), qint64(report.faces));
+    const quint64 notDrawn = report.faces - report.facesDrawn;
+    table.row(1, QStringLiteral("faces"), qint64(report.faces),
+              notDrawn == 0 ? QString()
+                            : QStringLiteral("%1 not drawn").arg(Table::grouped(qint64(notDrawn))));
     int shown = 0;
     quint64 rest = 0;
     for (auto it = report.facesByCornerCount.begin(); it != report.facesByCornerCount.end(); ++it) {

@@ -155,8 +155,8 @@ TEST(CommandLineTest, AMissingModelIsTheFilesFault)
         const OrvRun run = runOrv(call);
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.out, "");
-        EXPECT_EQ(run.err.toStdString(), "orv: Failed to load OBJ file '" + missing.toStdString() +
-                                             "': no such file.\n");
+        EXPECT_EQ(run.err.toStdString(),
+                  "orv: Failed to load OBJ file '" + missing.toStdString() + "': no such file.\n");
     }
     EXPECT_TRUE(QDir(files.directory()).isEmpty());
 }
@@ -213,9 +213,8 @@ TEST(CommandLineTest, FileNamesMayHaveAnyCharacters)
     EXPECT_EQ(valueAt(run.json(), "file.name").toString(), model);
 
     const QString missing = files.path(QStringLiteral("\u00e9%1%s.obj"));
-    EXPECT_EQ(runOrv({info, missing}).err.toStdString(), "orv: Failed to load OBJ file '" +
-                                                             missing.toStdString() +
-                                                             "': no such file.\n");
+    EXPECT_EQ(runOrv({info, missing}).err.toStdString(),
+              "orv: Failed to load OBJ file '" + missing.toStdString() + "': no such file.\n");
 }
 
 TEST(CommandLineTest, WithoutOpenGLSaysWhy)

@@ -50,7 +50,9 @@ TEST_F(InfoCommandTest, JSONSaysWhatIsInTheModel)
                            {QStringLiteral("faces"), 2},
                            {QStringLiteral("facesByCornerCount"),
                             QJsonObject{{QStringLiteral("3"), 1}, {QStringLiteral("4"), 1}}},
-                           {QStringLiteral("corners"), 7}};
+                           {QStringLiteral("corners"), 7},
+                           {QStringLiteral("facesNotDrawn"), 0},
+                           {QStringLiteral("notDrawn"), QJsonArray()}};
     EXPECT_EQ(valueAt(info, "file").toObject(), file);
 
     // 3 triangles of 16-bit indices; 5 vertices of 3 and 2 floats; 2 commands of 20 bytes.

@@ -8,10 +8,13 @@
 namespace {
 
 using namespace OrvTest;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 /// Five corners on a line: no corner is an ear.
-const char flatPentagons[] = "v 0 0 0\nv 1 0 0\nv 2 0 0\nv 3 0 0\nv 4 0 0\n";
+const char flatPentagons[] = "v 0 0 0\nv 1 0 0\nv 2 0 0\nv 3 0 0\nv 4 0 0\nv 0 1 0\n"
+                             "f 1 2 6\n";
 
 QByteArray modelOfPentagons(int count)
 {
@@ -32,14 +35,22 @@ TEST(MessagesTest, AWarningIsPrintedOnStderr)
 {
     const OrvRun run = infoOn(modelOfPentagons(1));
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err, "orv: warning: Unable to triangulate polygon.\n");
+    EXPECT_THAT(run.err.toStdString(),
+                StartsWith("orv: warning: Unable to triangulate polygon.\norv: warning: '"));
+    EXPECT_THAT(run.err.toStdString(), EndsWith("': The face in line 8 is not drawn: an outline "
+                                                "that crosses itself, or has no area.\n"));
 }
 
 TEST(MessagesTest, TheSameWarningIsCounted)
 {
     const OrvRun run = infoOn(modelOfPentagons(1234));
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err, "orv: warning: Unable to triangulate polygon. (1,234 times)\n");
+    EXPECT_THAT(run.err.toStdString(),
+                StartsWith("orv: warning: Unable to triangulate polygon. (1,234 times)\n"));
+    EXPECT_THAT(
+        run.err.toStdString(),
+        EndsWith("': 1,234 faces, the first in line 8, are not drawn: an outline that crosses "
+                 "itself, or has no area.\n"));
 }
 
 TEST(MessagesTest, DebugMessagesAreForTheVerbose)
