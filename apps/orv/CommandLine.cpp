@@ -6,6 +6,8 @@
 #include "PrintedText.h"
 #include "WriteAll.h"
 
+#include <QtCore/QThread>
+
 #include <cstdio>
 
 namespace Halvard::Orv::Cli {
@@ -37,7 +39,7 @@ CommandLine::CommandLine(const QString &subcommand, const QString &synopsis,
 {
     _parser.setApplicationDescription(description);
     _parser.addPositionalArgument(QStringLiteral("MODEL"),
-                                  QStringLiteral("The Wavefront OBJ file."));
+                                  QStringLiteral("The Wavefront OBJ file; '-' is standard input."));
     _parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
                        QStringLiteral("Print this help and stop.")});
     _parser.addOption({QStringLiteral("verbose"),
@@ -46,6 +48,9 @@ CommandLine::CommandLine(const QString &subcommand, const QString &synopsis,
                        QStringLiteral("Read no file outside DIR, wherever links lead, and print "
                                       "paths relative to it."),
                        QStringLiteral("DIR")});
+    _parser.addOption({QStringLiteral("threads"),
+                       QStringLiteral("Prepare models on N threads; all cores when not given."),
+                       QStringLiteral("N")});
 }
 
 void CommandLine::addOption(const QCommandLineOption &option)
@@ -70,6 +75,17 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
     const QString within = _parser.value(QStringLiteral("within"));
     if (_parser.isSet(QStringLiteral("within")) && !Confinement::setDirectory(within))
         return wrongUsage(QStringLiteral("There is no directory '%1'.").arg(within));
+    _threads = QThread::idealThreadCount();
+    if (_parser.isSet(QStringLiteral("threads"))) {
+        constexpr int MostThreads = 256;
+        const QString given = _parser.value(QStringLiteral("threads"));
+        bool isNumber = false;
+        _threads = given.toInt(&isNumber);
+        if (!isNumber || _threads < 1 || _threads > MostThreads)
+            return wrongUsage(QStringLiteral("'%1' is no number of threads from 1 to %2.")
+                                  .arg(given)
+                                  .arg(MostThreads));
+    }
     return {};
 }
 

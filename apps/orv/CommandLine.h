@@ -38,6 +38,9 @@ public:
     /// The last one given counts.
     QString value(const QString &option) const;
 
+    /// Threads to work on, the calling one included.
+    int threads() const { return _threads; }
+
     /// Says what is wrong with the call, and how it should look.
     ExitStatus wrongUsage(const QString &message) const;
 
@@ -48,6 +51,7 @@ private:
     QString _subcommand;
     QString _synopsis;
     QCommandLineParser _parser;
+    int _threads = 1;
 };
 
 } // namespace Halvard::Orv::Cli

@@ -219,7 +219,7 @@ ExitStatus dumpCommand(const QStringList &arguments)
     }
 
     LoadedModel loaded;
-    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
+    if (const ExitStatus status = loaded.load(line.model(), line.threads()); status != Fine)
         return status;
     return OutputFile::write(output, [&loaded](QIODevice &device) {
         const Progress progress(QStringLiteral("writing"));

@@ -10,7 +10,6 @@
 #include <OrvModel/PreparedModel.h>
 
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QFileInfo>
 #include <QtCore/QIODevice>
 
 namespace Halvard::Orv::Cli {
@@ -41,13 +40,13 @@ ExitStatus infoCommand(const QStringList &arguments)
     QElapsedTimer timer;
     timer.start();
     ExitStatus status = Fine;
-    const std::unique_ptr<PreparedModel> model = prepareFile(line.model(), status);
+    const std::unique_ptr<PreparedModel> model = prepareFile(line.model(), line.threads(), status);
     const qint64 nanoseconds = timer.nsecsElapsed();
     if (!model)
         return status;
     ModelSummary summary = summarize(*model);
     summary.fileName = Confinement::relative(line.model());
-    summary.fileBytes = QFileInfo(line.model()).size();
+    summary.fileBytes = qint64(summary.report.bytes);
     summary.nanoseconds = nanoseconds;
     summary.undrawnFaces = undrawnFaces(model->report(), line.model());
     tell(summary.undrawnFaces, line.model());

@@ -14,7 +14,7 @@ namespace Halvard::Orv::Cli {
 LoadedModel::LoadedModel() = default;
 LoadedModel::~LoadedModel() = default;
 
-ExitStatus LoadedModel::load(const QString &fileName)
+ExitStatus LoadedModel::load(const QString &fileName, int threads)
 {
     QString error;
     _context = HeadlessContext::create(&error);
@@ -24,7 +24,7 @@ ExitStatus LoadedModel::load(const QString &fileName)
         return CannotRun;
     }
     ExitStatus status = Fine;
-    const std::unique_ptr<PreparedModel> prepared = prepareFile(fileName, status);
+    const std::unique_ptr<PreparedModel> prepared = prepareFile(fileName, threads, status);
     if (!prepared)
         return status;
     _report = prepared->report();

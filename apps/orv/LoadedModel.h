@@ -27,7 +27,8 @@ public:
 
     /// Makes a context, leaves it current, and loads the file. Prints on stderr what
     /// goes wrong, and what the library says on the way.
-    ExitStatus load(const QString &fileName);
+    /// \param fileName, threads as of prepareFile().
+    ExitStatus load(const QString &fileName, int threads);
 
     /// Only after load() was fine.
     GPUModel &model() { return *_model; }

@@ -1,6 +1,7 @@
 #include "OutputFile.h"
 
 #include "CommandLine.h"
+#include "Interruption.h"
 #include "ModelFiles.h"
 
 #include <QtCore/QDir>
@@ -111,6 +112,9 @@ ExitStatus OutputFile::write(const QString &path, const std::function<void(QIODe
 {
     QString error;
     if (const auto file = open(path, error)) {
+        std::optional<UnfinishedFile> unfinished;
+        if (qobject_cast<QSaveFile *>(file->_device.get()))
+            unfinished.emplace(*file->_device);
         write(file->device());
         if (file->commit(error))
             return Fine;

@@ -9,13 +9,30 @@
 #include <OrvModel/ModelPreparing.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QThreadPool>
+
+#include <unistd.h>
 
 namespace Halvard::Orv::Cli {
 
-std::unique_ptr<PreparedModel> prepareFile(const QString &fileName, ExitStatus &status)
+namespace {
+
+std::unique_ptr<PreparedModel> prepareStandardInput(QString &error, const PrepareOptions &options)
+{
+    QFile input;
+    if (input.open(STDIN_FILENO, QIODevice::ReadOnly))
+        return prepareModelFromOBJ(input, error, options);
+    error = QStringLiteral("Standard input cannot be read: %1.").arg(input.errorString());
+    return nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<PreparedModel> prepareFile(const QString &fileName, int threads, ExitStatus &status)
 {
     status = FileAtFault;
-    const QString objection = Confinement::objection(fileName);
+    const bool isStandardInput = fileName == QLatin1String("-");
+    const QString objection = isStandardInput ? QString() : Confinement::objection(fileName);
     if (!objection.isEmpty()) {
         printError(QStringLiteral("'%1' %2.").arg(fileName, objection));
         return nullptr;
@@ -30,9 +47,18 @@ std::unique_ptr<PreparedModel> prepareFile(const QString &fileName, ExitStatus &
         };
     QString error;
     std::unique_ptr<PreparedModel> model;
+    QThreadPool helpers;
+    helpers.setMaxThreadCount(threads - 1);
+    if (threads > 1)
+        options.threadPool = &helpers;
     {
-        const Progress progress(Progress::loadingOf(fileName));
-        model = prepareModelFromOBJFile(fileName, error, options);
+        Progress progress(Progress::loadingOf(fileName));
+        options.progress = [&progress](const PrepareProgress &done) {
+            progress.setFraction(done.fraction);
+            return true;
+        };
+        model = isStandardInput ? prepareStandardInput(error, options)
+                                : prepareModelFromOBJFile(fileName, error, options);
     }
     if (model)
         return model;

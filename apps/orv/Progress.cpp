@@ -22,10 +22,11 @@ using Clock = std::chrono::steady_clock;
 constexpr auto Patience = std::chrono::milliseconds(500);
 constexpr auto FramePeriod = std::chrono::milliseconds(100);
 
+constexpr int Width = 20;
+
 /// A block that runs to and fro.
 std::string barOfFrame(int frame)
 {
-    constexpr int Width = 20;
     constexpr int BlockWidth = 4;
     constexpr int Way = Width - BlockWidth;
     const int step = frame % (2 * Way);
@@ -33,6 +34,12 @@ std::string barOfFrame(int frame)
     std::string bar(Width, ' ');
     bar.replace(size_t(left), BlockWidth, BlockWidth, '=');
     return '[' + bar + ']';
+}
+
+std::string barOfFraction(double fraction)
+{
+    const auto filled = static_cast<size_t>(fraction * Width);
+    return '[' + std::string(filled, '=') + std::string(Width - filled, ' ') + ']';
 }
 
 } // namespace
@@ -57,6 +64,8 @@ Progress::~Progress()
 
 QString Progress::loadingOf(const QString &fileName)
 {
+    if (fileName == QLatin1String("-"))
+        return QStringLiteral("loading standard input");
     const QFileInfo file(fileName);
     return QStringLiteral("loading %1 (%2)")
         .arg(printed(file.fileName()), QLocale(QLocale::English).formattedDataSize(file.size()));
@@ -72,8 +81,9 @@ void Progress::run()
     int frame = 0;
     do {
         const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-        std::fprintf(stderr, "\r%s %s, %.1f s", barOfFrame(frame++).c_str(), _what.constData(),
-                     seconds);
+        const double fraction = _fraction;
+        const std::string bar = fraction < 0.0 ? barOfFrame(frame++) : barOfFraction(fraction);
+        std::fprintf(stderr, "\r%s %s, %.1f s", bar.c_str(), _what.constData(), seconds);
         std::fflush(stderr);
     } while (!_wake.wait_for(lock, FramePeriod, isDone));
     // Back to the start of the line, and the line away.

@@ -4,6 +4,7 @@
 
 #include <QtCore/QByteArray>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -14,11 +15,11 @@ namespace Halvard::Orv::Cli {
 
 /// Shows, while it lives, a moving bar with the seconds passed on stderr:
 ///
-///     [    ====            ] loading beast.obj (226 MB), 3.2 s
+///     [========            ] loading beast.obj (226 MB), 3.2 s
 ///
-/// Only on a terminal, only once half a second has passed, and not beside debug
-/// messages, which would run through it. Nothing of it stays in the end. (How much
-/// is done is not known: the library loads a model in one call.)
+/// The bar grows where it is told how much is done; before, and where nobody knows, a block runs to
+/// and fro. Only on a terminal, only once half a second has passed, and not beside debug
+/// messages, which would run through it. Nothing of it stays in the end.
 class Progress
 {
 public:
@@ -30,10 +31,14 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
+    /// How much is done, from 0 to 1.
+    void setFraction(double fraction) { _fraction = fraction; }
+
 private:
     void run();
 
     QByteArray _what;
+    std::atomic<double> _fraction{-1.0}; // negative: unknown
     std::mutex _mutex;
     std::condition_variable _wake;
     bool _isDone = false;

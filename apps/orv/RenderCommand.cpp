@@ -288,7 +288,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     }
 
     LoadedModel loaded;
-    if (const ExitStatus status = loaded.load(line.model()); status != Fine)
+    if (const ExitStatus status = loaded.load(line.model(), line.threads()); status != Fine)
         return status;
     request.options.shading = request.shading.value_or(shadingFor(loaded.report()));
     tell(undrawnFaces(loaded.report(), line.model()), line.model());

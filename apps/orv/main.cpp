@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "FileNames.h"
+#include "Interruption.h"
 #include "Messages.h"
 #include "StandardStreams.h"
 
@@ -48,7 +49,7 @@ QString help()
                            "\n"
                            "'orv SUBCOMMAND --help' lists a subcommand's options.\n"
                            "Exit status: 0 fine, 1 the file is at fault, 2 wrong usage or no "
-                           "OpenGL,\n3 not enough memory.\n");
+                           "OpenGL,\n3 not enough memory, 130 interrupted.\n");
     return text;
 }
 
@@ -85,6 +86,7 @@ int main(int argc, char *argv[])
     // same file takes the same seed.
     qSetGlobalQHashSeed(0);
     Cli::holdStandardStreams();
+    Cli::endOnInterruption();
     const QCoreApplication application(argc, argv);
     const Cli::Messages messages;
     try {

@@ -41,6 +41,7 @@ struct PreparationReport
 
     /// \name What the file holds
     /// @{
+    quint64 bytes = 0; ///< of its text
     quint64 positions = 0;
     quint64 normals = 0;
     quint64 texCoords = 0;

@@ -36,6 +36,7 @@ std::unique_ptr<ModelBuilder> makeBuilder()
 /// Fills in what a report tells of the file itself.
 void describe(const OBJGeometry &geometry, PreparationReport &report)
 {
+    report.bytes = geometry.textBytes;
     report.positions = geometry.positions.valueCount();
     report.normals = geometry.normals.valueCount();
     report.texCoords = geometry.texCoords.valueCount();
@@ -131,6 +132,7 @@ bool OBJPreparation::readLines(QString &errorMessage)
 {
     _path = LoaderPath::Lines;
     _builder = makeBuilder();
+    _report.bytes = _device.isSequential() ? 0 : static_cast<quint64>(_device.size());
     const TextMode textMode(_device);
     QTextStream stream(&_device);
     QString detail;
