@@ -61,10 +61,12 @@ void hold(const QString &text)
     }
 }
 
-/// What the PNG reader has to say of colour profiles and the like changes nothing.
+/// What the PNG reader has to say of colour profiles and the like changes nothing. Where it
+/// cannot read an image, somebody else says so with the name of the file.
 bool isOfNoConsequence(const QString &text)
 {
-    return text.startsWith(QLatin1String("libpng warning:"));
+    return text.startsWith(QLatin1String("libpng ")) ||
+           text.startsWith(QLatin1String("QImage: out of memory"));
 }
 
 void handle(QtMsgType type, const QMessageLogContext &, const QString &text)

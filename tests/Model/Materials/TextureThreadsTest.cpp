@@ -33,7 +33,8 @@ TEST(TextureThreads, AllGetTheSameTexture)
 {
     const TemporaryModel files;
     const QString path = image(files, "t");
-    std::array<Texture *, Threads> textures{};
+    // They live as long as the process, and the leak sanitizer is to find them.
+    static std::array<Texture *, Threads> textures;
     std::array<std::unique_ptr<HeadlessContext>, Threads> contexts;
     const MessageCapture messages;
     runAtOnce([&](int thread) {
