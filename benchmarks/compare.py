@@ -102,7 +102,7 @@ def summary(runs):
 
 
 def check(result):
-    """The library's roads and the rules agree entirely; others on the triangles, and on the vertices where they weld
+    """The library's paths and the rules agree entirely; others on the triangles, and on the vertices where they weld
     by bytes too and read numbers as exactly."""
     own = result["contestants"]["bytes"]
     for name, other in result["contestants"].items():

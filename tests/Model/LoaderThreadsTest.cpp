@@ -1,4 +1,4 @@
-// The loader's own road up to the upload, taken by many threads at once. What they get
+// The fast path up to the upload, taken by many threads at once. What they get
 // is compared with what one thread gets afterwards, so that they also meet everything
 // that is made on first use. Meant to be run under the thread sanitizer as well.
 #include "Libraries/MaterialLibraries.h"

@@ -16,12 +16,12 @@ void expectTheFixedTexts()
     EXPECT_FALSE(Versions::getGitHash().isNull());
 }
 
-TEST(ModelVersionsTest, libraryVersion)
+TEST(ModelVersionsTest, LibraryVersion)
 {
     expectTheFixedTexts<Halvard::Orv::ModelVersions>();
 }
 
-TEST(ModelVersionsTest, exportVersionAnswersTheSame)
+TEST(ModelVersionsTest, ExportVersionAnswersTheSame)
 {
     expectTheFixedTexts<Halvard::Orv::ModelExportVersions>();
 }

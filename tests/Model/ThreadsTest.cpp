@@ -106,7 +106,7 @@ struct SquareRow
 };
 
 /// A builder of a row: the even squares in one group and the odd ones in another.
-void pour(const SquareRow &row, ModelBuilder &builder)
+void readInto(ModelBuilder &builder, const SquareRow &row)
 {
     Indices corners(row.cornerCount());
     std::iota(corners.begin(), corners.end(), 0u);
@@ -139,7 +139,7 @@ void buildARow(int number)
 {
     const SquareRow row(number);
     ModelBuilder builder({}, ~quint64(0));
-    pour(row, builder);
+    readInto(builder, row);
     EXPECT_TRUE(builder.isValid());
 
     builder.buildGPUFriendlyStreams(number % 2 == 0);

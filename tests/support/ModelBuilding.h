@@ -1,5 +1,5 @@
 /// \file
-/// Short ways to pour small models into a builder.
+/// Short ways to make small models in a builder.
 #pragma once
 
 #include <OrvModel/ModelBuilder.h>

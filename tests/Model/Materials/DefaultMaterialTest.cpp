@@ -48,12 +48,12 @@ void expectTheFixedValues(const InstanceData &material)
         << "in the order set";
 }
 
-TEST_F(DefaultMaterialTest, isLightGreyAndOpaque)
+TEST_F(DefaultMaterialTest, IsLightGreyAndOpaque)
 {
     expectTheFixedValues(makeDefaultMaterial());
 }
 
-TEST_F(DefaultMaterialTest, hasOneWhiteTextureForBothMaps)
+TEST_F(DefaultMaterialTest, HasOneWhiteTextureForBothMaps)
 {
     const InstanceData material = makeDefaultMaterial();
     Texture *white = material.texture(QStringLiteral("map_Kd"));
@@ -73,7 +73,7 @@ TEST_F(DefaultMaterialTest, hasOneWhiteTextureForBothMaps)
     EXPECT_EQ(texels, QByteArray(texels.size(), '\xff'));
 }
 
-TEST_F(DefaultMaterialTest, twoCallsShareTheTexture)
+TEST_F(DefaultMaterialTest, TwoCallsShareTheTexture)
 {
     const InstanceData first = makeDefaultMaterial();
     const InstanceData second = makeDefaultMaterial();
@@ -84,7 +84,7 @@ TEST_F(DefaultMaterialTest, twoCallsShareTheTexture)
     }
 }
 
-TEST_F(DefaultMaterialTest, hasNullTexturesWithoutAContext)
+TEST_F(DefaultMaterialTest, HasNullTexturesWithoutAContext)
 {
     const MessageCapture messages;
     const NoCurrentContext noContext;

@@ -39,7 +39,7 @@ std::vector<std::pair<std::string, int>> membersOf(const QString &planName)
 }
 
 // 0 is a texture, 13 a float, 15 three floats, 17 a 4x4 matrix of floats.
-TEST(InstanceDataPlansTest, instanceInfoHasTwoMatrices)
+TEST(InstanceDataPlansTest, InstanceInfoHasTwoMatrices)
 {
     Halvard::Orv::registerInstanceInfo();
     EXPECT_THAT(membersOf(instanceInfo),
@@ -47,7 +47,7 @@ TEST(InstanceDataPlansTest, instanceInfoHasTwoMatrices)
     EXPECT_EQ(InstanceDataRegistry::Instance().plan(instanceInfo)->name(), instanceInfo);
 }
 
-TEST(InstanceDataPlansTest, objMaterialHasNineMembersInOrder)
+TEST(InstanceDataPlansTest, ObjMaterialHasNineMembersInOrder)
 {
     Halvard::Orv::registerOBJMaterial();
     EXPECT_THAT(membersOf(objMaterial),
@@ -57,7 +57,7 @@ TEST(InstanceDataPlansTest, objMaterialHasNineMembersInOrder)
     EXPECT_EQ(InstanceDataRegistry::Instance().plan(objMaterial)->name(), objMaterial);
 }
 
-TEST(InstanceDataPlansTest, everyExplicitCallRegistersAnotherPlan)
+TEST(InstanceDataPlansTest, EveryExplicitCallRegistersAnotherPlan)
 {
     const InstanceDataRegistry &registry = InstanceDataRegistry::Instance();
     const struct
@@ -80,7 +80,7 @@ TEST(InstanceDataPlansTest, everyExplicitCallRegistersAnotherPlan)
 //   Ns 0, d 4, Kd 16, Ks 32, Ke 48, then four texture marks from 60 on, up to 76;
 //   the next record begins at 80.
 // "Ka" is set by those who make materials, but not declared: it is left out.
-TEST(InstanceDataPlansTest, materialsArePackedInTheOrderOfThePlan)
+TEST(InstanceDataPlansTest, MaterialsArePackedInTheOrderOfThePlan)
 {
     Halvard::Orv::registerOBJMaterial();
     InstanceData record(objMaterial);

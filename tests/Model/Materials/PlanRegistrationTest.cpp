@@ -33,20 +33,20 @@ int planCount(const char *name)
 class PlanRegistrationTest : public GLTest
 {};
 
-TEST_F(PlanRegistrationTest, _1_nothingIsRegisteredAtTheStart)
+TEST_F(PlanRegistrationTest, Step1NothingIsRegisteredAtTheStart)
 {
     EXPECT_EQ(planCount("InstanceInfo"), 0);
     EXPECT_EQ(planCount("OBJMaterial"), 0);
 }
 
-TEST_F(PlanRegistrationTest, _2_theDefaultMaterialRegistersNothing)
+TEST_F(PlanRegistrationTest, Step2TheDefaultMaterialRegistersNothing)
 {
     EXPECT_EQ(Halvard::Orv::makeDefaultMaterial().name(), QStringLiteral("OBJMaterial"));
     EXPECT_EQ(planCount("InstanceInfo"), 0);
     EXPECT_EQ(planCount("OBJMaterial"), 0);
 }
 
-TEST_F(PlanRegistrationTest, _3_theFirstBuildersRegisterInstanceInfoOnce)
+TEST_F(PlanRegistrationTest, Step3TheFirstBuildersRegisterInstanceInfoOnce)
 {
     runAtOnce([](int) { const ModelBuilder builder({}, 0); });
     ASSERT_EQ(planCount("InstanceInfo"), 1);
@@ -59,7 +59,7 @@ TEST_F(PlanRegistrationTest, _3_theFirstBuildersRegisterInstanceInfoOnce)
     EXPECT_EQ(planCount("OBJMaterial"), 0);
 }
 
-TEST_F(PlanRegistrationTest, _4_aModelWithoutALibraryDoesNotRegisterOBJMaterial)
+TEST_F(PlanRegistrationTest, Step4AModelWithoutALibraryDoesNotRegisterOBJMaterial)
 {
     const MessageCapture silence;
     const TemporaryModel files;
@@ -72,7 +72,7 @@ TEST_F(PlanRegistrationTest, _4_aModelWithoutALibraryDoesNotRegisterOBJMaterial)
     EXPECT_EQ(planCount("OBJMaterial"), 0);
 }
 
-TEST_F(PlanRegistrationTest, _5_aLibraryThatCannotBeOpenedDoesNotRegisterOBJMaterial)
+TEST_F(PlanRegistrationTest, Step5ALibraryThatCannotBeOpenedDoesNotRegisterOBJMaterial)
 {
     const TemporaryModel files;
     ModelBuilder builder({}, 0);
@@ -80,7 +80,7 @@ TEST_F(PlanRegistrationTest, _5_aLibraryThatCannotBeOpenedDoesNotRegisterOBJMate
     EXPECT_EQ(planCount("OBJMaterial"), 0);
 }
 
-TEST_F(PlanRegistrationTest, _6_theFirstLibrariesRegisterOBJMaterialOnce)
+TEST_F(PlanRegistrationTest, Step6TheFirstLibrariesRegisterOBJMaterialOnce)
 {
     const TemporaryModel files;
     const QString path = files.write(QStringLiteral("empty.mtl"), QByteArray());

@@ -35,7 +35,7 @@ bool isIntact(const Block &block)
                        [&](char byte) { return byte == block.content; });
 }
 
-TEST(BlockPoolTest, holdsNothingWithoutBlocks)
+TEST(BlockPoolTest, HoldsNothingWithoutBlocks)
 {
     BlockPool pool;
     EXPECT_EQ(pool.heldBytes(), 0u);
@@ -49,7 +49,7 @@ TEST(BlockPoolTest, holdsNothingWithoutBlocks)
     EXPECT_EQ(pool.heldBytes(), 0u);
 }
 
-TEST(BlockPoolTest, usesTheLowestRoomFirst)
+TEST(BlockPoolTest, UsesTheLowestRoomFirst)
 {
     BlockPool pool;
     char *const first = static_cast<char *>(pool.allocate(100 * KiB));
@@ -64,7 +64,7 @@ TEST(BlockPoolTest, usesTheLowestRoomFirst)
     EXPECT_EQ(pool.allocate(64 * KiB), third + 300 * KiB);
 }
 
-TEST(BlockPoolTest, joinsRoomOnBothSides)
+TEST(BlockPoolTest, JoinsRoomOnBothSides)
 {
     BlockPool pool;
     char *const first = static_cast<char *>(pool.allocate(Smallest));
@@ -78,7 +78,7 @@ TEST(BlockPoolTest, joinsRoomOnBothSides)
     EXPECT_TRUE(last);
 }
 
-TEST(BlockPoolTest, joinsRoomBehindABlockThatFittedExactly)
+TEST(BlockPoolTest, JoinsRoomBehindABlockThatFittedExactly)
 {
     BlockPool pool;
     void *const first = pool.allocate(Smallest);
@@ -91,7 +91,7 @@ TEST(BlockPoolTest, joinsRoomBehindABlockThatFittedExactly)
     EXPECT_TRUE(first);
 }
 
-TEST(BlockPoolTest, growsWhereThereIsRoomOnly)
+TEST(BlockPoolTest, GrowsWhereThereIsRoomOnly)
 {
     BlockPool pool;
     char *const first = static_cast<char *>(pool.allocate(100 * KiB));
@@ -113,7 +113,7 @@ TEST(BlockPoolTest, growsWhereThereIsRoomOnly)
     }
 }
 
-TEST(BlockPoolTest, emptiesLargePagesThatALargeBlockLeaves)
+TEST(BlockPoolTest, EmptiesLargePagesThatALargeBlockLeaves)
 {
     constexpr std::size_t LargePage = 2048 * KiB;
     BlockPool pool;
@@ -134,7 +134,7 @@ TEST(BlockPoolTest, emptiesLargePagesThatALargeBlockLeaves)
     EXPECT_EQ(zeros % LargePage, 0u);
 }
 
-TEST(BlockPoolTest, blocksAreAlignedForEverything)
+TEST(BlockPoolTest, BlocksAreAlignedForEverything)
 {
     BlockPool pool;
     for (std::size_t bytes = Smallest; bytes < Smallest + 130; bytes += 13) {
@@ -186,7 +186,7 @@ void useAtRandom(BlockPool &pool, std::uint32_t seed)
     }
 }
 
-TEST(BlockPoolTest, blocksNeverOverlap)
+TEST(BlockPoolTest, BlocksNeverOverlap)
 {
     BlockPool pool;
     for (const std::uint32_t seed : {1u, 2u, 3u})
@@ -194,7 +194,7 @@ TEST(BlockPoolTest, blocksNeverOverlap)
     EXPECT_EQ(pool.heldBytes(), 0u);
 }
 
-TEST(BlockPoolTest, servesManyThreads)
+TEST(BlockPoolTest, ServesManyThreads)
 {
     BlockPool pool;
     std::vector<std::thread> threads;

@@ -43,7 +43,7 @@ std::size_t countedElements(const std::uint32_t *elements, std::size_t count)
     return right;
 }
 
-TEST(GrowArrayTest, keepsItsElementsFromAnySizeToAnyOther)
+TEST(GrowArrayTest, KeepsItsElementsFromAnySizeToAnyOther)
 {
     for (const std::size_t from : Counts) {
         for (const std::size_t to : Counts) {
@@ -59,7 +59,7 @@ TEST(GrowArrayTest, keepsItsElementsFromAnySizeToAnyOther)
     }
 }
 
-TEST(GrowArrayTest, growsElementByElement)
+TEST(GrowArrayTest, GrowsElementByElement)
 {
     GrowArray<std::uint32_t> array;
     for (std::uint32_t i = 0; i < 2500000; ++i)
@@ -68,7 +68,7 @@ TEST(GrowArrayTest, growsElementByElement)
     EXPECT_LT(array.capacity(), 2 * array.size()); // at most doubled
 }
 
-TEST(GrowArrayTest, growsBesideOthers)
+TEST(GrowArrayTest, GrowsBesideOthers)
 {
     for (const std::size_t count : {30'000, 200'000, 400'000}) {
         GrowArray<std::uint32_t> first = counted(count);
@@ -80,7 +80,7 @@ TEST(GrowArrayTest, growsBesideOthers)
     }
 }
 
-TEST(GrowArrayTest, reservesAndCommits)
+TEST(GrowArrayTest, ReservesAndCommits)
 {
     for (const std::size_t count : Counts) {
         GrowArray<std::uint32_t> array = counted(5);
@@ -94,7 +94,7 @@ TEST(GrowArrayTest, reservesAndCommits)
     }
 }
 
-TEST(GrowArrayTest, canReserveNothingBeyondTheAddressSpace)
+TEST(GrowArrayTest, CanReserveNothingBeyondTheAddressSpace)
 {
     GrowArray<std::uint32_t> array = counted(3);
     const std::uint32_t *const before = array.data();
@@ -104,7 +104,7 @@ TEST(GrowArrayTest, canReserveNothingBeyondTheAddressSpace)
     EXPECT_EQ(countedElements(array.data(), 3), 3u);
 }
 
-TEST(GrowArrayTest, isRecastWithItsMemory)
+TEST(GrowArrayTest, IsRecastWithItsMemory)
 {
     for (const std::size_t count : Counts) {
         GrowArray<std::uint32_t> array = counted(count);
@@ -119,7 +119,7 @@ TEST(GrowArrayTest, isRecastWithItsMemory)
     }
 }
 
-TEST(GrowArrayTest, movesWithoutCopying)
+TEST(GrowArrayTest, MovesWithoutCopying)
 {
     GrowArray<std::uint32_t> array = counted(9);
     const void *const memory = array.data();
@@ -130,7 +130,7 @@ TEST(GrowArrayTest, movesWithoutCopying)
     EXPECT_EQ(countedElements(other.data(), other.size()), 9u);
 }
 
-TEST(ZeroedArrayTest, isZeroInAllSizes)
+TEST(ZeroedArrayTest, IsZeroInAllSizes)
 {
     // While there is another block, what is given back is given out again.
     const GrowArray<std::uint32_t> other = counted(20'000);

@@ -92,7 +92,7 @@ std::size_t expectPlainResult(const PlainModel &model)
     return welded.vertexCount;
 }
 
-TEST(CornerWeldingTest, randomModels)
+TEST(CornerWeldingTest, RandomModels)
 {
     RecordProperty("seed", static_cast<int>(Seed));
     Dice dice(Seed);
@@ -127,7 +127,7 @@ PlainModel points(const Column &positions, const Column &normals, const Column &
     return model;
 }
 
-TEST(CornerWeldingTest, tuplesWithTheSameBytesAreOneVertex)
+TEST(CornerWeldingTest, TuplesWithTheSameBytesAreOneVertex)
 {
     // Positions 0 and 2 are the same, texture coordinates 1 and 2 are.
     const PlainModel model = points({{1, 2, 3, 4, 5, 6, 1, 2, 3}, {0, 0, 1, 2, 2, 0}}, {},
@@ -139,7 +139,7 @@ TEST(CornerWeldingTest, tuplesWithTheSameBytesAreOneVertex)
     EXPECT_THAT(contents(welded.texCoords), testing::ElementsAre(7, 8, 9, 9, 7, 8));
 }
 
-TEST(CornerWeldingTest, nothingSelectedIsZerosAndEqualsThem)
+TEST(CornerWeldingTest, NothingSelectedIsZerosAndEqualsThem)
 {
     // Corner 1 selects zeros, the others nothing: absent, below 0, past the end.
     const PlainModel model =
@@ -149,7 +149,7 @@ TEST(CornerWeldingTest, nothingSelectedIsZerosAndEqualsThem)
                 testing::ElementsAre(0, 1, 1, 1, 1));
 }
 
-TEST(CornerWeldingTest, zerosOfBothSignsStayApart)
+TEST(CornerWeldingTest, ZerosOfBothSignsStayApart)
 {
     expectPlainResult(points({{0.0f, 0, 0, -0.0f, 0, 0}, {0, 1, 0, 1}}, {}, {}));
     const PlainModel model = points({{0.0f, 0, 0, -0.0f, 0, 0}, {0, 1}}, {}, {});
@@ -178,7 +178,7 @@ PlainModel crowdedModel(std::uint32_t seed, int positionCount, int otherCount, i
     return model;
 }
 
-TEST(CornerWeldingTest, fullChainsGoOnInTheHashTable)
+TEST(CornerWeldingTest, FullChainsGoOnInTheHashTable)
 {
     for (const int positions : {1, 2, 50}) {
         for (const int others : {15, 16, 17, 18, 3000}) {
@@ -189,13 +189,13 @@ TEST(CornerWeldingTest, fullChainsGoOnInTheHashTable)
     }
 }
 
-TEST(CornerWeldingTest, manyPositionsWithMostlyDifferentBytes)
+TEST(CornerWeldingTest, ManyPositionsWithMostlyDifferentBytes)
 {
     EXPECT_GT(expectPlainResult(crowdedModel(Seed, 60000, 1, 200000, false, false)), 50000u);
 }
 
 /// Index arrays that end at different corners.
-TEST(CornerWeldingTest, everyCombinationOfShortIndices)
+TEST(CornerWeldingTest, EveryCombinationOfShortIndices)
 {
     const std::vector<float> values = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
     for (std::size_t v = 1; v <= 4; ++v) {

@@ -25,7 +25,7 @@ CornerCounts countsOf(const std::vector<quint32> &faces)
     return counts;
 }
 
-TEST(FaceSumsTest, smallCases)
+TEST(FaceSumsTest, SmallCases)
 {
     const FaceSums none(countsOf({}));
     EXPECT_EQ(none.corners, 0u);
@@ -44,7 +44,7 @@ TEST(FaceSumsTest, smallCases)
     EXPECT_TRUE(large.hasLargerThanTriangles);
 }
 
-TEST(FaceSumsTest, everyPlaceCounts)
+TEST(FaceSumsTest, EveryPlaceCounts)
 {
     for (std::size_t size = 1; size < 70; ++size) {
         for (std::size_t place = 0; place < size; ++place) {
@@ -58,7 +58,7 @@ TEST(FaceSumsTest, everyPlaceCounts)
     }
 }
 
-TEST(FaceSumsTest, longListsAgainstASumOneByOne)
+TEST(FaceSumsTest, LongListsAgainstASumOneByOne)
 {
     Dice dice(Seed);
     for (const int size : {2031, 2032, 2033, 4064, 50000}) {
@@ -112,7 +112,7 @@ void expectFacesAsOneByOne(const std::vector<quint32> &faces, const std::vector<
 
 /// A sheet of faces, so many of one kind behind each other that each way through
 /// the loop is taken, cut at once and face by face.
-TEST(FaceTrianglesTest, facesOfOneRunAreCutAsOneByOne)
+TEST(FaceTrianglesTest, FacesOfOneRunAreCutAsOneByOne)
 {
     Dice dice(Seed);
     // Far from the origin, rounding decides which way a face runs.
@@ -142,7 +142,7 @@ TEST(FaceTrianglesTest, facesOfOneRunAreCutAsOneByOne)
 
 /// Found among 10^8 triangles far from the origin: which way they run is decided by the
 /// order in which the products of their corners are summed up.
-TEST(FaceTrianglesTest, trianglesThatTheLastRoundingTurns)
+TEST(FaceTrianglesTest, TrianglesThatTheLastRoundingTurns)
 {
     const std::vector<std::vector<float>> triangles = {
         {20000.8359f, 22000.123f, -0.507581174f, 20000.8555f, 22000.1328f, -0.573103845f,

@@ -109,7 +109,7 @@ PlainModel meshOf(std::vector<float> positions, std::vector<unsigned> indices,
     return model;
 }
 
-TEST(GeometryPreparingTest, randomModelsGiveTheSameByBothPaths)
+TEST(GeometryPreparingTest, RandomModelsGiveTheSameByBothPaths)
 {
     RecordProperty("seed", static_cast<int>(Seed));
     Dice dice(Seed);
@@ -138,7 +138,7 @@ TEST(GeometryPreparingTest, randomModelsGiveTheSameByBothPaths)
     EXPECT_GT(seen["Cannot triangulate a polygon with fewer than 3 vertices"], 1000);
 }
 
-TEST(GeometryPreparingTest, quadWithSharedPositions)
+TEST(GeometryPreparingTest, QuadWithSharedPositions)
 {
     // 3 --- 2      5 repeats 1
     // |     | \    f 0 1 2 3
@@ -151,7 +151,7 @@ TEST(GeometryPreparingTest, quadWithSharedPositions)
     EXPECT_EQ(outcome.bundle().attributes.size(), 2u) << "no texture coordinates";
 }
 
-TEST(GeometryPreparingTest, trianglesThatTakeThePlaceOfTheirCorners)
+TEST(GeometryPreparingTest, TrianglesThatTakeThePlaceOfTheirCorners)
 {
     // Groups in file order, with faces of no triangle and of no group between.
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0},
@@ -162,7 +162,7 @@ TEST(GeometryPreparingTest, trianglesThatTakeThePlaceOfTheirCorners)
     EXPECT_EQ(outcome.bundle().indices.size(), 6u);
 }
 
-TEST(GeometryPreparingTest, facesFarFromTheOriginAreTurnedOverAlike)
+TEST(GeometryPreparingTest, FacesFarFromTheOriginAreTurnedOverAlike)
 {
     // So far out that the normal of most faces is rounding: about half of them are
     // turned over.
@@ -198,7 +198,7 @@ TEST(GeometryPreparingTest, facesFarFromTheOriginAreTurnedOverAlike)
     EXPECT_GT(turned, 300u);
 }
 
-TEST(GeometryPreparingTest, onePositionWithManyTextureCoordinates)
+TEST(GeometryPreparingTest, OnePositionWithManyTextureCoordinates)
 {
     // All corners lie on one position: a chain per position alone would take the
     // square of their number.
@@ -217,7 +217,7 @@ TEST(GeometryPreparingTest, onePositionWithManyTextureCoordinates)
     EXPECT_EQ(outcome.bundle().indices.size(), 2 * Count);
 }
 
-TEST(GeometryPreparingTest, reportsItsStagesAndVertices)
+TEST(GeometryPreparingTest, ReportsItsStagesAndVertices)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2, 2, 1, 0}, {3, 3});
     PreparationReport report;
@@ -233,7 +233,7 @@ TEST(GeometryPreparingTest, reportsItsStagesAndVertices)
     EXPECT_GT(report.stages.normals, 0);
 }
 
-TEST(GeometryPreparingTest, groupsThatAreNotAskedForGiveNothing)
+TEST(GeometryPreparingTest, GroupsThatAreNotAskedForGiveNothing)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2, 2, 1, 0}, {3, 3});
     model.groups[0].faces = {0};
@@ -246,7 +246,7 @@ TEST(GeometryPreparingTest, groupsThatAreNotAskedForGiveNothing)
     EXPECT_THAT(uints(prepared.indices), testing::ElementsAre(2, 1, 0));
 }
 
-TEST(GeometryPreparingTest, moreCornersThanCountedGiveNothing)
+TEST(GeometryPreparingTest, MoreCornersThanCountedGiveNothing)
 {
     PlainModel model = meshOf({0, 0, 0, 1, 0, 0, 0, 1, 0}, {0, 1, 2}, {3});
     OBJGeometry geometry = toGeometry(model);

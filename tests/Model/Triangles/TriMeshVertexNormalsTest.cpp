@@ -184,7 +184,7 @@ TEST(TriMeshVertexNormals, GivesAllCornersTheSame)
 }
 
 /// A vertex that is not a number spoils the triangles that use it and no others.
-TEST(TriMeshVertexNormals, KeepsSickVerticesToTheirTriangles)
+TEST(TriMeshVertexNormals, KeepsNaNsToTheirTriangles)
 {
     const std::vector<float> positions{0, 0, 0, 1, 0, 0, 0, 1, 0, NaN, 0, 0, 5, 0, 0, 0, 5, 0};
     const std::vector<float> normals = normalsOf(positions, {0, 1, 2, 3, 4, 5});

@@ -69,7 +69,7 @@ bool expectPlainResult(const Ring &ring, bool clockwise)
 }
 
 /// Rings and outcomes by their kind, so that no kind can be always sound or always
-/// sick without anybody noticing.
+/// degenerate without anybody noticing.
 struct Tally
 {
     int sound = 0;
@@ -129,12 +129,12 @@ TEST(Triangulate2DReference, AgreesOnLargeRings)
     EXPECT_TRUE(expectPlainResult(convexRing(dice, 500), false));
 }
 
-/// Large enough for boxes, and sick in every way.
-TEST(Triangulate2DReference, AgreesOnSickRingsOfManyCorners)
+/// Large enough for boxes, and degenerate in every way.
+TEST(Triangulate2DReference, AgreesOnDegenerateRingsOfManyCorners)
 {
     SCOPED_TRACE("seed " + std::to_string(Seed));
     Dice dice(Seed);
-    const int rings = countFrom("ORV_TEST_SICK_RINGS", 150);
+    const int rings = countFrom("ORV_TEST_DEGENERATE_RINGS", 150);
     for (int i = 0; i < rings && !HasFailure(); ++i)
         expectPlainResult(anyRing(dice, dice.between(257, 400)), dice.oneIn(3));
 }

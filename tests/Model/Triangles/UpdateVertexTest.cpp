@@ -75,16 +75,16 @@ TEST(UpdateVertex, MeasuresTheAngle)
 
 TEST(UpdateVertex, FindsNoEarWhereNumbersAreNotFinite)
 {
-    for (const QVector2D sick : {QVector2D(NaN, 1), QVector2D(0, NaN), QVector2D(0, Infinity),
+    for (const QVector2D odd : {QVector2D(NaN, 1), QVector2D(0, NaN), QVector2D(0, Infinity),
                                  QVector2D(Infinity, Infinity)}) {
         QVector<Vertex> ring = freshRing(3);
         ring[0].isEar = true;
-        const Points points{{0, 0}, {1, 0}, sick};
+        const Points points{{0, 0}, {1, 0}, odd};
         UpdateVertex(ring, points.data(), 0);
-        EXPECT_FALSE(ring[0].isEar) << sick.x() << ", " << sick.y();
-        const Points turned{sick, {1, 0}, {0, 1}};
+        EXPECT_FALSE(ring[0].isEar) << odd.x() << ", " << odd.y();
+        const Points turned{odd, {1, 0}, {0, 1}};
         UpdateVertex(ring, turned.data(), 0);
-        EXPECT_FALSE(ring[0].isEar) << sick.x() << ", " << sick.y();
+        EXPECT_FALSE(ring[0].isEar) << odd.x() << ", " << odd.y();
     }
 }
 

@@ -102,7 +102,7 @@ std::vector<float> floatsOf(const QVector3D &vector)
     return {vector.x(), vector.y(), vector.z()};
 }
 
-TEST(UnitVectorsTest, areThoseOfQVector3D)
+TEST(UnitVectorsTest, AreThoseOfQVector3D)
 {
     RecordProperty("seed", static_cast<int>(Seed));
     Dice dice(Seed);
@@ -134,7 +134,7 @@ TEST(UnitVectorsTest, areThoseOfQVector3D)
 }
 
 /// Vectors about the two limits of QVector3D: squared lengths of 1e-12 and 1.
-TEST(UnitVectorsTest, limitsOfQVector3D)
+TEST(UnitVectorsTest, LimitsOfQVector3D)
 {
     Dice dice(Seed);
     int unchanged = 0;
@@ -162,7 +162,7 @@ TEST(UnitVectorsTest, limitsOfQVector3D)
 
 // The squares, (1 - 5.05e-9) * 1e-12 and 5.05e-21, make exactly the double 1e-12, which
 // still counts as zero.
-TEST(UnitVectorsTest, theLimitItselfIsZero)
+TEST(UnitVectorsTest, TheLimitItselfIsZero)
 {
     const QVector3D vector(0x1.0c6f7ap-20f, 0x1.38866p-34f, 0.0f);
     ASSERT_EQ(vector.normalized(), QVector3D());
@@ -178,13 +178,13 @@ struct Mesh
     std::vector<unsigned> indices;
 };
 
-Mesh randomMesh(Dice &dice, bool sick)
+Mesh randomMesh(Dice &dice, bool hasOddNumbers)
 {
     Mesh mesh;
     const int vertices = dice.between(1, 30);
     const double scale = std::pow(10.0, dice.real(-5.0, 5.0));
     for (int i = 0; i < 3 * vertices; ++i)
-        mesh.positions.push_back(sick && dice.oneIn(5)
+        mesh.positions.push_back(hasOddNumbers && dice.oneIn(5)
                                      ? anyNumber(dice)
                                      : static_cast<float>(scale * dice.real(-1.0, 1.0)));
     const int triangles = dice.between(0, 40);
@@ -202,7 +202,7 @@ std::vector<float> normalsOf(const Mesh &mesh)
     return normals;
 }
 
-TEST(VertexNormalSumsTest, randomMeshesAreThoseOfQVector3D)
+TEST(VertexNormalSumsTest, RandomMeshesAreThoseOfQVector3D)
 {
     Dice dice(Seed);
     for (int i = 0; i < 20000; ++i) {
@@ -212,22 +212,22 @@ TEST(VertexNormalSumsTest, randomMeshesAreThoseOfQVector3D)
     }
 }
 
-TEST(VertexNormalSumsTest, numbersThatAreNoneStayAmongTheirVertices)
+TEST(VertexNormalSumsTest, NumbersThatAreNoneStayAmongTheirVertices)
 {
     Dice dice(Seed);
-    int sick = 0;
+    int meshesWithNaN = 0;
     for (int i = 0; i < 20000; ++i) {
         const Mesh mesh = randomMesh(dice, true);
         const std::vector<float> normals = normalsOf(mesh);
         expectSame(normals, plainVertexNormals(mesh.positions, mesh.indices), mesh.positions);
-        sick += isAnyNaN(normals) ? 1 : 0;
+        meshesWithNaN += isAnyNaN(normals) ? 1 : 0;
         ASSERT_FALSE(HasFailure()) << "mesh " << i << " of seed " << Seed;
     }
-    EXPECT_GT(sick, 1000);
+    EXPECT_GT(meshesWithNaN, 1000);
 }
 
 /// Triangles that come in pieces of any size count on from one another.
-TEST(VertexNormalSumsTest, piecesGiveTheSameAsTheWhole)
+TEST(VertexNormalSumsTest, PiecesGiveTheSameAsTheWhole)
 {
     Dice dice(Seed);
     for (int i = 0; i < 3000; ++i) {
@@ -254,7 +254,7 @@ TEST(VertexNormalSumsTest, piecesGiveTheSameAsTheWhole)
 }
 
 /// Exactly as much is read and written as there is, which address sanitizers see.
-TEST(VertexNormalSumsTest, endsWithTheLastVertex)
+TEST(VertexNormalSumsTest, EndsWithTheLastVertex)
 {
     for (unsigned vertices = 1; vertices < 14; ++vertices) {
         Mesh mesh;

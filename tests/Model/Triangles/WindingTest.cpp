@@ -1,4 +1,4 @@
-// The winding test on four faces at once against the defined road, FaceTriangulation.
+// The winding test on four faces at once against the defined path, FaceTriangulation.
 #include "Triangles/Winding.h"
 
 #include "Triangles/FaceTriangulation.h"
@@ -26,7 +26,7 @@ using Point = std::array<float, 3>;
 /// A triangle has its last corner twice.
 using Face = std::array<Point, 4>;
 
-/// Whether the defined road turns the face over.
+/// Whether the defined path turns the face over.
 bool isTurnedOver(const Face &face, int count)
 {
     static FaceTriangulation triangulation;
@@ -219,7 +219,7 @@ constexpr int RoundsPerKind = 30000;
 class WindingKindTest : public testing::TestWithParam<int>
 {};
 
-TEST_P(WindingKindTest, whatIsDecidedIsAsDefined)
+TEST_P(WindingKindTest, WhatIsDecidedIsAsDefined)
 {
     const FaceKind &kind = FaceKinds[GetParam()];
     SCOPED_TRACE(kind.name);
@@ -244,8 +244,8 @@ TEST_P(WindingKindTest, whatIsDecidedIsAsDefined)
 
 INSTANTIATE_TEST_SUITE_P(All, WindingKindTest, testing::Range(0, FaceKindCount));
 
-/// Faces that do need to be turned over occur, and are found without the defined road.
-TEST(WindingTest, facesFarAwayAreTurnedOver)
+/// Faces that do need to be turned over occur, and are found without the defined path.
+TEST(WindingTest, FacesFarAwayAreTurnedOver)
 {
     Dice dice(Seed);
     Tally tally;
@@ -281,7 +281,7 @@ const CertainCase CertainCases[] = {
     {"tiny", {{{0, 0, 0}, {1e-5f, 0, 0}, {1e-5f, 1e-5f, 0}, {0, 1e-5f, 0}}}, true},
 };
 
-TEST(WindingTest, certainCases)
+TEST(WindingTest, CertainCases)
 {
     for (const CertainCase &row : CertainCases) {
         SCOPED_TRACE(row.name);

@@ -56,7 +56,7 @@ std::string randomBytes(Dice &dice, std::size_t count, int differentBytes)
     return bytes;
 }
 
-TEST(RowWeldingTest, theExampleOfTheHeader)
+TEST(RowWeldingTest, TheExampleOfTheHeader)
 {
     const std::string rows = "ABCCBD";
     QVector<int> oldToNew;
@@ -66,14 +66,14 @@ TEST(RowWeldingTest, theExampleOfTheHeader)
     EXPECT_THAT(newToOld, testing::ElementsAre(0, 1, 2, 5));
 }
 
-TEST(RowWeldingTest, noRowsNoColumnsNoBytes)
+TEST(RowWeldingTest, NoRowsNoColumnsNoBytes)
 {
     expectPlainNumbers({""}, {4}, 0);
     expectPlainNumbers({}, {}, 3);
     expectPlainNumbers({"", ""}, {0, 0}, 5);
 }
 
-TEST(RowWeldingTest, randomTablesOfEveryWidth)
+TEST(RowWeldingTest, RandomTablesOfEveryWidth)
 {
     RecordProperty("seed", static_cast<int>(Seed));
     Dice dice(Seed);
@@ -96,7 +96,7 @@ TEST(RowWeldingTest, randomTablesOfEveryWidth)
     }
 }
 
-TEST(RowWeldingTest, manyRows)
+TEST(RowWeldingTest, ManyRows)
 {
     Dice dice(Seed);
     const std::string bytes = randomBytes(dice, 3 * 100000, 40);
@@ -104,7 +104,7 @@ TEST(RowWeldingTest, manyRows)
     EXPECT_GT(expectPlainNumbers({bytes}, {3}, 100000), 40000);
 }
 
-TEST(RowSlotsTest, findsRowsOfEqualHashesByComparing)
+TEST(RowSlotsTest, FindsRowsOfEqualHashesByComparing)
 {
     // All rows collide in everything that the table looks at, at its begin and at
     // its end, from where the search goes on at the begin.
@@ -119,7 +119,7 @@ TEST(RowSlotsTest, findsRowsOfEqualHashesByComparing)
     }
 }
 
-TEST(RowSlotsTest, isFullAfterAsManyRowsAsAskedFor)
+TEST(RowSlotsTest, IsFullAfterAsManyRowsAsAskedFor)
 {
     for (const quint32 room : {1u, 2u, 3u, 7u, 8u, 9u, 100u}) {
         RowSlots table(room, room);
@@ -135,7 +135,7 @@ TEST(RowSlotsTest, isFullAfterAsManyRowsAsAskedFor)
     }
 }
 
-TEST(RowSlotsTest, numbersUpToTheLargest)
+TEST(RowSlotsTest, NumbersUpToTheLargest)
 {
     constexpr quint32 Limit = 0xffffffffu;
     RowSlots table(Limit, 3);
