@@ -1,21 +1,20 @@
 // The fast path up to the upload, taken by many threads at once. What they get
 // is compared with what one thread gets afterwards, so that they also meet everything
 // that is made on first use. Meant to be run under the thread sanitizer as well.
-#include "Libraries/MaterialLibraries.h"
-#include "Preparing/GeometryPreparing.h"
-#include "Scanning/OBJScanning.h"
-
 #include "support/AtOnce.h"
 #include "support/MessageCapture.h"
 #include "support/ModelBuilding.h"
 #include "support/StreamContents.h"
 #include "support/TemporaryModel.h"
 
+#include "Libraries/MaterialLibraries.h"
+#include "Preparing/GeometryPreparing.h"
+#include "Scanning/OBJScanning.h"
 #include <OrvModel/ModelBuilder.h>
 
-#include <QtCore/QFile>
-
 #include <gmock/gmock.h>
+
+#include <QtCore/QFile>
 
 #include <string>
 #include <vector>

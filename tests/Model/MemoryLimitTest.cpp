@@ -6,9 +6,8 @@
 #include "support/ModelReadBack.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvModel/ModelLoading.h>
-
 #include <OrvGL/GPUModel.h>
+#include <OrvModel/ModelLoading.h>
 
 #include <gmock/gmock.h>
 

@@ -2,9 +2,8 @@
 // of any length. Both paths must make the same of it, in time that grows with the text.
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
-#include "support/TemporaryModel.h"
-
 #include "support/ScopedLocaleCodec.h"
+#include "support/TemporaryModel.h"
 
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelLoading.h>

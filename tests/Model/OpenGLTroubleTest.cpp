@@ -5,15 +5,13 @@
 #include "support/ModelBuilding.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvGL/OpenGLFunctions.h>
-
-#include <OrvModel/ModelLoading.h>
-#include <OrvModel/TextureLoading.h>
-
 #include <OrvGL/BufferObject.h>
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
 #include <OrvGL/OpenGLDeviceContext.h>
+#include <OrvGL/OpenGLFunctions.h>
+#include <OrvModel/ModelLoading.h>
+#include <OrvModel/TextureLoading.h>
 
 #include <gmock/gmock.h>
 

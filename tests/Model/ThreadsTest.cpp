@@ -13,13 +13,12 @@
 #include "support/TemporaryModel.h"
 #include "support/TextReader.h"
 
+#include <OrvCore/InstanceDataPlan.h>
+#include <OrvCore/InstanceDataRegistry.h>
 #include <OrvModel/MTLReader.h>
 #include <OrvModel/ModelLoading.h>
 #include <OrvModel/OBJReader.h>
 #include <OrvModel/TriMeshVertexNormals.h>
-
-#include <OrvCore/InstanceDataPlan.h>
-#include <OrvCore/InstanceDataRegistry.h>
 
 #include <gmock/gmock.h>
 

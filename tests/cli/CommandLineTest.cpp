@@ -1,6 +1,5 @@
 // What a wrong call, and a call for help, gets.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <OrvModel/ModelVersions.h>

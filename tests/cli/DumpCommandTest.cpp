@@ -1,6 +1,5 @@
 // The dump of tiny models against what the rules say, worked out by hand.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include <orv/JSONWriter.h>
-
 #include "support/MessageCapture.h"
+
+#include <orv/JSONWriter.h>
 
 #include <gtest/gtest.h>
 

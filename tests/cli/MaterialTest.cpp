@@ -1,7 +1,6 @@
 // What the renderer reads from a record.
-#include <render/Material.h>
-
 #include <OrvCore/InstanceData.h>
+#include <render/Material.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // What the library says while it loads, as a user gets to see it.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

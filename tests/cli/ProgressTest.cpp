@@ -1,7 +1,6 @@
 // The sign of life on a terminal. The test holds a lease on the model: opening it lasts
 // until the test lets go, so nothing here depends on how fast the machine is.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

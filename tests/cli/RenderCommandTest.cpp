@@ -1,6 +1,5 @@
 // Pictures as files. What is in them is the renderer's tests' matter.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

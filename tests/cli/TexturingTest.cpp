@@ -1,6 +1,5 @@
 // Image files on surfaces.
 #include "cli/RenderFixture.h"
-
 #include "support/MessageCapture.h"
 
 #include <OrvGL/OpenGLFunctions.h>

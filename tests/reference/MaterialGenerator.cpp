@@ -1,5 +1,4 @@
 #include "reference/ModelGenerator.h"
-
 #include "reference/NumberTexts.h"
 
 namespace OrvReference {

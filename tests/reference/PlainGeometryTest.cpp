@@ -2,7 +2,6 @@
 #include "support/PlainGeometry.h"
 
 #include "reference/FaceTriangles.h"
-
 #include "support/MessageCapture.h"
 
 #include <gmock/gmock.h>

@@ -1,10 +1,9 @@
 #include "reference/ModelGenerator.h"
 #include "reference/Reference.h"
 #include "reference/Shrinking.h"
+#include "support/GLTest.h"
 #include "support/ModelDifferences.h"
 #include "support/ModelReadBack.h"
-
-#include "support/GLTest.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QHashFunctions>

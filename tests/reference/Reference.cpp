@@ -3,7 +3,6 @@
 #include "reference/FaceTriangles.h"
 #include "reference/FileReading.h"
 #include "reference/Welding.h"
-
 #include "support/PlainGeometry.h"
 
 #include <QtCore/QHash>

@@ -1,8 +1,7 @@
 #include "reference/ReferenceTexts.h"
+#include "support/QtPrinting.h"
 
 #include <gmock/gmock.h>
-
-#include "support/QtPrinting.h"
 
 namespace {
 

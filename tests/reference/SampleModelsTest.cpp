@@ -1,9 +1,8 @@
 // The committed samples, and real models where there are any, against the reference implementation.
 #include "reference/Reference.h"
+#include "support/GLTest.h"
 #include "support/ModelDifferences.h"
 #include "support/ModelReadBack.h"
-
-#include "support/GLTest.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>

@@ -5,7 +5,6 @@
 #include "reference/ReferenceTexts.h"
 #include "reference/Shrinking.h"
 #include "reference/UnusedValues.h"
-
 #include "support/ModelDifferences.h"
 
 #include <gmock/gmock.h>

@@ -7,7 +7,6 @@
 #include "support/UploadedModel.h"
 
 #include "Preparing/GeometryPreparing.h"
-
 #include <OrvModel/ModelBuilder.h>
 
 namespace OrvTest {

@@ -1,8 +1,7 @@
 #include "support/GLTest.h"
 
-#include <OrvGL/OpenGLFunctions.h>
-
 #include <OrvGL/HeadlessContext.h>
+#include <OrvGL/OpenGLFunctions.h>
 
 #include <QtCore/QString>
 

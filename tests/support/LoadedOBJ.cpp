@@ -2,9 +2,8 @@
 
 #include "support/ModelReadBack.h"
 
-#include <OrvModel/ModelLoading.h>
-
 #include <OrvGL/OpenGLFunctions.h>
+#include <OrvModel/ModelLoading.h>
 
 #include <gtest/gtest.h>
 

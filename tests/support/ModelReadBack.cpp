@@ -2,12 +2,11 @@
 
 #include "support/GPUReadBack.h"
 
-#include <OrvModel/ModelLoading.h>
-
 #include <OrvCore/InstanceData.h>
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLFunctions.h>
+#include <OrvModel/ModelLoading.h>
 
 #include <memory>
 

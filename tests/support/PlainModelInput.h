@@ -5,7 +5,6 @@
 #include "support/PlainModel.h"
 
 #include "Scanning/OBJGeometry.h"
-
 #include <OrvModel/ModelBuilder.h>
 
 namespace OrvTest {

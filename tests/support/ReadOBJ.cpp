@@ -4,11 +4,9 @@
 #include "support/ModelDifferences.h"
 
 #include "Libraries/MaterialLibraries.h"
-
+#include <OrvCore/InstanceData.h>
 #include <OrvModel/ModelLoading.h>
 #include <OrvModel/OBJReader.h>
-
-#include <OrvCore/InstanceData.h>
 
 #include <gtest/gtest.h>
 

@@ -7,13 +7,11 @@
 #include "support/MessageCapture.h"
 #include "support/ModelBuilding.h"
 
-#include <OrvGL/OpenGLFunctions.h>
-
-#include <OrvModel/ModelBuilder.h>
-
 #include <OrvCore/InstanceData.h>
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/GPUModel.h>
+#include <OrvGL/OpenGLFunctions.h>
+#include <OrvModel/ModelBuilder.h>
 
 #include <stdexcept>
 #include <vector>

@@ -1,5 +1,6 @@
 // Vectors of floats against the same arithmetic one by one: every bit agrees.
 #include "Lanes/Lanes.h"
+
 #include "Lanes/UnitVectors.h"
 
 #include <gtest/gtest.h>

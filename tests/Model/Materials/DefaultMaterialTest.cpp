@@ -2,13 +2,11 @@
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
 
-#include <OrvGL/OpenGLFunctions.h>
-
-#include <OrvModel/DefaultMaterial.h>
-
 #include <OrvCore/InstanceData.h>
 #include <OrvGL/AutoBinder.h>
+#include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
+#include <OrvModel/DefaultMaterial.h>
 
 #include <gmock/gmock.h>
 

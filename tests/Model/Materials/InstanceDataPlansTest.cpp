@@ -1,11 +1,10 @@
 #include "support/QtPrinting.h"
 
-#include <OrvModel/InstanceDataPlans.h>
-
 #include <OrvCore/InstanceData.h>
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvCore/InstanceDataPlan.h>
 #include <OrvCore/InstanceDataRegistry.h>
+#include <OrvModel/InstanceDataPlans.h>
 
 #include <gmock/gmock.h>
 

@@ -6,13 +6,12 @@
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvModel/DefaultMaterial.h>
-#include <OrvModel/ModelBuilder.h>
-#include <OrvModel/ModelLoading.h>
-
 #include <OrvCore/InstanceDataPlan.h>
 #include <OrvCore/InstanceDataRegistry.h>
 #include <OrvGL/GPUModel.h>
+#include <OrvModel/DefaultMaterial.h>
+#include <OrvModel/ModelBuilder.h>
+#include <OrvModel/ModelLoading.h>
 
 #include <memory>
 

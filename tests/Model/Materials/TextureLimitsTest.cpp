@@ -5,10 +5,8 @@
 #include "support/TemporaryModel.h"
 
 #include <OrvGL/OpenGLFunctions.h>
-
-#include <OrvModel/TextureLoading.h>
-
 #include <OrvGL/Texture.h>
+#include <OrvModel/TextureLoading.h>
 
 #include <gmock/gmock.h>
 

@@ -2,12 +2,10 @@
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvGL/OpenGLFunctions.h>
-
-#include <OrvModel/TextureLoading.h>
-
 #include <OrvGL/AutoBinder.h>
+#include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
+#include <OrvModel/TextureLoading.h>
 
 #include <gmock/gmock.h>
 

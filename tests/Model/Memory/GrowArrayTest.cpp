@@ -1,5 +1,6 @@
 // Arrays of sizes whose memory comes from different places.
 #include "Memory/GrowArray.h"
+
 #include "Memory/ZeroedArray.h"
 
 #include <gmock/gmock.h>

@@ -7,6 +7,9 @@
 #include "support/OBJTokenCases.h"
 #include "support/RandomRings.h"
 
+#include "Scanning/ASCIIBytes.h"
+#include "Scanning/ValueRuns.h"
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QString>

@@ -1,10 +1,10 @@
 #include "Preparing/FaceTriangles.h"
-#include "Preparing/FaceSums.h"
-
-#include "Triangles/FaceTriangulation.h"
 
 #include "support/MessageCapture.h"
 #include "support/RandomRings.h"
+
+#include "Preparing/FaceSums.h"
+#include "Triangles/FaceTriangulation.h"
 
 #include <gmock/gmock.h>
 

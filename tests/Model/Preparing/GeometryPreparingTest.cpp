@@ -10,7 +10,6 @@
 #include "support/StreamContents.h"
 
 #include "Reports/CurrentReport.h"
-
 #include <OrvModel/TriMeshVertexNormals.h>
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
-#include <OrvModel/OBJReader.h>
-
 #include "support/QtPrinting.h"
 #include "support/TextReader.h"
+
+#include <OrvModel/OBJReader.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include <OrvModel/OBJReader.h>
-
 #include "support/OBJTokenCases.h"
 #include "support/QtPrinting.h"
 #include "support/StreamContents.h"
 #include "support/TextReader.h"
+
+#include <OrvModel/OBJReader.h>
 
 #include <QtCore/QTextStream>
 

@@ -1,10 +1,9 @@
 // Lines decoded one at a time against QTextStream, which decodes the file.
 #include "Scanning/LineDecoding.h"
 
-#include "support/ScopedLocaleCodec.h"
-
 #include "support/QtPrinting.h"
 #include "support/RandomRings.h"
+#include "support/ScopedLocaleCodec.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 // OBJ files that are odd as files: encodings, sizes, and devices that misbehave.
 #include "support/ReadOBJ.h"
 #include "support/ScopedLocaleCodec.h"
-
 #include "support/TemporaryModel.h"
 
 #include "Scanning/LineDecoding.h"

@@ -1,9 +1,8 @@
 // Random OBJ files as bytes against the same files line by line.
-#include "support/ReadOBJ.h"
-
 #include "reference/ModelFiles.h"
 #include "reference/ModelGenerator.h"
 #include "support/RandomOBJText.h"
+#include "support/ReadOBJ.h"
 
 #include <gmock/gmock.h>
 

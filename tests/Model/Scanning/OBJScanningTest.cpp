@@ -1,8 +1,7 @@
 // OBJ files as bytes against the same files line by line.
-#include "support/ReadOBJ.h"
-
 #include "support/OBJTokenCases.h"
 #include "support/QtPrinting.h"
+#include "support/ReadOBJ.h"
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

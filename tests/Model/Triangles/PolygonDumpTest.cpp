@@ -1,8 +1,8 @@
-#include <OrvModel/PolygonDump.h>
-
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
+
+#include <OrvModel/PolygonDump.h>
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
-#include <OrvModel/TriMeshVertexNormals.h>
-
 #include "support/PlainGeometry.h"
 #include "support/RandomRings.h"
 #include "support/StreamContents.h"
+
+#include <OrvModel/TriMeshVertexNormals.h>
 
 #include <cmath>
 #include <limits>

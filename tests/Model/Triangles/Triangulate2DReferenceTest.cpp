@@ -1,8 +1,8 @@
-#include <OrvModel/Triangulate2D.h>
-
 #include "support/MessageCapture.h"
 #include "support/PlainGeometry.h"
 #include "support/RandomRings.h"
+
+#include <OrvModel/Triangulate2D.h>
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
-#include <OrvModel/Triangulate2D.h>
-
 #include "support/MessageCapture.h"
+
+#include <OrvModel/Triangulate2D.h>
 
 #include <gmock/gmock.h>
 

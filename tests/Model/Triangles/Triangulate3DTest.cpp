@@ -1,8 +1,8 @@
-#include <OrvModel/Triangulate3D.h>
-
 #include "support/MessageCapture.h"
 #include "support/PlainGeometry.h"
 #include "support/RandomRings.h"
+
+#include <OrvModel/Triangulate3D.h>
 
 #include <gmock/gmock.h>
 

@@ -76,7 +76,7 @@ TEST(UpdateVertex, MeasuresTheAngle)
 TEST(UpdateVertex, FindsNoEarWhereNumbersAreNotFinite)
 {
     for (const QVector2D odd : {QVector2D(NaN, 1), QVector2D(0, NaN), QVector2D(0, Infinity),
-                                 QVector2D(Infinity, Infinity)}) {
+                                QVector2D(Infinity, Infinity)}) {
         QVector<Vertex> ring = freshRing(3);
         ring[0].isEar = true;
         const Points points{{0, 0}, {1, 0}, odd};

@@ -1,16 +1,15 @@
 // Normals in lanes against QVector3D, bit by bit.
-#include "Lanes/UnitVectors.h"
-#include "Triangles/VertexNormalSums.h"
-
 #include "support/PlainGeometry.h"
 #include "support/RandomRings.h"
 #include "support/StreamContents.h"
 
+#include "Lanes/UnitVectors.h"
+#include "Triangles/VertexNormalSums.h"
 #include <OrvModel/TriMeshVertexNormals.h>
 
-#include <QtGui/QVector3D>
-
 #include <gmock/gmock.h>
+
+#include <QtGui/QVector3D>
 
 #include <array>
 #include <cmath>

@@ -1,9 +1,9 @@
 // The winding test on four faces at once against the defined path, FaceTriangulation.
 #include "Triangles/Winding.h"
 
-#include "Triangles/FaceTriangulation.h"
-
 #include "support/RandomRings.h"
+
+#include "Triangles/FaceTriangulation.h"
 
 #include <gmock/gmock.h>
 

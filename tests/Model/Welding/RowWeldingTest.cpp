@@ -1,9 +1,9 @@
 // Numbering of rows against a map.
 #include "Welding/RowWelding.h"
 
-#include "Welding/RowSlots.h"
-
 #include "support/RandomRings.h"
+
+#include "Welding/RowSlots.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 #include "Triangles/Ears/BlockerSearch.h"
-#include "Triangles/Ears/RingBoxes.h"
 
 #include "support/RandomRings.h"
+
+#include "Triangles/Ears/RingBoxes.h"
 
 #include <gtest/gtest.h>
 

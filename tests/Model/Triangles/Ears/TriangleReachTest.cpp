@@ -1,9 +1,10 @@
 #include "Triangles/Ears/TriangleReach.h"
+
+#include "support/RandomRings.h"
+
 #include "Triangles/Ears/CornerEvaluation.h"
 #include "Triangles/Ears/OrientedBox.h"
 #include "Triangles/Ears/TriangleWindow.h"
-
-#include "support/RandomRings.h"
 
 #include <gtest/gtest.h>
 
