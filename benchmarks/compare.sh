@@ -16,17 +16,13 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
 
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build=${ORV_BENCH_BUILD:-$root/build/bench}
-out=${ORV_BENCH_OUT:-$root/build/compare}
+build_dir=${ORV_BENCH_BUILD:-$repository/build/bench}
+out=${ORV_BENCH_OUT:-$repository/build/compare}
 
+answer_help "$@"
 options=() models=()
 while (($# > 0)); do
   case $1 in
-    -h | --help)
-      print_usage
-      exit 0
-      ;;
     --*)
       (($# > 1)) || wrong_usage "$1 takes a value"
       options+=("$1" "$2")
@@ -38,15 +34,15 @@ while (($# > 0)); do
 done
 if ((${#models[@]} == 0)); then
   for name in generated_normals quad_sphere specular_map lighthouse; do
-    models+=("$root/samples/$name.obj")
+    models+=("$repository/samples/$name.obj")
   done
-  models+=("$root/samples/lighthouse.obj:v/vt")
+  models+=("$repository/samples/lighthouse.obj:v/vt")
 fi
 
-"$root/scripts/setup.sh" build bench
-(cd "$root" && cmake --preset release -B "$build" -DORV_BUILD_BENCHMARKS=ON -DORV_BUILD_TESTS=OFF) >&2
-cmake --build "$build" --target repeat_model load_orv load_rules load_tinyobj load_assimp >&2
-python3 "$root/benchmarks/compare.py" "$build/benchmarks" "$out" "${models[@]}" \
-  ${options[@]+"${options[@]}"} --small "$root/samples/negative_indices.obj" \
-  "$root/samples/concave_polygons.obj"
+bash "$repository/scripts/setup.sh" build bench
+configure release "$build_dir" -DORV_BUILD_BENCHMARKS=ON -DORV_BUILD_TESTS=OFF
+build "$build_dir" --target repeat_model load_orv load_rules load_tinyobj load_assimp
+python3 "$repository/benchmarks/compare.py" "$build_dir/benchmarks" "$out" "${models[@]}" \
+  ${options[@]+"${options[@]}"} --small "$repository/samples/negative_indices.obj" \
+  "$repository/samples/concave_polygons.obj"
 say "see $out/table.md and $out/chart.svg"

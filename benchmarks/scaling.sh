@@ -14,13 +14,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
 
-case ${1-} in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-  -*) wrong_usage "unexpected argument '$1'" ;;
-esac
+expect_arguments 999 "$@"
 
 build_dir=${ORV_BENCH_BUILD:-$repository/build/bench}
 rounds=${ORV_SCALING_ROUNDS:-3}

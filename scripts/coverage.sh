@@ -14,12 +14,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-case ${1-} in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-esac
+answer_help "$@"
 
 least_lines=98
 least_branches=90

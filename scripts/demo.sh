@@ -10,14 +10,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-case ${1-} in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-  -*) wrong_usage "unknown option '$1'" ;;
-esac
-(($# <= 2)) || wrong_usage "too many arguments"
+expect_arguments 2 "$@"
 model=${1:-$repository/samples/lighthouse.obj}
 picture=${2:-demo.png}
 # Before the minutes that setting up and building may take.

@@ -35,6 +35,7 @@ for source in "$repository"/fuzz/*Fuzzer.cpp; do
   all_targets+=("$(basename "$source" Fuzzer.cpp)")
 done
 
+answer_help "$@"
 mode=${1-}
 shift || true
 targets=("$@")
@@ -44,10 +45,6 @@ for target in "${targets[@]}"; do
     wrong_usage "no such target: '$target'; there are: ${all_targets[*]}"
 done
 case $mode in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
   --replay)
     seconds=$replay_seconds
     jobs=$(job_count)

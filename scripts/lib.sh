@@ -24,6 +24,37 @@ print_usage() {
   awk 'NR == 1 { next } /^#/ { sub(/^# ?/, ""); print; next } { exit }' "$0"
 }
 
+# answer_help ARGUMENT...: prints the manual and ends when the first one asks for it.
+answer_help() {
+  case ${1-} in
+    -h | --help)
+      print_usage
+      exit 0
+      ;;
+  esac
+}
+
+# expect_arguments MOST ARGUMENT...: for scripts without options: answers --help, refuses other
+# options, and refuses more than MOST arguments.
+expect_arguments() {
+  local most=$1
+  shift
+  answer_help "$@"
+  [[ ${1-} != -* ]] || wrong_usage "unknown option '$1'"
+  (($# <= most)) || wrong_usage "unexpected argument '${*:most+1:1}'"
+}
+
+# set_sanitizer_options: how the sanitizers report, and what they pass over. They hold while
+# building, too: listing the cases of a test program runs it. A leak in the OpenGL driver is
+# not ours to mend.
+set_sanitizer_options() {
+  local support_dir=$repository/tests/support
+  export ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
+  export UBSAN_OPTIONS=print_stacktrace=1
+  export TSAN_OPTIONS=suppressions="'$support_dir/tsan.supp'"
+  export LSAN_OPTIONS=print_suppressions=0:suppressions="'$support_dir/lsan.supp'"
+}
+
 # job_count: how many compilers or tests run at once.
 job_count() { nproc 2>/dev/null || echo 2; }
 

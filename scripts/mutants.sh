@@ -35,12 +35,9 @@ test_timeout_s=90
 export ORV_RANDOM_MODELS_COUNT=400
 
 again=0 quick=0 mode=run patterns=()
+answer_help "$@"
 for argument; do
   case $argument in
-    -h | --help)
-      print_usage
-      exit 0
-      ;;
     --again) again=1 ;;
     --quick) quick=1 ;;
     --check) mode=check ;;

@@ -74,13 +74,10 @@ install_packages() {
     apt-get -q -y --no-install-recommends install "$@" || die "could not install $*"
 }
 
+answer_help "$@"
 wanted=()
 for group in "${@:-all}"; do
   case $group in
-    -h | --help)
-      print_usage
-      exit 0
-      ;;
     build) wanted+=("${build_packages[@]}") ;;
     test) wanted+=("${test_packages[@]}") ;;
     fuzz) wanted+=("${fuzz_packages[@]}") ;;

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Loads many random models and compares each with the reference implementation, to
-# the bit.
+# Loads many random models and compares each with the reference implementation, to the bit.
 #
 #     scripts/soak.sh [COUNT] [FIRST]
 #
@@ -15,13 +14,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-case ${1-} in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-esac
-[[ $# -le 2 ]] || wrong_usage "unexpected argument '$3'"
+expect_arguments 2 "$@"
 count=${1:-100000}
 first=${2:-1}
 [[ $count =~ ^[1-9][0-9]{0,8}$ ]] || wrong_usage "COUNT is '$count': a number above 0"
@@ -36,9 +29,7 @@ say "building in $build_dir"
 configure "$preset" "$build_dir" -DORV_BUILD_TESTS=ON -DORV_BUILD_APPS=OFF
 build "$build_dir" --target RandomModelsTest
 
-# A leak in the OpenGL driver is not ours to mend.
-export LSAN_OPTIONS=print_suppressions=0:suppressions="'$repository/tests/support/lsan.supp'"
-export UBSAN_OPTIONS=print_stacktrace=1
+set_sanitizer_options
 
 logs=$(mktemp -d)
 trap 'rm -rf "$logs"' EXIT

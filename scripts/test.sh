@@ -14,14 +14,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-case ${1-} in
-  "") ;;
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-  *) wrong_usage "unexpected argument '$1'" ;;
-esac
+expect_arguments 0 "$@"
 
 # A test that hangs is cut off long before it can hold up the whole run.
 test_timeout_s=300
@@ -54,12 +47,7 @@ bash "$repository/scripts/mutants.sh" --check
 
 bash "$repository/scripts/fuzz.sh" --replay >&2
 
-# The sanitizers' own settings also hold while building: listing the cases of a test
-# program runs it. A leak in the OpenGL driver is not ours to mend.
-export ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
-export UBSAN_OPTIONS=print_stacktrace=1
-export TSAN_OPTIONS=suppressions="'$repository/tests/support/tsan.supp'"
-export LSAN_OPTIONS=print_suppressions=0:suppressions="'$repository/tests/support/lsan.supp'"
+set_sanitizer_options
 
 build_in release
 test_in release

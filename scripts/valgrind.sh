@@ -12,13 +12,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-case ${1-} in
-  -h | --help)
-    print_usage
-    exit 0
-    ;;
-  -*) wrong_usage "unexpected argument '$1'" ;;
-esac
+expect_arguments 999 "$@"
 command -v valgrind >/dev/null || die "valgrind is missing: install the package valgrind"
 
 models=("$@")
