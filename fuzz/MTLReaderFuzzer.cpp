@@ -1,24 +1,17 @@
 // Any text through an MTLReader, with and without unknown keywords.
-#include "support/Fuzzing.h"
+#include "support/LineInput.h"
 
 #include <OrvModel/MTLReader.h>
-
-#include <QtCore/QBuffer>
-#include <QtCore/QTextStream>
 
 using namespace Halvard::Orv;
 using namespace OrvFuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const QByteArray text = asText(data, size);
-    const unsigned choice = choiceOf(text);
-    QBuffer buffer;
-    buffer.setData(text);
-    buffer.open(choice & 1 ? QIODevice::ReadOnly | QIODevice::Text : QIODevice::ReadOnly);
-    QTextStream stream(&buffer);
+    LineInput input(data, size);
+    const unsigned choice = input.choice;
     const bool skipsUnknown = choice & 2;
-    MTLReader reader(stream, skipsUnknown);
+    MTLReader reader(input.stream, skipsUnknown);
     if (choice & 4)
         reader.setBaseDir(QStringLiteral("/base"));
     require(!reader.parseLine(), "a line is there before the first");

@@ -1,10 +1,7 @@
 // Any text through an OBJReader, also with calls that no loader makes.
-#include "support/Fuzzing.h"
+#include "support/LineInput.h"
 
 #include <OrvModel/OBJReader.h>
-
-#include <QtCore/QBuffer>
-#include <QtCore/QTextStream>
 
 #include <vector>
 
@@ -40,13 +37,9 @@ void parseAgain(OBJReader &reader, bool parsed)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const QByteArray text = asText(data, size);
-    const unsigned choice = choiceOf(text);
-    QBuffer buffer;
-    buffer.setData(text);
-    buffer.open(choice & 1 ? QIODevice::ReadOnly | QIODevice::Text : QIODevice::ReadOnly);
-    QTextStream stream(&buffer);
-    OBJReader reader(stream);
+    LineInput input(data, size);
+    const unsigned choice = input.choice;
+    OBJReader reader(input.stream);
     if (choice & 2)
         reader.setBaseDir(QStringLiteral("/base"));
 

@@ -1,10 +1,11 @@
 // The rooms of src/Model: which file may include which. The tests read the includes, and a
 // failure says which file to change and how.
+#include "support/SourceTree.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 #include <string>
@@ -12,8 +13,11 @@
 #include <vector>
 
 namespace fs = std::filesystem;
+using namespace OrvTest;
 
 namespace {
+
+const std::string Root = ORV_SOURCE_DIR;
 
 struct Room
 {
@@ -47,62 +51,15 @@ const std::map<std::string, std::string> RoomOfExportedHeader = {
     {"ModelLoading.h", "Libraries"},
 };
 
-struct Include
-{
-    std::string header;
-    bool isQuoted = false;
-};
-
-struct Source
-{
-    std::vector<Include> includes;
-    std::size_t lineCount = 0;
-};
-
-/// The sources by their paths from the repository's root.
-using Tree = std::map<std::string, Source>;
-
 /// What is wrong, a sentence each.
 using Complaints = std::vector<std::string>;
-
-bool startsWith(const std::string &text, const std::string &start)
-{
-    return text.compare(0, start.size(), start) == 0;
-}
-
-Source readSource(std::istream &file)
-{
-    Source source;
-    for (std::string line; std::getline(file, line); ++source.lineCount) {
-        if (!startsWith(line, "#include "))
-            continue;
-        const std::size_t begin = line.find_first_of("<\"");
-        const std::size_t end = line.find_first_of(">\"", begin + 1);
-        if (begin != std::string::npos && end != std::string::npos)
-            source.includes.push_back(
-                {line.substr(begin + 1, end - begin - 1), line[begin] == '"'});
-    }
-    return source;
-}
-
-void readFolder(const std::string &folder, Tree &tree)
-{
-    const fs::path root = ORV_SOURCE_DIR;
-    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(root / folder)) {
-        const fs::path extension = entry.path().extension();
-        if (extension != ".h" && extension != ".cpp")
-            continue;
-        std::ifstream file(entry.path());
-        tree[entry.path().lexically_relative(root).generic_string()] = readSource(file);
-    }
-}
 
 const Tree &library()
 {
     static const Tree tree = [] {
         Tree files;
-        readFolder("include/OrvModel", files);
-        readFolder("src/Model", files);
+        readFolder(Root, "include/OrvModel", files);
+        readFolder(Root, "src/Model", files);
         return files;
     }();
     return tree;
@@ -348,7 +305,7 @@ TEST(RoomsTest, NoRoomIsLargerThanAQuarterOfAll)
 TEST(RoomsTest, AppsIncludeExportedHeadersOnly)
 {
     Tree apps;
-    readFolder("apps", apps);
+    readFolder(Root, "apps", apps);
     EXPECT_GT(apps.size(), 20u);
     EXPECT_THAT(internalIncludesOfApps(apps, library()), IsEmpty());
 }
@@ -364,7 +321,7 @@ TEST(RoomsTest, NoExceptionIsLeftOver)
 
 TEST(RoomsTest, TestsHaveTheFoldersOfTheSources)
 {
-    const fs::path root = ORV_SOURCE_DIR;
+    const fs::path root = Root;
     for (const Room &room : Rooms) {
         const bool isThere = fs::is_directory(root / "src/Model" / room.name);
         if (RoomsWithoutFolder.count(room.name) == 0) {

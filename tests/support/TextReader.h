@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace OrvTest {
 
@@ -37,5 +38,24 @@ private:
     QTextStream _stream;
     std::unique_ptr<Reader> _reader;
 };
+
+/// The types of the lines behind the current one, up to and including the end.
+template <typename Reader>
+std::vector<int> followingTypes(TextReader<Reader> &reader)
+{
+    std::vector<int> types;
+    while (reader->valid()) {
+        reader->next();
+        types.push_back(reader->getLineType());
+    }
+    return types;
+}
+
+/// The three values of a line.
+template <typename Floats>
+std::vector<float> floatsOf(const Floats &values)
+{
+    return {values[0], values[1], values[2]};
+}
 
 } // namespace OrvTest

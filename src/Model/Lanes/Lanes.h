@@ -14,6 +14,7 @@
 #include <QtCore/QtGlobal>
 
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 
 #ifdef ORV_SSE2_LANES
@@ -132,6 +133,18 @@ inline Points4 loadPoints(const float *floats)
     const Float4 end = loadFour(floats + 8);
     return transposed(loadFour(floats), loadFour(floats + 3), loadFour(floats + 6),
                       __builtin_shufflevector(end, end, 1, 2, 3, 3));
+}
+
+/// Corner `i` of four faces of `CornerCount` corners that follow one another: the points
+/// that `corners` selects among `positions`, three floats each. One float past each
+/// point is read.
+template <unsigned CornerCount>
+Q_ALWAYS_INLINE Points4 loadCorners(const quint32 *corners, unsigned i, const float *positions)
+{
+    const auto loadOf = [&](unsigned face) {
+        return loadFour(positions + 3 * static_cast<std::size_t>(corners[CornerCount * face + i]));
+    };
+    return transposed(loadOf(0), loadOf(1), loadOf(2), loadOf(3));
 }
 
 inline void storePoints(const Points4 &points, float *floats)

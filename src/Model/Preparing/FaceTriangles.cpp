@@ -23,17 +23,6 @@ bool isSmall(quint8 count)
     return count == 3 || count == 4;
 }
 
-/// Corner `i` of four faces of `CornerCount` corners that follow one another. One
-/// float past each corner is read.
-template <unsigned CornerCount>
-Q_ALWAYS_INLINE Points4 loadCorners(const quint32 *corners, unsigned i, const float *positions)
-{
-    const auto loadOf = [&](unsigned face) {
-        return loadFour(positions + 3 * static_cast<size_t>(corners[CornerCount * face + i]));
-    };
-    return transposed(loadOf(0), loadOf(1), loadOf(2), loadOf(3));
-}
-
 } // namespace
 
 FaceTriangles::FaceTriangles(const CornerCounts &counts, const quint32 *corners,

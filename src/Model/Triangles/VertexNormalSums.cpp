@@ -54,15 +54,6 @@ bool areBelow(quint32 limit, const quint32 *corners, quint32 count)
     return all;
 }
 
-/// Corner `i` of four triangles. One float past each corner is read.
-Q_ALWAYS_INLINE Points4 loadCorners(const quint32 *corners, unsigned i, const float *positions)
-{
-    const auto loadOf = [&](unsigned triangle) {
-        return loadFour(positions + 3 * static_cast<size_t>(corners[3 * triangle + i]));
-    };
-    return transposed(loadOf(0), loadOf(1), loadOf(2), loadOf(3));
-}
-
 } // namespace
 
 VertexNormalSums::VertexNormalSums(quint32 vertexCount, const float *positions, float *normals)
@@ -77,9 +68,9 @@ void VertexNormalSums::add(const quint32 *indices, size_t indexCount)
     while (indices != end) {
         // The last vertex has no float past it.
         if (end - indices >= 3 * Lanes && areBelow(_vertexCount - 1, indices, 3 * Lanes)) {
-            addFour(triangleNormals(loadCorners(indices, 0, _positions),
-                                    loadCorners(indices, 1, _positions),
-                                    loadCorners(indices, 2, _positions)),
+            addFour(triangleNormals(loadCorners<3>(indices, 0, _positions),
+                                    loadCorners<3>(indices, 1, _positions),
+                                    loadCorners<3>(indices, 2, _positions)),
                     indices);
             indices += 3 * Lanes;
             continue;

@@ -169,6 +169,29 @@ TEST(LanesTest, PointsAreTransposedWithoutTheirFourthLane)
     expectPoint(points, 3, {10, 11, 12});
 }
 
+template <unsigned CornerCount>
+void expectCornersOfFourFaces()
+{
+    std::mt19937 random(5);
+    const auto pointCount = static_cast<quint32>((values().size() - 1) / 3);
+    quint32 corners[4 * CornerCount];
+    for (quint32 &corner : corners)
+        corner = static_cast<quint32>(random() % pointCount);
+    for (unsigned i = 0; i < CornerCount; ++i) {
+        const Points4 points = loadCorners<CornerCount>(corners, i, values().data());
+        for (unsigned face = 0; face < 4; ++face) {
+            const float *const point = values().data() + 3 * corners[CornerCount * face + i];
+            expectPoint(points, static_cast<int>(face), {point[0], point[1], point[2]});
+        }
+    }
+}
+
+TEST(LanesTest, CornersAreLoadedOfFourFacesAtOnce)
+{
+    expectCornersOfFourFaces<3>();
+    expectCornersOfFourFaces<4>();
+}
+
 TEST(LanesTest, LanesOfTwoAreInterleaved)
 {
     const Points4 first = pointsAt(0);

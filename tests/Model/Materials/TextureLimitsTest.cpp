@@ -1,5 +1,6 @@
 // Images that claim more pixels than anybody has memory for.
 #include "support/GLTest.h"
+#include "support/ImageFiles.h"
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
@@ -10,7 +11,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QtCore/QBuffer>
 #include <QtCore/QFile>
 #include <QtCore/QtEndian>
 #include <QtGui/QImage>
@@ -23,14 +23,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-
-QByteArray encoded(const QImage &image, const char *format)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, format));
-    return buffer.data();
-}
 
 QImage pixel(QImage::Format format)
 {

@@ -1,4 +1,5 @@
 #include "support/GLTest.h"
+#include "support/ImageFiles.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
@@ -9,7 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtGui/QImage>
@@ -22,14 +22,6 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 
 namespace {
-
-QByteArray encoded(const QImage &image, const char *format)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, format)) << format;
-    return buffer.data();
-}
 
 QImage filled(int width, int height, QImage::Format format, QRgb color)
 {

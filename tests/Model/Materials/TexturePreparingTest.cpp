@@ -1,15 +1,15 @@
 // Images that lie, and images that are built to be expensive. They are made here, byte by byte.
 #include "support/GLTest.h"
+#include "support/ImageFiles.h"
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvModel/TextureLoading.h>
-#include <OrvModel/TexturePreparing.h>
-
 #include <OrvGL/AutoBinder.h>
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
+#include <OrvModel/TextureLoading.h>
+#include <OrvModel/TexturePreparing.h>
 
 #include <gmock/gmock.h>
 
@@ -28,14 +28,6 @@ using ::testing::IsEmpty;
 using Trouble = PreparedTexture::Trouble;
 
 namespace {
-
-QByteArray encoded(const QImage &image, const char *format)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, format)) << format;
-    return buffer.data();
-}
 
 QImage plain(int width, int height, QImage::Format format = QImage::Format_RGB32)
 {

@@ -40,17 +40,7 @@ constexpr int UNKNOWN = MTLReader::LINE_UNKNOWN;
 std::vector<int> lineTypes(const std::string &text, bool skipUnknown)
 {
     Lines reader(text, skipUnknown);
-    std::vector<int> types;
-    while (reader->valid()) {
-        reader->next();
-        types.push_back(reader->getLineType());
-    }
-    return types;
-}
-
-std::vector<float> floatsOf(const MTLReader::Floats &values)
-{
-    return {values[0], values[1], values[2]};
+    return followingTypes(reader);
 }
 
 TEST(MTLReader, NumbersItsLineTypes)

@@ -19,17 +19,10 @@ using Lines = TextReader<OBJReader>;
 std::vector<int> lineTypes(const std::string &text)
 {
     Lines reader(text);
-    std::vector<int> types{reader->getLineType()};
-    while (reader->valid()) {
-        reader->next();
-        types.push_back(reader->getLineType());
-    }
+    const int first = reader->getLineType();
+    std::vector<int> types = followingTypes(reader);
+    types.insert(types.begin(), first);
     return types;
-}
-
-std::vector<float> floatsOf(const OBJReader::Floats &xyz)
-{
-    return {xyz[0], xyz[1], xyz[2]};
 }
 
 struct Corner
