@@ -6,14 +6,13 @@
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <OrvModel/ModelBuilder.h>
-#include <OrvModel/ModelPreparing.h>
-#include <OrvModel/ModelUploading.h>
-
 #include <OrvGL/DrawBuffers.h>
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/VertexArrayObject.h>
+#include <OrvModel/ModelBuilder.h>
+#include <OrvModel/ModelPreparing.h>
+#include <OrvModel/ModelUploading.h>
 
 #include <gmock/gmock.h>
 
@@ -23,9 +22,8 @@
 #include <QtGui/QVector3D>
 
 #include <memory>
-#include <thread>
-
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Halvard::Orv;

@@ -1,6 +1,5 @@
 // --within: what lies outside of a directory is not read.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

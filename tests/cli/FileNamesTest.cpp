@@ -1,6 +1,5 @@
 // Names of files that are no text: a Latin-1 name where the locale is UTF-8, for example.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

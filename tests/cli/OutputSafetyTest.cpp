@@ -1,6 +1,5 @@
 // Outputs that would destroy an input, and streams that are not there.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,5 @@
 // What a file says must not reach a terminal as it is.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,5 @@
 // What the surface of a model shows.
 #include "cli/RenderFixture.h"
-
 #include "support/MessageCapture.h"
 
 #include <gmock/gmock.h>

@@ -1,13 +1,12 @@
 // Numbers converted from bytes against QString, which defines what they are.
 #include "Numbers/NumberConversion.h"
-#include "Numbers/ASCIIBytes.h"
-#include "Scanning/PlainLines.h"
-#include "Scanning/ValueRuns.h"
 
 #include "support/OBJTokenCases.h"
 #include "support/RandomRings.h"
 
+#include "Numbers/ASCIIBytes.h"
 #include "Scanning/ASCIIBytes.h"
+#include "Scanning/PlainLines.h"
 #include "Scanning/ValueRuns.h"
 
 #include <gtest/gtest.h>

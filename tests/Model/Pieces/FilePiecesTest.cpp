@@ -1,9 +1,9 @@
 // Files in pieces against the same files whole.
 #include "Pieces/FilePieces.h"
 
-#include "Pieces/DeviceReading.h"
-
 #include "support/TemporaryModel.h"
+
+#include "Pieces/DeviceReading.h"
 
 #include <gmock/gmock.h>
 
