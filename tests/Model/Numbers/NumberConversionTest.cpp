@@ -5,7 +5,6 @@
 #include "support/RandomRings.h"
 
 #include "Numbers/ASCIIBytes.h"
-#include "Scanning/ASCIIBytes.h"
 #include "Scanning/PlainLines.h"
 #include "Scanning/ValueRuns.h"
 
