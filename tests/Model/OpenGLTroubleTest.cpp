@@ -240,7 +240,7 @@ TEST_F(OpenGLTrouble, ALostContextIsNoReasonToHang)
     EXPECT_FALSE(LoadTexture(image));
     EXPECT_THAT(messages.texts(QtWarningMsg),
                 ElementsAre("'" + image.toStdString() +
-                            "' is not loaded: OpenGL cannot hold its 4 x 4 pixels"));
+                            "' is not loaded: it has 4 x 4 pixels, more than OpenGL can hold"));
 }
 
 PFNGLTEXIMAGE2DPROC driverTexImage = nullptr;
@@ -263,7 +263,7 @@ TEST_F(OpenGLTrouble, ATextureThatFindsNoRoomIsNotKept)
         EXPECT_FALSE(LoadTexture(image));
         EXPECT_THAT(messages.texts(QtWarningMsg),
                     Contains("'" + image.toStdString() +
-                             "' is not loaded: OpenGL cannot hold its 4 x 4 pixels"));
+                             "' is not loaded: it has 4 x 4 pixels, more than OpenGL can hold"));
     }
     static Texture *texture = nullptr; // for the leak sanitizer: it lives as long as the process
     texture = LoadTexture(image);
