@@ -52,18 +52,27 @@ struct ByteBlock
 } // namespace
 
 FaceSums::FaceSums(const CornerCounts &counts)
+    : FaceSums(counts, 0, static_cast<quint32>(counts.small.size()), 0)
+{}
+
+FaceSums::FaceSums(const CornerCounts &counts, quint32 firstFace, quint32 faceCount,
+                   quint32 firstLarge)
 {
-    for (size_t first = 0; first < counts.small.size(); first += ByteBlock::MaxCount) {
-        const size_t count = std::min(counts.small.size() - first, ByteBlock::MaxCount);
-        const ByteBlock block(counts.small.data() + first, count);
+    const quint8 *const small = counts.small.data() + firstFace;
+    for (size_t first = 0; first < faceCount; first += ByteBlock::MaxCount) {
+        const size_t count = std::min(faceCount - first, ByteBlock::MaxCount);
+        const ByteBlock block(small + first, count);
         corners += block.sum;
         triangles += block.sumAboveTwo;
         hasLargerThanTriangles |= block.hasAboveThree;
     }
+    if (hasLargerThanTriangles && !counts.large.isEmpty())
+        large = static_cast<quint32>(std::count(small, small + faceCount, CornerCounts::Escape));
     // Escapes were counted as what they are as bytes.
-    for (size_t i = 0; i < counts.large.size(); ++i) {
-        corners += counts.large[i] - quint64(CornerCounts::Escape);
-        triangles += counts.large[i] - quint64(CornerCounts::Escape);
+    for (quint32 i = 0; i < large; ++i) {
+        const quint64 more = counts.large[firstLarge + i] - quint64(CornerCounts::Escape);
+        corners += more;
+        triangles += more;
     }
 }
 

@@ -58,12 +58,26 @@ void FaceTriangles::addRun(const FaceRun &run)
             addFace(count, corners);
             addNormals(firstNew);
             if (_end == firstNew)
-                (count < 3 ? _withTooFewCorners : _notTriangulated)
-                    .add(static_cast<quint64>(counts - _counts.small.data()), 1);
+                noteFailure(count, static_cast<quint32>(counts - _counts.small.data()));
             corners += count;
             ++counts;
         }
     }
+}
+
+void FaceTriangles::noteFailure(quint32 count, quint32 face)
+{
+    const bool hasTooFew = count < 3;
+    (hasTooFew ? _withTooFewCorners : _notTriangulated).add(face, 1);
+    if (_keepsMessages)
+        _failures.push_back(hasTooFew);
+}
+
+void FaceTriangles::warn() const
+{
+    constexpr int Enough = 5;
+    for (const bool hasTooFew : _failures)
+        EarClipping::warn(hasTooFew ? 0 : Enough);
 }
 
 void FaceTriangles::addFourTriangles(const quint32 *corners)

@@ -10,6 +10,8 @@
 
 #include <QtCore/QtGlobal>
 
+#include <vector>
+
 namespace Halvard::Orv {
 
 /// Cuts runs of faces into triangles, as FaceTriangulation does one by one, and
@@ -33,6 +35,15 @@ public:
 
     void addRun(const FaceRun &run);
 
+    /// Keeps the messages of faces that cannot be triangulated until warn(): messages belong to
+    /// the thread that loads, and in the order of the faces.
+    void keepMessages()
+    {
+        _keepsMessages = true;
+        _triangulation.setQuiet(true);
+    }
+    void warn() const;
+
     /// \name Faces of the runs so far that gave no triangle
     /// @{
     const UndrawnFaces &withTooFewCorners() const { return _withTooFewCorners; }
@@ -51,6 +62,7 @@ private:
     void addSmallFace(unsigned count, const quint32 *corners, bool clockwise);
     void addFace(quint32 count, const quint32 *corners);
     void addNormals(const quint32 *firstNew);
+    void noteFailure(quint32 count, quint32 face);
 
     const CornerCounts &_counts;
     const quint32 *_corners;
@@ -61,6 +73,8 @@ private:
     FaceTriangulation _triangulation;
     UndrawnFaces _withTooFewCorners;
     UndrawnFaces _notTriangulated;
+    bool _keepsMessages = false;
+    std::vector<bool> _failures; ///< whether it was for too few corners, where messages are kept
 };
 
 } // namespace Halvard::Orv

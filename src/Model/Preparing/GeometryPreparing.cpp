@@ -12,10 +12,13 @@
 
 #include "Builder/OwnedStream.h"
 #include "Preparing/CornerWelding.h"
+#include "Preparing/FacePlan.h"
 #include "Preparing/FaceSums.h"
-#include "Preparing/FaceTriangles.h"
+#include "Preparing/ModelTriangles.h"
+#include "Preparing/ParallelNormals.h"
 #include "Reports/CurrentReport.h"
 #include "Reports/WeldingReport.h"
+#include "Threads/Work.h"
 #include "Triangles/VertexNormalSums.h"
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -86,28 +89,27 @@ PreparedGeometry::Attribute attribute(const QString &name, int components,
 class Preparation
 {
 public:
-    Preparation(OBJGeometry &geometry, const FaceSums &sums)
-        : _geometry(geometry), _sums(sums), _hasNormals(geometry.normals.exists()),
-          _hasTexCoords(geometry.texCoords.exists())
+    Preparation(OBJGeometry &geometry, const FaceSums &sums, Work &work,
+                const PreparingSizes &sizes)
+        : _geometry(geometry), _sums(sums), _work(work), _sizes(sizes),
+          _inParallel(!work.isAlone() && geometry.cornerCount >= sizes.threadsFromCorners),
+          _hasNormals(geometry.normals.exists()), _hasTexCoords(geometry.texCoords.exists())
     {}
 
     PreparedGeometry run(const QStringList &groupOrder, const void *builder)
     {
         weld(builder);
         const QVector<const FaceGroup *> groups = orderedGroups(_geometry, groupOrder);
-        const bool inPlace = !_sums.hasLargerThanTriangles && areInFileOrder(groups);
+        _areInFileOrder = areInFileOrder(groups);
+        const bool inPlace = !_sums.hasLargerThanTriangles && _areInFileOrder;
         reuseMemory(inPlace);
-        if (_hasNormals) {
-            triangulate(groups, inPlace, nullptr);
-        } else if (inPlace || fitNormals()) {
-            VertexNormalSums normals = startNormals();
-            triangulate(groups, inPlace, &normals);
-            finishNormals(normals);
-        } else {
-            triangulate(groups, inPlace, nullptr);
-            VertexNormalSums normals = startNormals();
-            addAllTriangles(normals);
-            finishNormals(normals);
+        const bool besides = !_hasNormals && (inPlace || fitNormals());
+        if (besides)
+            makeRoomForNormals();
+        triangulate(groups, inPlace, besides);
+        if (!_hasNormals && !besides) {
+            makeRoomForNormals();
+            sumUpNormals();
         }
         return takeModel();
     }
@@ -143,10 +145,9 @@ private:
     }
 
     /// The triangles of all groups, and a command for each.
-    void triangulate(const QVector<const FaceGroup *> &groups, bool inPlace,
-                     VertexNormalSums *normals)
+    /// \param withNormals whether the normals are made besides.
+    void triangulate(const QVector<const FaceGroup *> &groups, bool inPlace, bool withNormals)
     {
-        const StageTimer timer(&PreparationReport::Stages::triangulate);
         GrowArray<quint32> vertexOfCorner = std::move(_welded.vertexOfCorner);
         const quint32 *const corners = vertexOfCorner.data();
         if (inPlace) // the triangles take the place of their corners
@@ -154,35 +155,123 @@ private:
         else
             _triangleIndices.reserveMore(3 * _sums.triangles);
 
-        FaceTriangles triangles(_geometry.cornerCounts, corners, _welded.positions.data(),
-                                _triangleIndices.data(), normals);
-        for (const FaceGroup *group : groups) {
-            const size_t first = triangles.size();
-            for (const FaceRun &run : group->runs)
-                triangles.addRun(run);
-            _model.commands.append({group->material, static_cast<quint32>(first),
-                                    static_cast<quint32>(triangles.size() - first)});
+        const FacePlan plan(_geometry.cornerCounts, groups, _sizes.facesPerTask);
+        const ModelTriangles triangles(_geometry.cornerCounts, plan,
+                                       static_cast<size_t>(groups.size()), corners,
+                                       _welded.positions.data(), _triangleIndices.data());
+        const CutFaces faces = _inParallel ? cutInParallel(triangles, plan, corners, withNormals)
+                                           : cut(triangles, withNormals);
+        size_t first = 0;
+        for (int group = 0; group < groups.size(); ++group) {
+            const size_t count = faces.indexCounts[static_cast<size_t>(group)];
+            _model.commands.append({groups.at(group)->material, static_cast<quint32>(first),
+                                    static_cast<quint32>(count)});
+            first += count;
         }
-        _model.withTooFewCorners = triangles.withTooFewCorners();
-        _model.notTriangulated = triangles.notTriangulated();
-        _triangleIndices.resize(triangles.size());
+        _model.withTooFewCorners = faces.withTooFewCorners;
+        _model.notTriangulated = faces.notTriangulated;
+        _triangleIndices.resize(faces.indexCount);
         _triangleIndices.shrink();
         _geometry = {};
+    }
+
+    CutFaces cut(const ModelTriangles &triangles, bool withNormals)
+    {
+        if (!withNormals) {
+            const StageTimer timer(&PreparationReport::Stages::triangulate);
+            return triangles.cut(nullptr, _work);
+        }
+        VertexNormalSums sums = startNormals();
+        CutFaces faces;
+        {
+            const StageTimer timer(&PreparationReport::Stages::triangulate);
+            faces = triangles.cut(&sums, _work);
+        }
+        finishNormals(sums);
+        return faces;
+    }
+
+    CutFaces cutInParallel(const ModelTriangles &triangles, const FacePlan &plan,
+                           const quint32 *corners, bool withNormals)
+    {
+        if (!withNormals) {
+            const StageTimer timer(&PreparationReport::Stages::triangulate);
+            return triangles.cutInParallel(nullptr, _work);
+        }
+        ParallelNormals normals(_welded.vertexCount, _welded.positions.data(),
+                                _welded.normals.data(), _work, _sizes);
+        CutFaces faces;
+        {
+            const StageTimer timer(&PreparationReport::Stages::triangulate);
+            normals.begin(plan.tasks().size(), _areInFileOrder,
+                          [&](size_t part, const ParallelNormals::Visitor &visitor) {
+                              visitCorners(plan, part, corners, visitor);
+                          });
+            faces = triangles.cutInParallel(&normals, _work);
+        }
+        const StageTimer timer(&PreparationReport::Stages::normals);
+        normals.end(_triangleIndices.data(), faces.indexCount);
+        return faces;
+    }
+
+    /// The vertices that a task's triangles may have, as their corners are before the triangles
+    /// take their place.
+    void visitCorners(const FacePlan &plan, size_t part, const quint32 *corners,
+                      const ParallelNormals::Visitor &visitor) const
+    {
+        const FaceTask &task = plan.tasks()[part];
+        for (size_t i = task.firstPiece; i < task.endPiece; ++i) {
+            const FaceRun &run = plan.pieces()[i].run;
+            const FaceSums sums(_geometry.cornerCounts, run.firstFace, run.faceCount,
+                                run.firstLarge);
+            visitor(corners + run.firstCorner, corners + run.firstCorner + sums.corners);
+        }
+    }
+
+    void makeRoomForNormals()
+    {
+        const StageTimer timer(&PreparationReport::Stages::normals);
+        _welded.normals.resize(3 * size_t(_welded.vertexCount));
+        _welded.normals.shrink();
     }
 
     VertexNormalSums startNormals()
     {
         const StageTimer timer(&PreparationReport::Stages::normals);
-        const size_t count = 3 * size_t(_welded.vertexCount);
-        _welded.normals.resize(count);
-        _welded.normals.shrink();
         return {_welded.vertexCount, _welded.positions.data(), _welded.normals.data()};
     }
 
-    void addAllTriangles(VertexNormalSums &normals)
+    /// Normals from triangles that are all there.
+    void sumUpNormals()
     {
         const StageTimer timer(&PreparationReport::Stages::normals);
-        normals.add(_triangleIndices.data(), _triangleIndices.size());
+        const quint32 *const indices = _triangleIndices.data();
+        const size_t size = 3 * size_t(_sizes.facesPerTask);
+        const size_t count = TaskRange::taskCount(size, _triangleIndices.size());
+        if (!_inParallel) {
+            VertexNormalSums sums = startNormals();
+            _work.forEach({WorkStage::Normals, 0.0, 0.9}, count, [&](size_t part) {
+                const TaskRange range(part, size, _triangleIndices.size());
+                sums.add(indices + range.begin, range.end - range.begin);
+            });
+            return finishNormals(sums);
+        }
+        ParallelNormals normals(_welded.vertexCount, _welded.positions.data(),
+                                _welded.normals.data(), _work, _sizes);
+        normals.begin(count, _areInFileOrder,
+                      [&](size_t part, const ParallelNormals::Visitor &visitor) {
+                          const TaskRange range(part, size, _triangleIndices.size());
+                          visitor(indices + range.begin, indices + range.end);
+                      });
+        _work.forEach({WorkStage::Normals, 0.0, 0.9}, count, [&](size_t part) {
+            if (normals.isAbandoned())
+                return;
+            const TaskRange range(part, size, _triangleIndices.size());
+            VertexNormalSums sums = normals.sumsOf(part);
+            sums.add(indices + range.begin, range.end - range.begin);
+            normals.finishPart(part, sums);
+        });
+        normals.end(indices, _triangleIndices.size());
     }
 
     static void finishNormals(VertexNormalSums &normals)
@@ -206,8 +295,12 @@ private:
 
     OBJGeometry &_geometry;
     const FaceSums &_sums;
+    Work &_work;
+    const PreparingSizes _sizes;
+    const bool _inParallel;
     const bool _hasNormals;
     const bool _hasTexCoords;
+    bool _areInFileOrder = false;
     WeldedCorners _welded;
     GrowArray<quint32> _triangleIndices;
     PreparedGeometry _model;
@@ -216,12 +309,13 @@ private:
 } // namespace
 
 PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                                 const void *builder, Work *)
+                                 const void *builder, Work *work, const PreparingSizes &sizes)
 {
     const FaceSums sums(geometry.cornerCounts);
     if (!isDrawable(geometry) || !fitsCounts(geometry, sums))
         return {};
-    return Preparation(geometry, sums).run(groupOrder, builder);
+    Work alone;
+    return Preparation(geometry, sums, work ? *work : alone, sizes).run(groupOrder, builder);
 }
 
 } // namespace Halvard::Orv

@@ -18,6 +18,7 @@
 // then of the vertices, and in the end the vertices' values.
 #pragma once
 
+#include "Preparing/PreparingSizes.h"
 #include "Scanning/OBJGeometry.h"
 
 #include <OrvModel/ModelDataStream.h>
@@ -74,11 +75,14 @@ struct PreparedGeometry
 ///        walks through its own. Groups without faces give no command; groups
 ///        that are not named give no triangles.
 /// \param builder whose address the message on welding shows.
+/// \param work null: on the calling thread alone, which nobody stops. Otherwise throws
+///        WorkStopped, and whatever its callback throws.
 /// \return an empty model for a file that a builder would find not valid, for
 ///         one without positions, and for one with more corners or triangles than
 ///         32-bit signed counts of single numbers can tell, which no scan lets through
 ///         (see OBJScanLimits).
 PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &groupOrder,
-                                 const void *builder, Work *work = nullptr);
+                                 const void *builder, Work *work = nullptr,
+                                 const PreparingSizes &sizes = {});
 
 } // namespace Halvard::Orv

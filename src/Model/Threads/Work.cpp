@@ -57,6 +57,10 @@ struct Crew
     }
 };
 
+/// Orders what the calling thread has done before what a helper does, as the pool does as well:
+/// but within Qt, where the thread sanitizer does not see it.
+std::atomic<unsigned> handedOver{0};
+
 /// Deleted by the pool when it has run.
 class Helper : public QRunnable
 {
@@ -67,6 +71,7 @@ public:
 
     void run() override
     {
+        handedOver.load(std::memory_order_acquire);
         const FloatingPointState state;
         std::unique_lock<std::mutex> lock(_crew->mutex);
         if (_crew->isClosed)
@@ -95,6 +100,7 @@ public:
         try {
             for (Entry &entry : _entries) {
                 auto helper = std::make_unique<Helper>(_crew, entry.hasBegun);
+                handedOver.fetch_add(1, std::memory_order_release);
                 pool.start(helper.get());
                 entry.helper = helper.release();
             }
@@ -227,6 +233,7 @@ void Work::forEach(const StagePart &part, size_t count, const std::function<void
             lock.lock();
         }
     });
+    report(part.stage, part.end);
 }
 
 } // namespace Halvard::Orv

@@ -24,6 +24,9 @@ public:
     /// As above with the normal computed from the ring.
     const QVector<int> &triangulate(int count, int const *indices, float const *positions);
 
+    /// As EarClipping::setQuiet().
+    void setQuiet(bool isQuiet) { _clipping.setQuiet(isQuiet); }
+
 private:
     QVector<QVector2D> _projected;
     EarClipping _clipping;

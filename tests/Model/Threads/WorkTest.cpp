@@ -195,8 +195,12 @@ TEST(Work, StopsWhenToldSo)
         Work work(&pool, [](WorkStage, double) { return false; });
         work.setInterval(0);
         std::atomic<int> begun{0};
-        EXPECT_THROW(work.forEach(Part, 100000, [&](size_t) { ++begun; }), WorkStopped);
-        EXPECT_LT(begun, 100000);
+        const auto task = [&](size_t) {
+            ++begun;
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        };
+        EXPECT_THROW(work.forEach(Part, 20000, task), WorkStopped);
+        EXPECT_LT(begun, 20000);
     }
 }
 

@@ -44,7 +44,8 @@ void EarClipping::triangulate(int count, QVector2D const *points, QVector<int> &
 {
     triangles.resize(0);
     if (count < 3) {
-        qWarning("Cannot triangulate a polygon with fewer than 3 vertices");
+        if (!_isQuiet)
+            warn(count);
         return;
     }
     if (count <= 4) {
@@ -58,13 +59,22 @@ void EarClipping::triangulate(int count, QVector2D const *points, QVector<int> &
     for (int clipped = 0; clipped < count - 3; ++clipped) {
         const int ear = _queue.sharpest();
         if (ear < 0) {
-            qWarning("Unable to triangulate polygon.");
+            if (!_isQuiet)
+                warn(count);
             triangles.resize(0);
             return;
         }
         clip(ear, triangles);
     }
     appendLastTriangle(_ring, triangles);
+}
+
+void EarClipping::warn(int count)
+{
+    if (count < 3)
+        qWarning("Cannot triangulate a polygon with fewer than 3 vertices");
+    else
+        qWarning("Unable to triangulate polygon.");
 }
 
 /// Links the corners into a ring that is walked counter-clockwise, and looks at each.

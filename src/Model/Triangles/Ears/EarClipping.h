@@ -21,7 +21,14 @@ class EarClipping
 {
 public:
     /// As Triangulate2D().
+    /// \param triangles none when the polygon cannot be triangulated.
     void triangulate(int count, QVector2D const *points, QVector<int> &triangles, bool clockwise);
+
+    /// Says nothing of polygons that cannot be triangulated: the caller does, by warn(), when
+    /// their turn comes.
+    void setQuiet(bool isQuiet) { _isQuiet = isQuiet; }
+    /// The warning of a polygon of `count` corners that cannot be triangulated.
+    static void warn(int count);
 
 private:
     void makeRing(int count, bool clockwise);
@@ -33,6 +40,7 @@ private:
     std::vector<Vertex> _ring;
     EarQueue _queue;
     BlockerSearch _blockers;
+    bool _isQuiet = false;
 };
 
 } // namespace Halvard::Orv
