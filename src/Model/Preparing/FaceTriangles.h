@@ -44,6 +44,9 @@ public:
     }
     void warn() const;
 
+    /// From now on nobody needs normals.
+    void leaveNormals() { _normals = nullptr; }
+
     /// \name Faces of the runs so far that gave no triangle
     /// @{
     const UndrawnFaces &withTooFewCorners() const { return _withTooFewCorners; }

@@ -25,6 +25,7 @@
 
 #include <QtCore/QMap>
 
+#include <algorithm>
 #include <limits>
 
 namespace Halvard::Orv {
@@ -196,18 +197,18 @@ private:
     {
         if (!withNormals) {
             const StageTimer timer(&PreparationReport::Stages::triangulate);
-            return triangles.cutInParallel(nullptr, _work);
+            return triangles.cutInParallel(partCount(), nullptr, _work);
         }
         ParallelNormals normals(_welded.vertexCount, _welded.positions.data(),
                                 _welded.normals.data(), _work, _sizes);
         CutFaces faces;
         {
             const StageTimer timer(&PreparationReport::Stages::triangulate);
-            normals.begin(plan.tasks().size(), _areInFileOrder,
+            normals.begin(partCount(), _areInFileOrder,
                           [&](size_t part, const ParallelNormals::Visitor &visitor) {
                               visitCorners(plan, part, corners, visitor);
                           });
-            faces = triangles.cutInParallel(&normals, _work);
+            faces = triangles.cutInParallel(partCount(), &normals, _work);
         }
         const StageTimer timer(&PreparationReport::Stages::normals);
         normals.end(_triangleIndices.data(), faces.indexCount);
@@ -219,12 +220,15 @@ private:
     void visitCorners(const FacePlan &plan, size_t part, const quint32 *corners,
                       const ParallelNormals::Visitor &visitor) const
     {
-        const FaceTask &task = plan.tasks()[part];
-        for (size_t i = task.firstPiece; i < task.endPiece; ++i) {
-            const FaceRun &run = plan.pieces()[i].run;
-            const FaceSums sums(_geometry.cornerCounts, run.firstFace, run.faceCount,
-                                run.firstLarge);
-            visitor(corners + run.firstCorner, corners + run.firstCorner + sums.corners);
+        const EqualRange tasks(part, partCount(), plan.tasks().size());
+        for (size_t number = tasks.begin; number < tasks.end; ++number) {
+            const FaceTask &task = plan.tasks()[number];
+            for (size_t i = task.firstPiece; i < task.endPiece; ++i) {
+                const FaceRun &run = plan.pieces()[i].run;
+                const FaceSums sums(_geometry.cornerCounts, run.firstFace, run.faceCount,
+                                    run.firstLarge);
+                visitor(corners + run.firstCorner, corners + run.firstCorner + sums.corners);
+            }
         }
     }
 
@@ -247,32 +251,42 @@ private:
         const StageTimer timer(&PreparationReport::Stages::normals);
         const quint32 *const indices = _triangleIndices.data();
         const size_t size = 3 * size_t(_sizes.facesPerTask);
-        const size_t count = TaskRange::taskCount(size, _triangleIndices.size());
+        const size_t indexCount = _triangleIndices.size();
+        WorkSteps steps{{WorkStage::Normals, 0.0, 0.9}, TaskRange::taskCount(size, indexCount)};
         if (!_inParallel) {
             VertexNormalSums sums = startNormals();
-            _work.forEach({WorkStage::Normals, 0.0, 0.9}, count, [&](size_t part) {
-                const TaskRange range(part, size, _triangleIndices.size());
+            _work.forEach(steps.part, steps.count, [&](size_t task) {
+                const TaskRange range(task, size, indexCount);
                 sums.add(indices + range.begin, range.end - range.begin);
             });
             return finishNormals(sums);
         }
         ParallelNormals normals(_welded.vertexCount, _welded.positions.data(),
                                 _welded.normals.data(), _work, _sizes);
-        normals.begin(count, _areInFileOrder,
+        // Parts are whole tasks.
+        const auto partOf = [&](size_t part) { return EqualRange(part, partCount(), steps.count); };
+        normals.begin(partCount(), _areInFileOrder,
                       [&](size_t part, const ParallelNormals::Visitor &visitor) {
-                          const TaskRange range(part, size, _triangleIndices.size());
-                          visitor(indices + range.begin, indices + range.end);
+                          const EqualRange tasks = partOf(part);
+                          visitor(indices + std::min(tasks.begin * size, indexCount),
+                                  indices + std::min(tasks.end * size, indexCount));
                       });
-        _work.forEach({WorkStage::Normals, 0.0, 0.9}, count, [&](size_t part) {
-            if (normals.isAbandoned())
-                return;
-            const TaskRange range(part, size, _triangleIndices.size());
+        _work.forEach(steps.part, partCount(), [&](size_t part) {
+            const EqualRange tasks = partOf(part);
             VertexNormalSums sums = normals.sumsOf(part);
-            sums.add(indices + range.begin, range.end - range.begin);
-            normals.finishPart(part, sums);
+            for (size_t task = tasks.begin; task < tasks.end && normals.goesOn(part); ++task) {
+                const TaskRange range(task, size, indexCount);
+                sums.add(indices + range.begin, range.end - range.begin);
+                _work.step(steps);
+            }
+            sums.finish();
         });
-        normals.end(indices, _triangleIndices.size());
+        normals.end(indices, indexCount);
     }
+
+    /// Parts that threads work on at the same time. Few of them: vertices at their borders cost
+    /// time and memory.
+    size_t partCount() const { return 2 * size_t(_work.threadCount()); }
 
     static void finishNormals(VertexNormalSums &normals)
     {

@@ -23,7 +23,7 @@ void add(UndrawnFaces &all, const UndrawnFaces &faces)
 
 } // namespace
 
-struct ModelTriangles::TaskResult
+struct ModelTriangles::PartResult
 {
     std::vector<size_t> indexCounts; ///< per piece
     size_t indexCount = 0;
@@ -59,58 +59,71 @@ CutFaces ModelTriangles::cut(VertexNormalSums *normals, Work &work) const
     return cutFaces;
 }
 
-/// Where the triangles of a task go at first. In place, nothing may be written before what other
-/// tasks have still to read: each task writes to its own corners.
-size_t ModelTriangles::outBegin(size_t task) const
+/// Where the triangles of a part go at first. In place, nothing may be written before what other
+/// parts have still to read: each writes to its own corners.
+size_t ModelTriangles::outBegin(size_t part, size_t partCount) const
 {
+    const size_t task = EqualRange(part, partCount, _plan.tasks().size()).begin;
     return _out == _corners ? _plan.firstCorner(task) : 3 * _plan.tasks()[task].trianglesBefore;
 }
 
-void ModelTriangles::cutTask(size_t number, ParallelNormals *normals, TaskResult &result) const
+void ModelTriangles::cutPart(size_t part, size_t partCount, ParallelNormals *normals, Work &work,
+                             WorkSteps &steps, PartResult &result) const
 {
-    const FaceTask &task = _plan.tasks()[number];
+    const EqualRange range(part, partCount, _plan.tasks().size());
+    if (range.begin == range.end)
+        return;
     std::optional<VertexNormalSums> sums;
-    if (normals && !normals->isAbandoned())
-        sums.emplace(normals->sumsOf(number));
+    if (normals)
+        sums.emplace(normals->sumsOf(part));
     auto triangles = std::make_unique<FaceTriangles>(
-        _counts, _corners, _positions, _out + outBegin(number), sums ? &*sums : nullptr);
+        _counts, _corners, _positions, _out + outBegin(part, partCount), sums ? &*sums : nullptr);
     triangles->keepMessages();
-    result.indexCounts.reserve(task.endPiece - task.firstPiece);
-    for (size_t i = task.firstPiece; i < task.endPiece; ++i) {
-        const size_t before = triangles->size();
-        triangles->addRun(_plan.pieces()[i].run);
-        result.indexCounts.push_back(triangles->size() - before);
+    for (size_t number = range.begin; number < range.end; ++number) {
+        const FaceTask &task = _plan.tasks()[number];
+        for (size_t i = task.firstPiece; i < task.endPiece; ++i) {
+            const size_t before = triangles->size();
+            triangles->addRun(_plan.pieces()[i].run);
+            result.indexCounts.push_back(triangles->size() - before);
+        }
+        work.step(steps);
+        if (sums && !normals->goesOn(part)) {
+            triangles->leaveNormals();
+            sums.reset();
+        }
     }
     if (sums)
-        normals->finishPart(number, *sums);
+        sums->finish();
     result.indexCount = triangles->size();
     if (triangles->withTooFewCorners().count + triangles->notTriangulated().count > 0)
         result.failures = std::move(triangles);
 }
 
-CutFaces ModelTriangles::cutInParallel(ParallelNormals *normals, Work &work) const
+CutFaces ModelTriangles::cutInParallel(size_t partCount, ParallelNormals *normals, Work &work) const
 {
     const std::vector<FaceTask> &tasks = _plan.tasks();
-    std::vector<TaskResult> results(tasks.size());
-    work.forEach(Cutting, tasks.size(), [&](size_t number) {
-        TaskResult result; // on the thread's own stack until it is done
-        cutTask(number, normals, result);
-        results[number] = std::move(result);
+    std::vector<PartResult> results(partCount);
+    WorkSteps steps{Cutting, tasks.size()};
+    work.forEach(Cutting, partCount, [&](size_t part) {
+        PartResult result; // on the thread's own stack until it is done
+        cutPart(part, partCount, normals, work, steps, result);
+        results[part] = std::move(result);
     });
 
     CutFaces cutFaces;
     cutFaces.indexCounts.resize(_groupCount);
-    for (size_t number = 0; number < tasks.size(); ++number) {
-        const TaskResult &result = results[number];
-        const quint32 *const written = _out + outBegin(number);
-        quint32 *const place = _out + cutFaces.indexCount;
-        if (place != written && result.indexCount > 0)
-            std::memmove(place, written, result.indexCount * sizeof *place);
-        cutFaces.indexCount += result.indexCount;
-        for (size_t i = 0; i < result.indexCounts.size(); ++i) {
-            const FacePiece &piece = _plan.pieces()[tasks[number].firstPiece + i];
-            cutFaces.indexCounts[piece.group] += result.indexCounts[i];
+    size_t piece = 0;
+    for (size_t part = 0; part < partCount; ++part) {
+        const PartResult &result = results[part];
+        if (result.indexCount > 0) {
+            const quint32 *const written = _out + outBegin(part, partCount);
+            quint32 *const place = _out + cutFaces.indexCount;
+            if (place != written)
+                std::memmove(place, written, result.indexCount * sizeof *place);
         }
+        cutFaces.indexCount += result.indexCount;
+        for (const size_t count : result.indexCounts)
+            cutFaces.indexCounts[_plan.pieces()[piece++].group] += count;
         if (result.failures) {
             result.failures->warn();
             add(cutFaces.withTooFewCorners, result.failures->withTooFewCorners());

@@ -16,6 +16,7 @@ namespace Halvard::Orv {
 class ParallelNormals;
 class VertexNormalSums;
 class Work;
+struct WorkSteps;
 
 /// What came of cutting the faces.
 struct CutFaces
@@ -39,15 +40,17 @@ public:
     /// \param normals receives the triangles; may be null.
     CutFaces cut(VertexNormalSums *normals, Work &work) const;
 
-    /// On several threads. Messages come when all is done, in the order of the faces.
-    /// \param normals begun with a part for each task; may be null.
-    CutFaces cutInParallel(ParallelNormals *normals, Work &work) const;
+    /// On several threads, each of which takes one of some parts of successive tasks after the
+    /// other. Messages come when all is done, in the order of the faces.
+    /// \param normals begun with the same parts; may be null.
+    CutFaces cutInParallel(size_t partCount, ParallelNormals *normals, Work &work) const;
 
 private:
-    struct TaskResult;
+    struct PartResult;
 
-    size_t outBegin(size_t task) const;
-    void cutTask(size_t task, ParallelNormals *normals, TaskResult &result) const;
+    size_t outBegin(size_t part, size_t partCount) const;
+    void cutPart(size_t part, size_t partCount, ParallelNormals *normals, Work &work,
+                 WorkSteps &steps, PartResult &result) const;
 
     const CornerCounts &_counts;
     const FacePlan &_plan;

@@ -31,7 +31,7 @@ ParallelNormals::ParallelNormals(quint32 vertexCount, const float *positions, fl
 
 void ParallelNormals::begin(size_t partCount, bool areInFileOrder, const Visit &visit)
 {
-    _deferred.resize(partCount);
+    _parts.resize(partCount);
     if (areInFileOrder)
         findFirstNew(partCount, visit);
     else
@@ -83,24 +83,27 @@ VertexNormalSums ParallelNormals::sumsOf(size_t part)
         owners.partOf = _partOf.data();
     else
         owners.firstNew = _firstNew[part];
-    return {_vertexCount, _positions, _normals, owners, _deferred[part]};
+    return {_vertexCount, _positions, _normals, owners, _parts[part].deferred};
 }
 
-void ParallelNormals::finishPart(size_t part, VertexNormalSums &sums)
+bool ParallelNormals::goesOn(size_t number)
 {
-    // Faces in random order would defer nearly everything, and take more memory for it than
-    // the model: summing up on one thread is then no slower.
-    const size_t most = 1024 + _vertexCount / 4;
-    sums.finish();
-    if ((_deferredCount += _deferred[part].count()) > most)
+    // Faces in random order would defer nearly everything, and take more memory for it than the
+    // model: adding everything on one thread is then no slower.
+    const size_t most = 1024 + _vertexCount / 2;
+    Part &part = _parts[number];
+    const size_t more = part.deferred.count() - part.counted;
+    part.counted += more;
+    if ((_deferredCount += more) > most)
         _isAbandoned = true;
+    return !_isAbandoned;
 }
 
 void ParallelNormals::end(const quint32 *indices, size_t indexCount)
 {
     _partOf = {};
     if (_isAbandoned) {
-        _deferred.clear();
+        _parts.clear();
         VertexNormalSums sums(_vertexCount, _positions, _normals);
         const size_t size = 3 * _sizes.elementsPerTask;
         for (size_t task = 0; task < TaskRange::taskCount(size, indexCount); ++task) {
@@ -110,9 +113,9 @@ void ParallelNormals::end(const quint32 *indices, size_t indexCount)
         }
         sums.finish();
     }
-    for (const DeferredNormals &deferred : _deferred)
-        deferred.addTo(_normals);
-    _deferred.clear();
+    for (const Part &part : _parts)
+        part.deferred.addTo(_normals);
+    _parts.clear();
     const size_t size = _sizes.elementsPerTask;
     _work.forEach(Normalising, TaskRange::taskCount(size, _vertexCount), [&](size_t task) {
         const TaskRange range(task, size, _vertexCount);

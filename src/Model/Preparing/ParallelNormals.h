@@ -39,11 +39,11 @@ public:
     /// \param areInFileOrder whether the parts are in the order of the file.
     void begin(size_t partCount, bool areInFileOrder, const Visit &visit);
 
-    /// Sums for a part, which are to be finished by finishPart(); for any thread.
+    /// Sums for a part; for any thread.
     VertexNormalSums sumsOf(size_t part);
-    void finishPart(size_t part, VertexNormalSums &sums);
-    /// Whether so much was deferred that adding goes on only for nothing.
-    bool isAbandoned() const { return _isAbandoned; }
+    /// Asked now and then by those who add to a part. False when so much was deferred that adding
+    /// more is for nothing: end() will add everything anew.
+    bool goesOn(size_t part);
 
     /// Adds what was deferred, and normalises.
     /// \param indices the triangles of all parts in order, in case they are all added anew.
@@ -60,7 +60,12 @@ private:
     const PreparingSizes _sizes;
     std::vector<quint32> _firstNew; ///< per part
     GrowArray<quint32> _partOf;     ///< per vertex, where the parts are out of order
-    std::vector<DeferredNormals> _deferred;
+    struct Part
+    {
+        DeferredNormals deferred;
+        size_t counted = 0; ///< of what was deferred, in _deferredCount
+    };
+    std::vector<Part> _parts;
     std::atomic<size_t> _deferredCount{0};
     std::atomic<bool> _isAbandoned{false};
 };

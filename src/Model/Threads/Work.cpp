@@ -169,13 +169,24 @@ void Work::tell(WorkStage stage, double fraction)
         throw WorkStopped();
 }
 
+void Work::step(WorkSteps &steps)
+{
+    disturb();
+    const size_t done = ++steps.done;
+    if (isStopping())
+        throw WorkStopped();
+    if (std::this_thread::get_id() == _callingThread)
+        report(steps.part.stage,
+               steps.part.at(static_cast<double>(done) / static_cast<double>(steps.count)));
+}
+
 void Work::together(unsigned helperCount, const std::function<void(bool isCaller)> &body)
 {
+    _isStopping = false;
     helperCount = std::min(helperCount, _threadCount - 1);
     if (helperCount == 0)
         return body(true);
 
-    _isStopping = false;
     const auto crew = std::make_shared<Crew>();
     crew->body = &body;
     crew->isStopping = &_isStopping;
@@ -190,6 +201,7 @@ void Work::together(unsigned helperCount, const std::function<void(bool isCaller
 void Work::forEachAlone(const StagePart &part, size_t count,
                         const std::function<void(size_t)> &task)
 {
+    _isStopping = false;
     for (size_t number = 0; number < count; ++number) {
         disturb();
         task(number);

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <thread>
 
 class QThreadPool;
 
@@ -34,6 +35,14 @@ struct StagePart
     double end = 1.0;
 
     double at(double fraction) const { return begin + (end - begin) * fraction; }
+};
+
+/// Steps of tasks that take long.
+struct WorkSteps
+{
+    StagePart part;
+    size_t count;
+    std::atomic<size_t> done{0};
 };
 
 /// The threads and the callback that one piece of work has.
@@ -71,6 +80,10 @@ public:
     /// calling thread is alone.
     void forEach(const StagePart &part, size_t count, const std::function<void(size_t)> &task);
 
+    /// Called by a task that takes long, on any thread, after each of its steps.
+    /// Throws WorkStopped when the work has ended meanwhile; tells how far it is.
+    void step(WorkSteps &steps);
+
     /// Runs `body` on the calling thread, to which it says so, and at the same time on up to
     /// `helperCount` threads of the pool; returns when all have returned. A body that has
     /// nothing to do returns; it also returns soon when isStopping().
@@ -106,7 +119,20 @@ private:
     QElapsedTimer _sinceCall;
     qint64 _interval = 50;
     double _fraction = 0.0;
+    const std::thread::id _callingThread = std::this_thread::get_id();
     std::atomic<bool> _isStopping{false};
+};
+
+/// The part of [0, count) that is part `number` of `partCount`, about as large as the others.
+struct EqualRange
+{
+    EqualRange(size_t number, size_t partCount, size_t count)
+        : begin(count / partCount * number + count % partCount * number / partCount),
+          end(count / partCount * (number + 1) + count % partCount * (number + 1) / partCount)
+    {}
+
+    size_t begin;
+    size_t end;
 };
 
 /// The part of [0, count) that is task `number` of tasks of `size` each.
