@@ -17,10 +17,12 @@ namespace {
 
 constexpr QIODevice::OpenMode TextMode = QIODevice::ReadOnly | QIODevice::Text;
 
-/// Opens regular files only: a pipe would wait for somebody to write.
+/// Opens regular files only: a pipe would wait for somebody to write. Standard input, which is
+/// "-", cannot be read twice.
 bool open(QFile &file, QIODevice::OpenMode mode)
 {
-    return !file.fileName().contains(QChar::Null) && QFileInfo(file).isFile() && file.open(mode);
+    return file.fileName() != QLatin1String("-") && !file.fileName().contains(QChar::Null) &&
+           QFileInfo(file).isFile() && file.open(mode);
 }
 
 QString directoryOf(const QString &fileName)
