@@ -65,9 +65,11 @@ public:
 /// The library's own stream: elements packed in a QByteArray in native byte
 /// order.
 ///
-/// Holds at most 2^31 - 1 bytes. An append() that would pass the limit leaves
-/// the stream as it was; resize() takes the low 32 bits of a larger byte count.
-/// A type for which typeSize() is 0 makes a stream without elements.
+/// Holds somewhat less than 2^31 bytes. A byte count is taken as a signed 32-bit
+/// number: of a larger one the low 32 bits count, and where they are negative,
+/// resize() empties the stream and append() adds nothing. What does not fit
+/// throws std::bad_alloc and leaves the stream as it was. A type for which
+/// typeSize() is 0 makes a stream without elements.
 class ORVMODEL_EXPORT ModelDataArray : public ModelDataStream
 {
 public:
@@ -100,7 +102,11 @@ public:
 
     /// Returns a new stream of `type` that already holds `count` elements of
     /// unspecified value. The caller owns it and deletes it plainly. Null means
-    /// that there is no memory for it.
+    /// that there is no memory for it; so may an exception, which passes through
+    /// the builder's operation. A stream of fewer or of smaller elements than
+    /// asked for is not used where something must be written to it.
+    ///
+    /// \pre Does not change the builder that asks for the stream.
     virtual ModelDataStream *alloc(unsigned type, unsigned long count) = 0;
 };
 

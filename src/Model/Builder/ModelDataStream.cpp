@@ -28,19 +28,16 @@ constexpr quint64 TypeSizes[] = {
     2  // GL_HALF_FLOAT
 };
 
-/// A QByteArray counts its bytes in an int and keeps one for a final zero and
-/// some for its header; beyond that Qt gives up with an exception.
-constexpr unsigned long MaxBytes =
-    static_cast<unsigned long>(std::numeric_limits<int>::max()) - 2 * sizeof(QByteArrayData);
+/// A QByteArray counts its bytes in an int, and keeps one for a final zero and some for
+/// its header. Beyond that it asks the system for all the memory that can be addressed
+/// before it gives up, so that it is not asked at all.
+constexpr int MaxBytes = std::numeric_limits<int>::max() - int(sizeof(QByteArrayData)) - 1;
 
-/// The bytes of so many elements, cut to an int as a QByteArray counts them. The few
-/// lengths below the largest int for which there is no room beside the header throw
-/// here: Qt would ask the system for all the memory that can be addressed first.
+/// The bytes of so many elements, cut to an int as a QByteArray counts them.
 int truncatedBytes(unsigned type, unsigned long count)
 {
     const int bytes = static_cast<int>(ModelDataStream::typeSize(type) * count);
-    constexpr int most = std::numeric_limits<int>::max() - int(sizeof(QByteArrayData)) - 1;
-    if (bytes > most)
+    if (bytes > MaxBytes)
         qBadAlloc();
     return bytes;
 }
@@ -129,13 +126,14 @@ void ModelDataArray::setData(unsigned long offset, unsigned long count, const vo
 
 void ModelDataArray::append(unsigned long count, const void *source)
 {
-    // QByteArray takes a negative length for "up to the first zero byte", so a
-    // run that does not fit must not reach it.
-    const unsigned long elementSize = typeSize(_type);
-    const unsigned long room = MaxBytes - static_cast<unsigned long>(_bytes.size());
-    if (elementSize == 0 || count > room / elementSize || count == 0)
+    // Not all bytes of a count that has been cut. A negative length must not reach
+    // QByteArray, which takes it for "up to the first zero byte".
+    const int bytes = truncatedBytes(_type, count);
+    if (bytes <= 0)
         return;
-    _bytes.append(static_cast<const char *>(source), static_cast<int>(count * elementSize));
+    if (bytes > MaxBytes - _bytes.size())
+        qBadAlloc();
+    _bytes.append(static_cast<const char *>(source), bytes);
 }
 
 ModelDataStreamAllocator::~ModelDataStreamAllocator() = default;

@@ -25,7 +25,7 @@ static_assert(std::is_abstract_v<ModelDataStreamAllocator>);
 static_assert(std::has_virtual_destructor_v<ModelDataStreamAllocator>);
 static_assert(sizeof(ModelDataStream) == sizeof(void *), "a virtual table and no data members");
 
-TEST(ModelDataStreamTest, typeSizes)
+TEST(ModelDataStreamTest, TypeSizes)
 {
     struct Row
     {
@@ -69,7 +69,7 @@ std::size_t slotOf(Member member)
 
 // Streams compiled against these headers by a host keep working only as long as
 // the operations keep their places.
-TEST(ModelDataStreamTest, operationsKeepTheirPlacesInTheVirtualTable)
+TEST(ModelDataStreamTest, OperationsKeepTheirPlacesInTheVirtualTable)
 {
     // 0 and 1 are the destructor: without and with freeing the memory.
     EXPECT_EQ(slotOf(&ModelDataStream::type), 2u);
@@ -85,7 +85,7 @@ TEST(ModelDataStreamTest, operationsKeepTheirPlacesInTheVirtualTable)
 }
 #endif
 
-TEST(ModelDataStreamTest, baseAppendAsksForTheSizeThenResizesThenSetsTheData)
+TEST(ModelDataStreamTest, BaseAppendAsksForTheSizeThenResizesThenSetsTheData)
 {
     RecordingAllocator allocator;
     const QSharedPointer<ModelDataStream> stream(allocator.alloc(typeUnsignedInt, 4));
@@ -101,7 +101,7 @@ TEST(ModelDataStreamTest, baseAppendAsksForTheSizeThenResizesThenSetsTheData)
     EXPECT_THAT(uints(stream), ElementsAre(1, 2, 3, 4, 5, 6, 7));
 }
 
-TEST(ModelDataStreamTest, baseByteCountAndIsEmptyUseTheVirtualOperations)
+TEST(ModelDataStreamTest, BaseByteCountAndIsEmptyUseTheVirtualOperations)
 {
     RecordingAllocator allocator;
     const std::unique_ptr<ModelDataStream> stream(allocator.alloc(typeDouble, 3));
@@ -114,7 +114,7 @@ TEST(ModelDataStreamTest, baseByteCountAndIsEmptyUseTheVirtualOperations)
     EXPECT_EQ(allocator.log().count("s0.type"), 2);
 }
 
-TEST(ModelDataArrayTest, holdsAsManyElementsAsAsked)
+TEST(ModelDataArrayTest, HoldsAsManyElementsAsAsked)
 {
     struct Row
     {
@@ -140,7 +140,7 @@ TEST(ModelDataArrayTest, holdsAsManyElementsAsAsked)
     }
 }
 
-TEST(ModelDataArrayTest, appendsToAnEmptyArray)
+TEST(ModelDataArrayTest, AppendsToAnEmptyArray)
 {
     const auto array = QSharedPointer<ModelDataArray>::create(typeUnsignedInt, 0ul);
     EXPECT_TRUE(array->isEmpty());
@@ -154,7 +154,7 @@ TEST(ModelDataArrayTest, appendsToAnEmptyArray)
     EXPECT_THAT(uints(array), ElementsAre(10, 20, 30));
 }
 
-TEST(ModelDataArrayTest, appendsAfterTheInitialElements)
+TEST(ModelDataArrayTest, AppendsAfterTheInitialElements)
 {
     const auto array = QSharedPointer<ModelDataArray>::create(typeUnsignedInt, 2ul);
     const unsigned first[] = {1, 2};
@@ -164,14 +164,14 @@ TEST(ModelDataArrayTest, appendsAfterTheInitialElements)
     EXPECT_THAT(uints(array), ElementsAre(1, 2, 3));
 }
 
-TEST(ModelDataArrayTest, appendsNothing)
+TEST(ModelDataArrayTest, AppendsNothing)
 {
     ModelDataArray array(typeFloat, 1);
     array.append(0, nullptr);
     EXPECT_EQ(array.size(), 1u);
 }
 
-TEST(ModelDataArrayTest, dataAndSetDataCountInElements)
+TEST(ModelDataArrayTest, DataAndSetDataCountInElements)
 {
     const auto array = QSharedPointer<ModelDataArray>::create(typeUnsignedShort, 5ul);
     const std::uint16_t start[] = {1, 2, 3, 4, 5};
@@ -185,7 +185,7 @@ TEST(ModelDataArrayTest, dataAndSetDataCountInElements)
     EXPECT_EQ(static_cast<char *>(array->data(5)) - static_cast<char *>(array->data(0)), 5 * 2);
 }
 
-TEST(ModelDataArrayTest, resizeKeepsTheFirstElements)
+TEST(ModelDataArrayTest, ResizeKeepsTheFirstElements)
 {
     const auto array = QSharedPointer<ModelDataArray>::create(typeUnsignedInt, 0ul);
     const unsigned values[] = {1, 2, 3, 4};
@@ -204,7 +204,7 @@ TEST(ModelDataArrayTest, resizeKeepsTheFirstElements)
     EXPECT_EQ(array->type(), typeUnsignedInt);
 }
 
-TEST(ModelDataArrayTest, setTypeKeepsTheNumberOfElementsAndTheBytes)
+TEST(ModelDataArrayTest, SetTypeKeepsTheNumberOfElementsAndTheBytes)
 {
     struct Row
     {
@@ -259,7 +259,7 @@ public:
     bool keepsBytes = false;
 };
 
-TEST(ModelDataArrayTest, setTypeToTheSameTypeDoesNothing)
+TEST(ModelDataArrayTest, SetTypeToTheSameTypeDoesNothing)
 {
     WatchedArray array(typeFloat, 5);
     const float values[] = {1, 2, 3, 4, 5};
@@ -272,7 +272,7 @@ TEST(ModelDataArrayTest, setTypeToTheSameTypeDoesNothing)
     EXPECT_EQ(std::memcmp(array.data(0), values, sizeof values), 0);
 }
 
-TEST(ModelDataArrayTest, setTypeHonoursASubclassThatOverridesSizeAndResize)
+TEST(ModelDataArrayTest, SetTypeHonoursASubclassThatOverridesSizeAndResize)
 {
     WatchedArray array(typeFloat, 5);
     array.setType(typeUnsignedShort);
@@ -282,7 +282,7 @@ TEST(ModelDataArrayTest, setTypeHonoursASubclassThatOverridesSizeAndResize)
 
 // Twelve bytes are three floats. Read as doubles they are one and a half: the
 // byte count is still twelve, not 1 x 8.
-TEST(ModelDataArrayTest, byteCountIsTheLengthOfTheBytes)
+TEST(ModelDataArrayTest, ByteCountIsTheLengthOfTheBytes)
 {
     WatchedArray array(typeFloat, 3);
     array.keepsBytes = true;
@@ -299,7 +299,7 @@ TEST(ModelDataArrayTest, byteCountIsTheLengthOfTheBytes)
     EXPECT_FALSE(small.isEmpty());
 }
 
-TEST(ModelDataArrayTest, hasNoElementsOfATypeWithoutASize)
+TEST(ModelDataArrayTest, HasNoElementsOfATypeWithoutASize)
 {
     for (const unsigned type : {0x1407u, 0x1408u, 0x1409u, 0x13FFu, 0x140Cu, 0u}) {
         ModelDataArray array(type, 7);
@@ -313,31 +313,45 @@ TEST(ModelDataArrayTest, hasNoElementsOfATypeWithoutASize)
 }
 
 // A byte array's length is a signed 32-bit number.
-TEST(ModelDataArrayTest, anAppendBeyondTheLimitLeavesTheArrayAsItWas)
+TEST(ModelDataArrayTest, AnAppendOfALargerByteCountIsCutToThirtyTwoBits)
 {
-    const unsigned long limit = std::numeric_limits<int>::max();
     struct Row
     {
         const char *name;
         unsigned type;
         unsigned long count;
+        unsigned long size;
     };
-    // None of these many elements exist: they must not even be read.
+    // Only what remains is read: there is no more than one element.
     const Row rows[] = {
-        {"one byte more than fits", typeUnsignedByte, limit},
-        {"as floats", typeFloat, limit / 4 + 1},
-        {"more than 32 bits tell", typeUnsignedByte, (1ul << 32) + 1},
-        {"more than 64 bits tell", typeDouble, (1ul << 61) + 1},
+        {"2^31 bytes, a negative number", typeFloat, 1ul << 29, 1},
+        {"2^32 - 1 bytes, the largest negative number", typeUnsignedByte, (1ul << 32) - 1, 1},
+        {"2^32 bytes, none", typeUnsignedByte, 1ul << 32, 1},
+        {"2^32 bytes and one", typeUnsignedByte, (1ul << 32) + 1, 2},
+        {"2^64 bytes and eight", typeDouble, (1ul << 61) + 1, 2},
     };
     for (const Row &row : rows) {
         ModelDataArray array(row.type, 1);
         const double value = 0;
         array.append(row.count, &value);
-        EXPECT_EQ(array.size(), 1u) << row.name;
+        EXPECT_EQ(array.size(), row.size) << row.name;
     }
 }
 
-TEST(ModelDataArrayTest, aLargerByteCountIsCutToThirtyTwoBits)
+/// Not even read: none of these many bytes exist.
+TEST(ModelDataArrayTest, AnAppendWithoutRoomThrowsAndLeavesTheArrayAsItWas)
+{
+    ModelDataArray array(typeUnsignedByte, 3);
+    const unsigned char value = 0;
+    const unsigned long largest = std::numeric_limits<int>::max();
+    // A byte array needs some for its header, and one for a zero.
+    const unsigned long room = largest - sizeof(QByteArrayData) - 1;
+    for (const unsigned long count : {largest, room + 1, room - 2})
+        EXPECT_THROW(array.append(count, &value), std::bad_alloc) << count;
+    EXPECT_EQ(array.size(), 3u);
+}
+
+TEST(ModelDataArrayTest, ALargerByteCountIsCutToThirtyTwoBits)
 {
     ModelDataArray array(typeUnsignedByte, 0);
     array.resize((1ul << 32) + 3);
@@ -345,7 +359,7 @@ TEST(ModelDataArrayTest, aLargerByteCountIsCutToThirtyTwoBits)
     EXPECT_EQ(ModelDataArray(typeUnsignedShort, (1ul << 31) + 3).size(), 3u); // 2^32 + 6 bytes
 }
 
-TEST(ModelDataArrayTest, copiesDoNotSeeEachOthersWrites)
+TEST(ModelDataArrayTest, CopiesDoNotSeeEachOthersWrites)
 {
     const std::uint16_t start[] = {1, 2, 3};
     const std::uint16_t other = 9;
@@ -377,7 +391,7 @@ TEST(ModelDataArrayTest, copiesDoNotSeeEachOthersWrites)
     }
 }
 
-TEST(ModelDataArrayAllocatorTest, handsOutArraysOfTheTypeAndSize)
+TEST(ModelDataArrayAllocatorTest, HandsOutArraysOfTheTypeAndSize)
 {
     ModelDataArrayAllocator allocator;
     ModelDataStreamAllocator &interface = allocator;
