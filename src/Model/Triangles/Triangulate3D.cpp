@@ -5,6 +5,7 @@
 
 #include <QtGui/QVector3D>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Halvard::Orv {
@@ -112,7 +113,9 @@ void Triangulate3DImpl(QVector3D const &normal, int count, int const *indices,
 {
     const FloatingPointState state;
     FaceTriangulation face;
-    triangles = face.triangulate(normal, count, indices, positions);
+    const QVector<int> &cut = face.triangulate(normal, count, indices, positions);
+    triangles.resize(cut.size()); // an assignment would give up the room that the caller made
+    std::copy(cut.cbegin(), cut.cend(), triangles.begin());
 }
 
 void Triangulate3D(QVector3D const &normal, int count, int const *indices, float const *positions,

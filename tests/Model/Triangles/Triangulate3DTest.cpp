@@ -217,6 +217,18 @@ TEST(Triangulate3D, AppendsToWhatIsThere)
     EXPECT_THAT(capture.messages(), ElementsAre(TooFew, Stuck, Stuck));
 }
 
+TEST(Triangulate3DImpl, KeepsTheRoomOfTheResult)
+{
+    QVector<int> triangles;
+    triangles.reserve(1000);
+    const int *const room = triangles.constData();
+    const int face[] = {0, 1, 2, 3};
+    Triangulate3DImpl(QVector3D(0, 0, 1), 4, face, Square.data(), triangles);
+    EXPECT_EQ(triangles.size(), 6);
+    EXPECT_EQ(triangles.capacity(), 1000);
+    EXPECT_EQ(triangles.constData(), room);
+}
+
 TEST(Triangulate3DImpl, EmptiesTheResultAndGivesPositionsWithinTheFace)
 {
     const Face face{3, 0, 1, 2};
