@@ -327,10 +327,9 @@ QByteArray contentsOf(ModelBuilder &builder)
 {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
-    const auto &groups = Inspector::materialGroups(builder);
-    for (auto group = groups.begin(); group != groups.end(); ++group) {
-        out << group.key() << group->id << group->flags << group->objectName;
-        write(out, group->faces);
+    for (const auto &[name, group] : Inspector::materialGroups(builder)) {
+        out << name << group.id << group.flags << group.objectName;
+        write(out, group.faces);
     }
     const auto &attributes = Inspector::vertexAttributes(builder);
     for (auto attribute = attributes.begin(); attribute != attributes.end(); ++attribute) {

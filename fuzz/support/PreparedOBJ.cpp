@@ -124,7 +124,7 @@ PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
         return only(result.outcome);
     if (result.outcome == OBJScanOutcome::Finished) {
         const PreparedGeometry model = prepareGeometry(
-            std::move(geometry), Inspector::materialGroups(builder).keys(), &builder);
+            std::move(geometry), Inspector::materialGroups(builder).names(), &builder);
         if (!model.isEmpty())
             result.prepared.bundles.push_back(preparedBundle(model));
     }
@@ -146,8 +146,7 @@ PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
     PreparedOBJ result;
     const MessageCapture capture;
     MaterialLibraries libraries(builder);
-    result.outcome =
-        pourOBJLines(stream, baseDir, builder, libraries, result.libraryPath, limits);
+    result.outcome = readOBJLines(stream, baseDir, builder, libraries, result.libraryPath, limits);
     require(result.outcome != OBJScanOutcome::NeedsLineReader, "lines cannot be read by lines");
     if (endsEarly(result.outcome))
         return only(result.outcome);

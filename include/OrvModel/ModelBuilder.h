@@ -38,6 +38,12 @@ struct ModelBuilderState;
 /// numbers are not checked when they are added; what selects nothing selects
 /// zeros when the streams are built.
 ///
+/// Groups are kept, prepared and uploaded in the order of their definition,
+/// attributes in the order of their names, batches in the order of their keys.
+///
+/// What an allocator or a stream throws passes through, and leaves nothing half
+/// done: each operation says what there is then. Destructors must not throw.
+///
 /// A builder is used by one thread at a time; builders may be made on several
 /// threads at once.
 class ORVMODEL_EXPORT ModelBuilder
@@ -65,6 +71,9 @@ public:
     ModelBuilder &operator=(const ModelBuilder &) = delete;
 
     /// Back to the state after construction; keeps the allocator and the mask.
+    ///
+    /// When the allocator throws, or gives null, the builder is empty all the same,
+    /// and takes no faces until it has been cleared again.
     void clear();
 
     bool hasMaterialGroup(const QString &name) const;
@@ -84,6 +93,11 @@ public:
     /// \param type OpenGL type of the elements.
     /// \param valueCount, indexCount elements (of unspecified value) that the
     ///        streams hold at once; what is added comes after them.
+    ///
+    /// The new values are had before the old ones are released, then the new
+    /// indices before the old ones; that is the last call that may throw. When
+    /// the values cannot be had, the attribute stays as it was; when the indices
+    /// cannot, there is no such attribute any more.
     void createVertexAttribute(const QString &name, int components, unsigned type,
                                unsigned long valueCount, unsigned long indexCount);
 
@@ -113,6 +127,8 @@ public:
     /// Makes a material group, or starts an existing one afresh without faces and
     /// without an object name.
     /// \param id when negative, the number of groups before this call.
+    ///
+    /// When the allocator throws, the group stays as it was.
     void createMaterialGroup(const QString &name, const InstanceData &instanceData, int id,
                              quint64 flags);
 
@@ -132,8 +148,9 @@ public:
     ///
     /// Does nothing when all attributes have their streams already, or there is
     /// none. An index that selects no value, and a corner past the end of an
-    /// attribute's indices, gets a value of zeros. When a stream cannot be had
-    /// the attributes stay as they were.
+    /// attribute's indices, gets a value of zeros. Streams from an earlier time
+    /// are replaced one by one. When a stream cannot be had, or something throws,
+    /// no attribute has GPU streams.
     void buildGPUFriendlyStreams(bool deduplicate);
 
     /// Welds GPU vertices whose bytes are identical in every attribute, keeps
@@ -143,7 +160,8 @@ public:
     ///     A B C  C B D   and  0 1 2 3 4 5   A B C D   and  0 1 2 2 1 3
     ///
     /// No tolerance: 0.0 and -0.0 stay two. One debug line reports the effect.
-    /// Does nothing when an attribute lacks its GPU streams, or there is none.
+    /// Does nothing when an attribute lacks its GPU streams, or there is none. When
+    /// a stream cannot be had, or something throws, no attribute has them.
     void optimizeGPUStreams();
 
     /// Triangulates a group's faces into the combined index stream and files one
@@ -155,7 +173,8 @@ public:
     /// \param faceOffsets per face the position in `indices` of its first corner.
     ///
     /// A face that does not exist, or whose corners lie outside `indices` or
-    /// `positions`, gives no triangle.
+    /// `positions`, gives no triangle. Adding the triangles is the last call that
+    /// may throw; when it does, the builder has no commands and no combined indices.
     void prepareMaterialGroupForUpload(const QString &name, const MaterialGroup &group,
                                        const QSharedPointer<ModelDataStream> &positions,
                                        const QSharedPointer<ModelDataStream> &indices,
@@ -168,15 +187,20 @@ public:
     ///
     /// \param model receives the bundles; not null, not owned.
     /// \param instanceData copied once for every draw command.
-    /// \param positionAttribute an attribute of at least three GL_FLOAT components.
+    /// \param positionAttribute an attribute whose GPU values are at least three
+    ///        GL_FLOAT each; generateNormals() makes such attributes, too.
     /// \param materialIdMember member of the instance record that receives a
     ///        group's id; null: the materials go into a collection of their own.
     /// \param usage OpenGL buffer usage, for example GL_STATIC_DRAW.
     /// \param primitiveType of every bundle, for example GL_TRIANGLES.
     ///
-    /// Silently does nothing when the builder is not valid, the attribute does
-    /// not exist or is no position, no OpenGL context is current on the calling
+    /// Silently adds nothing when the builder is not valid, the attribute does not
+    /// exist or has no positions, no OpenGL context is current on the calling
     /// thread, or a stream cannot be had.
+    ///
+    /// Streams are asked for their type before each bundle is added. That of the
+    /// first bundle is the last call that may throw: until then nothing is added,
+    /// and the builder can be uploaded again.
     void upload(GPUModel *model, const InstanceData &instanceData, const QString &positionAttribute,
                 const QString &materialIdMember, unsigned int usage, unsigned int primitiveType);
 

@@ -51,7 +51,8 @@ ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString 
 ///
 /// \return false, with the builder unchanged, when the file is missing, cannot be
 ///         opened, or is no regular file; and when memory ends: the builder then
-///         has the materials before the one that did not fit.
+///         has the materials before the one that did not fit. What the builder's
+///         allocator throws passes through; so it is then, too.
 ///
 /// The first call that opens a file registers the plan "OBJMaterial".
 ORVMODEL_EXPORT bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder);

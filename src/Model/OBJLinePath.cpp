@@ -19,14 +19,14 @@ namespace Halvard::Orv {
 
 namespace {
 
-class OBJPourer
+class OBJLinePath
 {
 public:
-    OBJPourer(ModelBuilder &builder, MaterialLibraries &libraries)
+    OBJLinePath(ModelBuilder &builder, MaterialLibraries &libraries)
         : _builder(builder), _libraries(libraries)
     {}
 
-    OBJScanOutcome pour(QTextStream &stream, const QString &baseDir, QString &detail,
+    OBJScanOutcome read(QTextStream &stream, const QString &baseDir, QString &detail,
                         const OBJScanLimits &limits, Work *work)
     {
         const StageTimer timer(&PreparationReport::Stages::read);
@@ -186,11 +186,11 @@ private:
 
 } // namespace
 
-OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+OBJScanOutcome readOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
                             MaterialLibraries &libraries, QString &detail,
                             const OBJScanLimits &limits, Work *work)
 {
-    return OBJPourer(builder, libraries).pour(stream, baseDir, detail, limits, work);
+    return OBJLinePath(builder, libraries).read(stream, baseDir, detail, limits, work);
 }
 
 } // namespace Halvard::Orv

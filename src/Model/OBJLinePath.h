@@ -1,5 +1,5 @@
 /// \file
-/// The line road of the OBJ loader: every line through an OBJReader into a builder.
+/// The line path of the OBJ loader: every line through an OBJReader into a builder.
 #pragma once
 
 #include "Scanning/OBJScanLimits.h"
@@ -13,10 +13,10 @@ class MaterialLibraries;
 class ModelBuilder;
 class Work;
 
-/// Pours the lines of an OBJ file into a builder, one by one. This is what a file
-/// means; the loader's other road must not be told from it.
+/// Reads the lines of an OBJ file into a builder, one by one. This defines what a file
+/// means: the loader's fast path gives the same.
 ///
-/// \param stream at the file's begin; read to its end.
+/// \param stream at the beginning of the file; read to its end.
 /// \param baseDir where relative paths of material libraries begin.
 /// \param builder holds the group "<default>" and no geometry.
 /// \param libraries of that builder.
@@ -25,7 +25,7 @@ class Work;
 ///        holds, and ends in std::bad_alloc.
 /// \param work is told how far reading is, where not null.
 /// \return anything but NeedsLineReader.
-OBJScanOutcome pourOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
+OBJScanOutcome readOBJLines(QTextStream &stream, const QString &baseDir, ModelBuilder &builder,
                             MaterialLibraries &libraries, QString &detail,
                             const OBJScanLimits &limits = {}, Work *work = nullptr);
 

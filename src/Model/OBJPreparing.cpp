@@ -138,7 +138,7 @@ bool OBJPreparation::readLines(QString &errorMessage)
     QString detail;
     MaterialLibraries libraries(*_builder, _options.openLibrary);
     const OBJScanOutcome outcome =
-        pourOBJLines(stream, _baseDir, *_builder, libraries, detail, _limits, &_work);
+        readOBJLines(stream, _baseDir, *_builder, libraries, detail, _limits, &_work);
     if (outcome == OBJScanOutcome::LibraryMissing)
         tell(libraries.reason());
     return takeOutcome(outcome, detail, errorMessage);
@@ -208,7 +208,7 @@ std::unique_ptr<PreparedModelData> OBJPreparation::prepare()
 std::unique_ptr<PreparedModelData> OBJPreparation::prepareGeometryOfBytes()
 {
     PreparedGeometry prepared = prepareGeometry(
-        std::move(_geometry), _builder->state().materialGroups.keys(), _builder.get(), &_work);
+        std::move(_geometry), _builder->state().materialGroups.names(), _builder.get(), &_work);
     addUndrawnFaces(_report, Reason::TooFewCorners, QString(), prepared.withTooFewCorners);
     addUndrawnFaces(_report, Reason::NotTriangulated, QString(), prepared.notTriangulated);
     return takeGeometry(std::move(prepared), *_builder);

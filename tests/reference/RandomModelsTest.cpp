@@ -6,7 +6,6 @@
 #include "support/ModelReadBack.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QHashFunctions>
 #include <QtCore/QtGlobal>
 
 #include <algorithm>
@@ -44,15 +43,7 @@ void reportFailure(quint32 seed, const ModelFiles &model)
 }
 
 class RandomModels : public GLTest
-{
-protected:
-    void SetUp() override
-    {
-        // A failing seed shall fail again.
-        qSetGlobalQHashSeed(0);
-        GLTest::SetUp();
-    }
-};
+{};
 
 /// Long runs: ORV_RANDOM_MODELS_FIRST and ORV_RANDOM_MODELS_COUNT (see scripts/soak.sh).
 TEST_F(RandomModels, AreLoadedAsByTheReference)

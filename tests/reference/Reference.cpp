@@ -5,7 +5,6 @@
 #include "reference/Welding.h"
 #include "support/PlainGeometry.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QtDebug>
 
 namespace OrvReference {
@@ -41,16 +40,13 @@ void logStatistics(const WeldedModel &welded)
            before, after, before - after, percentage, 4);
 }
 
-/// The groups that have faces, in the iteration order of a hash of all groups by name.
+/// The groups that have faces, in the order of their definition.
 std::vector<const PlainGroup *> groupsToDraw(const PlainModel &model)
 {
-    QHash<QString, const PlainGroup *> table;
-    for (const PlainGroup &group : model.groups)
-        table.insert(group.name, &group);
     std::vector<const PlainGroup *> groups;
-    for (const PlainGroup *group : qAsConst(table)) {
-        if (!group->faces.empty())
-            groups.push_back(group);
+    for (const PlainGroup &group : model.groups) {
+        if (!group.faces.empty())
+            groups.push_back(&group);
     }
     return groups;
 }

@@ -23,12 +23,9 @@
 ///   never made faster. What looks clumsy is a rule: an algorithm that scans everything again
 ///   scans here too.
 /// * Qt is used where Qt defines the result: splitting lines, reading numbers, resolving paths,
-///   vector arithmetic, the iteration order of a QHash.
+///   vector arithmetic.
 /// * Results are compared to the bit. The one exception are NaNs that arithmetic made (generated
 ///   normals): which of two NaN operands survives an addition is the compiler's choice.
-///
-/// Material groups go in the order of a hash seeded per process; programs that print failures to
-/// be looked at again fix the seed with qSetGlobalQHashSeed(0).
 #pragma once
 
 #include "support/UploadedModel.h"

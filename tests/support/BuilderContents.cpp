@@ -50,9 +50,9 @@ PlainModel contentsOf(ModelBuilder &builder)
     model.cornerCounts = elements<quint32>(Inspector::verticesPerFace(builder));
     const auto &groups = Inspector::materialGroups(builder);
     model.groups.resize(static_cast<std::size_t>(groups.size()));
-    for (auto group = groups.begin(); group != groups.end(); ++group)
-        model.groups.at(static_cast<std::size_t>(group->id)) = {
-            group.key(), recordOf(group->instanceData), elements<quint32>(group->faces)};
+    for (const auto &[name, group] : groups)
+        model.groups.at(static_cast<std::size_t>(group.id)) = {name, recordOf(group.instanceData),
+                                                               elements<quint32>(group.faces)};
     return model;
 }
 

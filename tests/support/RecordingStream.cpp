@@ -35,6 +35,13 @@ bool changesSomething(const std::string &line)
 void CallLog::add(std::string line)
 {
     _lines.push_back(std::move(line));
+    if (_watcher)
+        _watcher(_lines.back());
+}
+
+void CallLog::watch(std::function<void(const std::string &)> watcher)
+{
+    _watcher = std::move(watcher);
 }
 
 void CallLog::clear()
@@ -202,7 +209,8 @@ void RecordingStream::checkGuards() const
 
 RecordingAllocator::RecordingAllocator()
     : _log(std::make_shared<CallLog>()), _remaining(std::numeric_limits<unsigned long>::max()),
-      _remainingWhole(std::numeric_limits<unsigned long>::max())
+      _remainingWhole(std::numeric_limits<unsigned long>::max()),
+      _remainingTyped(std::numeric_limits<unsigned long>::max())
 {}
 
 Halvard::Orv::ModelDataStream *RecordingAllocator::alloc(unsigned type, unsigned long count)
@@ -217,6 +225,10 @@ Halvard::Orv::ModelDataStream *RecordingAllocator::alloc(unsigned type, unsigned
         --_remainingWhole;
     else if (count > 0)
         --count;
+    if (_remainingTyped > 0)
+        --_remainingTyped;
+    else
+        type = _substitute;
     const std::string name = 's' + std::to_string(_handedOut++);
     _log->add(call + name);
     return new RecordingStream(type, count, name, _log);
@@ -230,6 +242,12 @@ CallLog &RecordingAllocator::log()
 void RecordingAllocator::failAfter(unsigned long count)
 {
     _remaining = count;
+}
+
+void RecordingAllocator::substituteAfter(unsigned long count, unsigned type)
+{
+    _remainingTyped = count;
+    _substitute = type;
 }
 
 void RecordingAllocator::shortenAfter(unsigned long count)

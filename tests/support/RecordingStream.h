@@ -7,6 +7,7 @@
 
 #include <QtCore/QSharedPointer>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +27,9 @@ class CallLog
 public:
     void add(std::string line);
     void clear();
+    /// Calls `watcher` with each line from now on, before the call goes on: a test sees
+    /// how things are at that moment. What it throws passes through the call.
+    void watch(std::function<void(const std::string &)> watcher);
 
     const std::vector<std::string> &lines() const;
     /// Without the calls that change nothing: type, isEmpty, size, byteCount, data.
@@ -37,6 +41,7 @@ public:
 
 private:
     std::vector<std::string> _lines;
+    std::function<void(const std::string &)> _watcher;
 };
 
 /// "FLOAT" for GL_FLOAT, and so on; the plain number when it has no name here.
@@ -87,12 +92,17 @@ public:
     void failAfter(unsigned long count);
     /// After `count` more streams every stream holds an element less than asked for.
     void shortenAfter(unsigned long count);
+    /// After `count` more streams every stream has elements of `type`, whatever is asked
+    /// for.
+    void substituteAfter(unsigned long count, unsigned type);
 
 private:
     std::shared_ptr<CallLog> _log;
     unsigned long _handedOut = 0;
     unsigned long _remaining;
     unsigned long _remainingWhole;
+    unsigned long _remainingTyped;
+    unsigned _substitute = 0;
 };
 
 } // namespace OrvTest

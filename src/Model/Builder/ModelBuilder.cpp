@@ -8,6 +8,7 @@
 #include <OrvGL/OpenGLFunctions.h>
 
 #include <memory>
+#include <utility>
 
 namespace Halvard::Orv {
 
@@ -24,13 +25,22 @@ ModelBuilder::~ModelBuilder() = default;
 
 void ModelBuilder::clear()
 {
-    _state->materialGroups.clear();
-    _state->verticesPerFace = _state->allocate(GL_UNSIGNED_INT, 0);
-    _state->vertexAttributes.clear();
-    _state->normalsAttribute = QString();
-    _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
-    _state->drawCommands.clear();
-    _state->drawCommandGroups.clear();
+    try {
+        _state->materialGroups.clear();
+        _state->verticesPerFace = _state->allocate(GL_UNSIGNED_INT, 0);
+        _state->vertexAttributes.clear();
+        _state->normalsAttribute = QString();
+        _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
+        _state->drawCommands.clear();
+        _state->drawCommandGroups.clear();
+    } catch (...) {
+        // Not the half of it: empty, as after an allocator that gives no stream.
+        _state->verticesPerFace.clear();
+        _state->vertexAttributes.clear();
+        _state->normalsAttribute = QString();
+        _state->dropCommands();
+        throw;
+    }
 }
 
 bool ModelBuilder::hasMaterialGroup(const QString &name) const
@@ -40,14 +50,14 @@ bool ModelBuilder::hasMaterialGroup(const QString &name) const
 
 int ModelBuilder::materialGroupId(const QString &name) const
 {
-    const auto group = _state->materialGroups.constFind(name);
-    return group == _state->materialGroups.constEnd() ? -1 : group->id;
+    const MaterialGroup *group = _state->materialGroups.find(name);
+    return group ? group->id : -1;
 }
 
 quint64 ModelBuilder::materialGroupFlags(const QString &name) const
 {
-    const auto group = _state->materialGroups.constFind(name);
-    return group == _state->materialGroups.constEnd() ? 0 : group->flags;
+    const MaterialGroup *group = _state->materialGroups.find(name);
+    return group ? group->flags : 0;
 }
 
 bool ModelBuilder::hasVertexAttribute(const QString &name) const
@@ -75,12 +85,17 @@ bool ModelBuilder::isValid() const
 void ModelBuilder::createVertexAttribute(const QString &name, int components, unsigned type,
                                          unsigned long valueCount, unsigned long indexCount)
 {
-    // Before the attribute changes: no memory for one stream must not leave the other.
-    const ModelBuilderState::StreamPointer values = _state->allocate(type, valueCount);
-    const ModelBuilderState::StreamPointer indices = _state->allocate(GL_UNSIGNED_INT, indexCount);
+    bool isIncomplete = !_state->vertexAttributes.contains(name);
     ModelBuilderState::VertexAttribute &attribute = _state->vertexAttributes[name];
-    attribute.values = values;
-    attribute.indices = indices;
+    try {
+        attribute.values = _state->allocate(type, valueCount);
+        isIncomplete = true; // new values and old indices
+        attribute.indices = _state->allocate(GL_UNSIGNED_INT, indexCount);
+    } catch (...) {
+        if (isIncomplete)
+            _state->vertexAttributes.remove(name);
+        throw;
+    }
     attribute.gpuValues.clear();
     attribute.gpuIndices.clear();
     attribute.components = components;
@@ -123,11 +138,20 @@ void ModelBuilder::createMaterialGroup(const QString &name, const InstanceData &
                                        int id, quint64 flags)
 {
     const int groupsBefore = _state->materialGroups.size();
-    const ModelBuilderState::StreamPointer faces = _state->allocate(GL_UNSIGNED_INT, 0);
-    MaterialGroup &group = _state->materialGroups[name];
-    group.instanceData = instanceData;
-    group.id = id < 0 ? groupsBefore : id;
-    group.faces = faces;
+    MaterialGroup &group = _state->materialGroups.findOrAdd(name);
+    const InstanceData dataBefore = std::exchange(group.instanceData, instanceData);
+    const int idBefore = std::exchange(group.id, id < 0 ? groupsBefore : id);
+    try {
+        group.faces = _state->allocate(GL_UNSIGNED_INT, 0);
+    } catch (...) {
+        if (_state->materialGroups.size() > groupsBefore) {
+            _state->materialGroups.removeLast();
+        } else {
+            group.instanceData = dataBefore;
+            group.id = idBefore;
+        }
+        throw;
+    }
     group.flags = flags;
     group.objectName = QString();
 }
@@ -135,8 +159,8 @@ void ModelBuilder::createMaterialGroup(const QString &name, const InstanceData &
 void ModelBuilder::addFacesToMaterialGroup(const QString &name, unsigned long count,
                                            const unsigned *faces, const QString &objectName)
 {
-    const auto group = _state->materialGroups.find(name);
-    if (group == _state->materialGroups.end())
+    MaterialGroup *const group = _state->materialGroups.find(name);
+    if (!group)
         return;
     if (group->objectName.isNull())
         group->objectName = objectName;

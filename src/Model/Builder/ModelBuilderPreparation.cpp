@@ -28,26 +28,13 @@ constexpr int FaceTypeCheckLine = 926;
 
 constexpr int PositionFloats = 3;
 
-/// A stream of 32-bit numbers, whatever it calls itself.
-struct Numbers
-{
-    explicit Numbers(const StreamPointer &stream)
-        : data(static_cast<const unsigned *>(stream->data(0))),
-          size(std::min(stream->size(), readableBytes(*stream) / sizeof(unsigned)))
-    {}
-
-    const unsigned *data;
-    unsigned long size;
-};
-
 /// The corners of faces as vertex numbers, with every number checked.
 class FaceCorners
 {
 public:
-    FaceCorners(const StreamPointer &verticesPerFace, const StreamPointer &indices,
-                const StreamPointer &positions, const QVector<unsigned> &faceOffsets)
-        : _counts(verticesPerFace), _indices(indices), _offsets(faceOffsets),
-          _vertexCount(readableBytes(*positions) / (PositionFloats * sizeof(float)))
+    FaceCorners(const StreamNumbers &counts, const StreamNumbers &indices,
+                const QVector<unsigned> &faceOffsets, unsigned long vertexCount)
+        : _counts(counts), _indices(indices), _offsets(faceOffsets), _vertexCount(vertexCount)
     {}
 
     /// Corners of the face, or null when the face does not exist or has a corner
@@ -69,8 +56,8 @@ public:
     }
 
 private:
-    Numbers _counts;
-    Numbers _indices;
+    const StreamNumbers &_counts;
+    const StreamNumbers &_indices;
     const QVector<unsigned> &_offsets;
     unsigned long _vertexCount;
 };
@@ -85,14 +72,17 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
     const FloatingPointState state;
     if (!_state->verticesPerFace || !group.faces || !positions || !indices)
         return;
+    const StreamNumbers vertices(indices);
     if (_state->verticesPerFace->type() != GL_UNSIGNED_INT)
         reportFailedAssertion(FaceTypeCheckLine, "GL_UNSIGNED_INT == _verticesPerFace->type()",
                               QString::asprintf("Wrong Face type 0x%X, needs to be 0x%X",
                                                 _state->verticesPerFace->type(), GL_UNSIGNED_INT));
 
-    const FaceCorners corners(_state->verticesPerFace, indices, positions, faceOffsets);
-    const Numbers faces(group.faces);
+    const StreamNumbers counts(_state->verticesPerFace);
+    const StreamNumbers faces(group.faces);
     const auto *xyz = static_cast<const float *>(positions->data(0));
+    const FaceCorners corners(counts, vertices, faceOffsets,
+                              readableBytes(*positions) / (PositionFloats * sizeof(float)));
     FaceTriangulation triangulation;
     UndrawnFaces withTooFewCorners;
     UndrawnFaces notTriangulated;
@@ -116,29 +106,28 @@ void ModelBuilder::prepareMaterialGroupForUpload(const QString &name, const Mate
 
     if (!_state->gpuIndices || _state->gpuIndices->isEmpty())
         _state->gpuIndices = _state->allocate(GL_UNSIGNED_INT, 0);
-    if (!_state->gpuIndices)
+    if (!holds(_state->gpuIndices, GL_UNSIGNED_INT, 0)) {
+        _state->dropCommands(); // it hands out other elements, or nothing
         return;
-    _state->addDrawCommand(name, group.flags, static_cast<unsigned>(_state->gpuIndices->size()),
-                           static_cast<unsigned>(triangles.size()));
-    _state->gpuIndices->append(static_cast<unsigned long>(triangles.size()), triangles.constData());
+    }
+    try {
+        _state->addDrawCommand(name, group.flags, static_cast<unsigned>(_state->gpuIndices->size()),
+                               static_cast<unsigned>(triangles.size()));
+        _state->gpuIndices->append(static_cast<unsigned long>(triangles.size()),
+                                   triangles.constData());
+    } catch (...) {
+        _state->dropCommands(); // which of the triangles there are, nobody knows
+        throw;
+    }
 }
 
 namespace {
-
-/// Whether the attribute can be read as x, y, z floats.
-bool isPositionAttribute(const ModelBuilderState &state, const QString &name)
-{
-    const auto attribute = state.vertexAttributes.constFind(name);
-    return attribute != state.vertexAttributes.constEnd() &&
-           attribute->components >= PositionFloats && attribute->values &&
-           attribute->values->type() == GL_FLOAT;
-}
 
 /// Per face the position of its first corner, with 32-bit wrap-around.
 QVector<unsigned int> faceOffsets(const StreamPointer &verticesPerFace)
 {
     QVector<unsigned int> offsets;
-    const Numbers counts(verticesPerFace);
+    const StreamNumbers counts(verticesPerFace);
     offsets.reserve(static_cast<int>(counts.size));
     unsigned offset = 0;
     for (unsigned long face = 0; face < counts.size; ++face) {
@@ -168,10 +157,10 @@ bool prepareMaterialGroups(ModelBuilder &builder, const VertexAttribute &positio
     const StageTimer timer(&PreparationReport::Stages::triangulate);
     ModelBuilderState &state = builder.state();
     const QVector<unsigned int> offsets = faceOffsets(state.verticesPerFace);
-    for (auto it = state.materialGroups.cbegin(); it != state.materialGroups.cend(); ++it) {
-        if (!it->faces || it->faces->isEmpty())
+    for (const auto &[name, group] : state.materialGroups) {
+        if (!group.faces || group.faces->isEmpty())
             continue;
-        builder.prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
+        builder.prepareMaterialGroupForUpload(name, group, positions.gpuValues,
                                               positions.gpuIndices, offsets);
         if (!state.gpuIndices)
             return false;
@@ -179,25 +168,52 @@ bool prepareMaterialGroups(ModelBuilder &builder, const VertexAttribute &positio
     return true;
 }
 
+/// A stream of normals for so many vertices; null when it cannot be had.
+StreamPointer allocateNormals(const ModelBuilderState &state, int vertexCount)
+{
+    const auto count = static_cast<unsigned long>(vertexCount) * PositionFloats;
+    const StreamPointer normals = state.allocate(GL_FLOAT, count);
+    return holds(normals, GL_FLOAT, count) ? normals : StreamPointer();
+}
+
 /// Gives the requested attribute one normal per GPU vertex.
 bool computeNormals(ModelBuilderState &state, const VertexAttribute &positions)
 {
     const StageTimer timer(&PreparationReport::Stages::normals);
+    const bool isNew = !state.vertexAttributes.contains(state.normalsAttribute);
+    VertexAttribute &attribute = state.vertexAttributes[state.normalsAttribute];
     const auto vertexCount = static_cast<int>(positions.gpuValues->size() /
                                               static_cast<unsigned long>(positions.components));
-    const auto count = static_cast<unsigned long>(vertexCount) * PositionFloats;
-    const StreamPointer normals = state.allocate(GL_FLOAT, count);
-    if (!normals || normals->size() < count || !state.gpuIndices)
+    StreamPointer normals;
+    const auto dropNewAttribute = [&] {
+        if (isNew)
+            state.vertexAttributes.remove(state.normalsAttribute);
+    };
+    try {
+        normals = allocateNormals(state, vertexCount);
+    } catch (...) {
+        dropNewAttribute();
+        throw;
+    }
+    if (!normals) {
+        dropNewAttribute();
         return false;
+    }
+    attribute.gpuValues = normals;
+    attribute.gpuIndices = positions.gpuIndices;
+    attribute.components = PositionFloats;
     TriMeshVertexNormals(vertexCount, static_cast<int>(state.gpuIndices->size()),
                          static_cast<const float *>(positions.gpuValues->data(0)),
                          static_cast<const unsigned *>(state.gpuIndices->data(0)),
                          static_cast<float *>(normals->data(0)));
-    VertexAttribute &attribute = state.vertexAttributes[state.normalsAttribute];
-    attribute.gpuValues = normals;
-    attribute.gpuIndices = positions.gpuIndices;
-    attribute.components = PositionFloats;
     return true;
+}
+
+/// Whether the GPU values can be read as x, y, z floats.
+bool arePositions(const VertexAttribute &attribute)
+{
+    return attribute.components >= PositionFloats && attribute.gpuValues && attribute.gpuIndices &&
+           attribute.gpuValues->type() == GL_FLOAT;
 }
 
 /// Streams, commands and normals. False when something of it cannot be had.
@@ -207,9 +223,8 @@ bool prepareEverything(ModelBuilder &builder, const QString &positionAttribute)
     builder.buildGPUFriendlyStreams(false);
     // A copy: computing normals may change the record.
     const VertexAttribute positions = state.vertexAttributes.value(positionAttribute);
-    if (!positions.gpuValues || !positions.gpuIndices)
-        return false;
-    return prepareMaterialGroups(builder, positions) && commandsFitIndices(state) &&
+    return arePositions(positions) && prepareMaterialGroups(builder, positions) &&
+           commandsFitIndices(state) &&
            (state.normalsAttribute.isNull() || computeNormals(state, positions));
 }
 
@@ -217,24 +232,26 @@ bool prepareEverything(ModelBuilder &builder, const QString &positionAttribute)
 
 bool canBeUploaded(const ModelBuilder &builder, const QString &positionAttribute)
 {
-    return builder.isValid() && isPositionAttribute(builder.state(), positionAttribute);
+    return builder.isValid() && builder.hasVertexAttribute(positionAttribute);
 }
 
 bool prepareForUpload(ModelBuilder &builder, const QString &positionAttribute)
 {
     ModelBuilderState &state = builder.state();
-    if (!state.gpuIndices || state.gpuIndices->isEmpty()) {
-        try {
-            if (!prepareEverything(builder, positionAttribute)) {
-                state.dropCommands();
-                return false;
-            }
-        } catch (...) {
-            state.dropCommands();
-            throw;
-        }
+    if (state.vertexAttributes.value(positionAttribute).components < PositionFloats)
+        return false;
+    if (state.gpuIndices && !state.gpuIndices->isEmpty())
+        return state.hasGPUStreams() &&
+               arePositions(state.vertexAttributes.value(positionAttribute));
+    try {
+        if (prepareEverything(builder, positionAttribute))
+            return state.hasGPUStreams();
+    } catch (...) {
+        state.dropCommands();
+        throw;
     }
-    return state.hasGPUStreams();
+    state.dropCommands();
+    return false;
 }
 
 } // namespace Halvard::Orv

@@ -4,9 +4,10 @@
 
 #include <OrvModel/ModelBuilder.h>
 
+#include "Builder/MaterialGroups.h"
+
 #include <OrvGL/DrawBuffers.h>
 
-#include <QtCore/QHash>
 #include <QtCore/QMap>
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
@@ -14,8 +15,8 @@
 
 namespace Halvard::Orv {
 
-/// Tables that are ordered by their keys, so that equal builders upload the same bytes
-/// whatever the process's hash seed is.
+/// No hash tables: equal builders upload the same bytes, whatever the process's hash seed
+/// is.
 struct ModelBuilderState
 {
     using StreamPointer = QSharedPointer<ModelDataStream>;
@@ -50,7 +51,7 @@ struct ModelBuilderState
     void dropCommands();
 
     QSharedPointer<ModelDataStreamAllocator> allocator;
-    QHash<QString, ModelBuilder::MaterialGroup> materialGroups;
+    MaterialGroups materialGroups;
     StreamPointer verticesPerFace; ///< GL_UNSIGNED_INT: corners of each face
     QMap<QString, VertexAttribute> vertexAttributes;
     QString normalsAttribute; ///< null unless generateNormals() was called

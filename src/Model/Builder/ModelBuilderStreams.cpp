@@ -5,6 +5,7 @@
 
 #include "Builder/CornerHash.h"
 #include "Builder/ModelBuilderState.h"
+#include "Builder/StreamBytes.h"
 #include "Reports/CurrentReport.h"
 
 #include <OrvGL/OpenGLFunctions.h>
@@ -26,20 +27,11 @@ using VertexAttribute = ModelBuilderState::VertexAttribute;
 /// Per attribute the address of one index for every corner.
 using IndexList = QVector<const unsigned *>;
 
-/// Whether the stream exists and is as long as it was asked to be: an allocator
-/// may hand out less than it promises.
-bool holds(const StreamPointer &stream, unsigned long count)
-{
-    return stream && stream->size() >= count;
-}
-
 /// Sum of all corner counts, with 32-bit wrap-around.
 unsigned sumOfCorners(const StreamPointer &verticesPerFace)
 {
-    if (!verticesPerFace)
-        return 0;
-    const auto *counts = static_cast<const unsigned *>(verticesPerFace->data(0));
-    return std::accumulate(counts, counts + verticesPerFace->size(), 0u);
+    const StreamNumbers counts(verticesPerFace);
+    return std::accumulate(counts.data, counts.data + counts.size, 0u);
 }
 
 /// The indices of one attribute, one for every corner: the stream's own memory,
@@ -47,25 +39,21 @@ unsigned sumOfCorners(const StreamPointer &verticesPerFace)
 class CornerIndices
 {
 public:
-    explicit CornerIndices(const StreamPointer &stream) : _available(stream ? stream->size() : 0)
-    {
-        if (stream)
-            _indices = static_cast<const unsigned *>(stream->data(0));
-    }
+    explicit CornerIndices(const StreamPointer &stream) : _stream(stream), _indices(_stream.data) {}
 
     const unsigned *padded(unsigned cornerCount)
     {
-        if (_available < cornerCount) {
+        if (_stream.size < cornerCount) {
             _padded.assign(cornerCount, static_cast<unsigned>(OBJReader::AbsentIndex));
-            std::copy_n(_indices, _available, _padded.begin());
+            std::copy_n(_stream.data, _stream.size, _padded.begin());
             _indices = _padded.data();
         }
         return _indices;
     }
 
 private:
-    unsigned long _available;
-    const unsigned *_indices = nullptr;
+    StreamNumbers _stream;
+    const unsigned *_indices;
     std::vector<unsigned> _padded;
 };
 
@@ -152,13 +140,14 @@ GPUVertices oneVertexPerTuple(const IndexList &indexList, unsigned cornerCount)
 }
 
 /// Writes the GPU vertex number of every corner.
-void fillIndices(const GPUVertices &vertices, unsigned cornerCount, const StreamPointer &stream)
+void fillIndices(const GPUVertices &vertices, unsigned cornerCount, bool deduplicate,
+                 const StreamPointer &stream)
 {
-    if (vertices.vertexOfCorner.empty()) {
+    if (deduplicate) {
+        stream->setData(0, cornerCount, vertices.vertexOfCorner.data());
+    } else {
         auto *indices = static_cast<unsigned *>(stream->data(0));
         std::iota(indices, indices + cornerCount, 0u);
-    } else {
-        stream->setData(0, cornerCount, vertices.vertexOfCorner.data());
     }
 }
 
@@ -172,6 +161,52 @@ bool cornersFitStreams(const ModelBuilderState &state, unsigned cornerCount)
                                static_cast<quint64>(std::max(attribute.components, 1));
                            return cornerCount * components <= limit;
                        });
+}
+
+/// Gives one attribute its GPU streams. False when the values cannot be had.
+bool buildAttribute(const ModelBuilderState &state, VertexAttribute &attribute,
+                    const StreamPointer &sharedIndices, const GPUVertices &vertices,
+                    const unsigned *indices)
+{
+    const unsigned type = attribute.values ? attribute.values->type() : GL_FLOAT;
+    const int components = std::max(attribute.components, 0);
+    const unsigned long count =
+        static_cast<unsigned long>(vertices.count) * static_cast<unsigned long>(components);
+    attribute.gpuIndices = sharedIndices;
+    attribute.gpuValues = state.allocate(type, count);
+    if (!holds(attribute.gpuValues, type, count))
+        return false;
+    ValueCopier copier(attribute.values, type, components, attribute.gpuValues);
+    for (unsigned vertex = 0; vertex < vertices.count; ++vertex)
+        copier.copy(indices[vertices.cornerOf(vertex)], static_cast<int>(vertex));
+    return true;
+}
+
+/// Gives every attribute its GPU streams, not welded yet. False when a stream cannot be
+/// had; some attributes may have theirs then.
+bool buildStreams(ModelBuilderState &state, unsigned cornerCount, bool deduplicate)
+{
+    std::vector<CornerIndices> cornerIndices;
+    for (const VertexAttribute &attribute : qAsConst(state.vertexAttributes))
+        cornerIndices.emplace_back(attribute.indices);
+    // Before memory of our own is asked for: where the faces claim more corners than a
+    // stream holds, nothing else is needed.
+    const StreamPointer sharedIndices = state.allocate(GL_UNSIGNED_INT, cornerCount);
+    if (!holds(sharedIndices, GL_UNSIGNED_INT, cornerCount))
+        return false;
+    IndexList indexList;
+    for (CornerIndices &indices : cornerIndices)
+        indexList.append(indices.padded(cornerCount));
+    const GPUVertices vertices =
+        deduplicate ? oneVertexPerTuple(indexList, cornerCount) : oneVertexPerCorner(cornerCount);
+    fillIndices(vertices, cornerCount, deduplicate, sharedIndices);
+
+    auto indices = indexList.cbegin();
+    for (VertexAttribute &attribute : state.vertexAttributes) {
+        if (!buildAttribute(state, attribute, sharedIndices, vertices, *indices++))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -202,43 +237,14 @@ void ModelBuilder::buildGPUFriendlyStreams(bool deduplicate)
     const unsigned cornerCount = sumOfCorners(_state->verticesPerFace);
     if (!cornersFitStreams(*_state, cornerCount))
         return;
-
-    std::vector<CornerIndices> cornerIndices;
-    for (const VertexAttribute &attribute : qAsConst(_state->vertexAttributes))
-        cornerIndices.emplace_back(attribute.indices);
-    // Before memory of our own is asked for: where the faces claim more corners than a
-    // stream holds, nothing else is needed.
-    const StreamPointer sharedIndices = _state->allocate(GL_UNSIGNED_INT, cornerCount);
-    if (!holds(sharedIndices, cornerCount))
-        return;
-    IndexList indexList;
-    for (CornerIndices &indices : cornerIndices)
-        indexList.append(indices.padded(cornerCount));
-    const GPUVertices vertices =
-        deduplicate ? oneVertexPerTuple(indexList, cornerCount) : oneVertexPerCorner(cornerCount);
-    fillIndices(vertices, cornerCount, sharedIndices);
-
-    QVector<StreamPointer> newValues;
-    for (const VertexAttribute &attribute : qAsConst(_state->vertexAttributes)) {
-        const unsigned type = attribute.values ? attribute.values->type() : GL_FLOAT;
-        const int components = std::max(attribute.components, 0);
-        const unsigned long count =
-            static_cast<unsigned long>(vertices.count) * static_cast<unsigned long>(components);
-        const StreamPointer target = _state->allocate(type, count);
-        if (!holds(target, count))
+    try {
+        if (!buildStreams(*_state, cornerCount, deduplicate)) {
+            _state->dropGPUStreams(); // no attribute may have half of them
             return;
-        ValueCopier copier(attribute.values, type, components, target);
-        const unsigned *indices = indexList.at(newValues.size());
-        for (unsigned vertex = 0; vertex < vertices.count; ++vertex)
-            copier.copy(indices[vertices.cornerOf(vertex)], static_cast<int>(vertex));
-        newValues.append(target);
-    }
-
-    // Only now that every stream is there: no attribute may have half of them.
-    auto newValue = newValues.cbegin();
-    for (VertexAttribute &attribute : _state->vertexAttributes) {
-        attribute.gpuIndices = sharedIndices;
-        attribute.gpuValues = *newValue++;
+        }
+    } catch (...) {
+        _state->dropGPUStreams();
+        throw;
     }
     optimizeGPUStreams();
 }

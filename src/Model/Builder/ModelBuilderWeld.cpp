@@ -61,13 +61,12 @@ private:
 /// calls itself.
 void remap(const StreamPointer &indices, const QVector<int> &oldToNew)
 {
-    auto *entries = static_cast<unsigned *>(indices->data(0));
-    const unsigned long count =
-        std::min(indices->size(), readableBytes(*indices) / sizeof(unsigned));
+    const StreamNumbers entries(indices);
     const auto known = static_cast<unsigned>(oldToNew.size());
-    for (unsigned long i = 0; i < count; ++i) {
-        if (entries[i] < known)
-            entries[i] = static_cast<unsigned>(oldToNew.at(static_cast<int>(entries[i])));
+    for (unsigned long i = 0; i < entries.size; ++i) {
+        unsigned &entry = entries.data[i];
+        if (entry < known)
+            entry = static_cast<unsigned>(oldToNew.at(static_cast<int>(entry)));
     }
 }
 
@@ -91,8 +90,9 @@ bool replaceGPUValues(ModelBuilderState &state, const QVector<RowColumn> &column
     for (VertexAttribute &attribute : state.vertexAttributes) {
         const unsigned long count = static_cast<unsigned long>(newToOld.size()) *
                                     static_cast<unsigned long>(std::max(attribute.components, 0));
-        const StreamPointer welded = state.allocate(attribute.gpuValues->type(), count);
-        if (!welded || welded->size() < count)
+        const unsigned type = attribute.gpuValues->type();
+        const StreamPointer welded = state.allocate(type, count);
+        if (!holds(welded, type, count))
             return false;
         compact(*column++, newToOld, welded);
         attribute.gpuIndices = sharedIndices;

@@ -45,7 +45,7 @@ std::unique_ptr<ModelDataStream> narrowed(const UploadElements &indices, unsigne
                                           ModelDataStreamAllocator &allocator)
 {
     std::unique_ptr<ModelDataStream> stream(allocator.alloc(GL_UNSIGNED_SHORT, count));
-    if (!stream || readableBytes(*stream) < count * sizeof(unsigned short))
+    if (!holds(stream.get(), GL_UNSIGNED_SHORT, count))
         return nullptr;
     const auto *first = static_cast<const unsigned *>(indices.data());
     std::transform(first, first + count, static_cast<unsigned short *>(stream->data(0)),
@@ -138,6 +138,8 @@ bool UploadSteps::uploadIndices()
     const unsigned long count = _input.indices.count();
     _indexCount = static_cast<int>(count);
     _indexType = _input.indices.type();
+    if (ModelDataStream::typeSize(_indexType) != sizeof(unsigned))
+        return false; // the allocator has handed out other elements
     if (_vertexCount <= MaxVerticesFor16Bit) {
         const auto stream = narrowed(_input.indices, count, *_input.allocator);
         if (!stream)

@@ -13,11 +13,18 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
 
+#include <exception>
 #include <new>
 
 namespace Halvard::Orv {
 
 namespace {
+
+/// What the builder has thrown. It may be of the caller's allocator, and passes through.
+struct BuildersException
+{
+    std::exception_ptr thrown;
+};
 
 /// The section being read: from its "newmtl" to the next one or the end.
 class MaterialSection
@@ -37,8 +44,13 @@ public:
     /// first definition of a material is the one that counts.
     void close()
     {
-        if (!_name.isNull() && !_builder.hasMaterialGroup(_name))
+        if (_name.isNull() || _builder.hasMaterialGroup(_name))
+            return;
+        try {
             _builder.createMaterialGroup(_name, _material, -1, 0);
+        } catch (...) {
+            throw BuildersException{std::current_exception()};
+        }
     }
 
     void setColor(const char *member, const MTLReader::Floats &color)
@@ -101,9 +113,7 @@ void takeLine(const MTLReader &reader, MaterialSection &section)
     }
 }
 
-} // namespace
-
-void loadMaterials(QIODevice &device, const QString &fileName, ModelBuilder &builder)
+void readMTLLines(QIODevice &device, const QString &fileName, ModelBuilder &builder)
 {
     registerPlanOnce<registerOBJMaterial>(); // of the materials' records
     QTextStream stream(&device);
@@ -118,6 +128,17 @@ void loadMaterials(QIODevice &device, const QString &fileName, ModelBuilder &bui
     section.close();
 }
 
+} // namespace
+
+void loadMaterials(QIODevice &device, const QString &fileName, ModelBuilder &builder)
+{
+    try {
+        readMTLLines(device, fileName, builder);
+    } catch (const BuildersException &exception) {
+        std::rethrow_exception(exception.thrown);
+    }
+}
+
 bool loadMaterialsOfFile(const QString &fileName, ModelBuilder &builder, QString *reason)
 {
     const FloatingPointState state;
@@ -125,8 +146,10 @@ bool loadMaterialsOfFile(const QString &fileName, ModelBuilder &builder, QString
         QFile file(fileName);
         if (!openInputFile(file, reason))
             return false;
-        loadMaterials(file, fileName, builder);
+        readMTLLines(file, fileName, builder);
         return true;
+    } catch (const BuildersException &exception) {
+        std::rethrow_exception(exception.thrown);
     } catch (const std::bad_alloc &) {
         qWarning("'%s' is not loaded: there is not enough memory for it", qUtf8Printable(fileName));
         if (reason)

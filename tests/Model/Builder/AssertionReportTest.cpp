@@ -7,7 +7,7 @@
 namespace OrvTest {
 namespace {
 
-TEST(AssertionReportTest, isOneCriticalMessage)
+TEST(AssertionReportTest, IsOneCriticalMessage)
 {
     struct Row
     {

@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(GPUStreamBuilding, BothFormsTest, ::testing::Values(fal
 //   |\ |    written as the triangles (a, b, c) and (a, c, d): the corners of the
 //   | \|    diagonal have the same position, texture and normal index both times
 //   a--b
-TEST(GPUStreamBuildingTest, mergesTheSharedCornersOfAQuad)
+TEST(GPUStreamBuildingTest, MergesTheSharedCornersOfAQuad)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -73,7 +73,7 @@ TEST(GPUStreamBuildingTest, mergesTheSharedCornersOfAQuad)
     EXPECT_THAT(gpuValues(builder, normalName()), areFloats({0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1}));
 }
 
-TEST_P(BothFormsTest, onePositionWithTwoNormalsIsTwoVertices)
+TEST_P(BothFormsTest, OnePositionWithTwoNormalsIsTwoVertices)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -88,7 +88,7 @@ TEST_P(BothFormsTest, onePositionWithTwoNormalsIsTwoVertices)
     EXPECT_THAT(gpuValues(builder, normalName()), areFloats({1, 2}));
 }
 
-TEST(GPUStreamBuildingTest, withoutMergingEveryCornerIsAVertex)
+TEST(GPUStreamBuildingTest, WithoutMergingEveryCornerIsAVertex)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -100,7 +100,7 @@ TEST(GPUStreamBuildingTest, withoutMergingEveryCornerIsAVertex)
     EXPECT_THAT(gpuIndices(builder, vertexName()), ElementsAre(0, 0, 0, 1, 1, 1, 0, 1, 0));
 }
 
-TEST(GPUStreamBuildingTest, withoutMergingDistinctCornersAreNumberedInTheirOrder)
+TEST(GPUStreamBuildingTest, WithoutMergingDistinctCornersAreNumberedInTheirOrder)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -116,7 +116,7 @@ TEST(GPUStreamBuildingTest, withoutMergingDistinctCornersAreNumberedInTheirOrder
 // Corner      0    1    2    3    4    5
 // indices    2,0  0,0  2,0  0,1  0,0  2,0
 // vertex      0    1    0    2    1    0
-TEST_P(BothFormsTest, verticesAreNumberedByTheirFirstCorner)
+TEST_P(BothFormsTest, VerticesAreNumberedByTheirFirstCorner)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -133,7 +133,7 @@ TEST_P(BothFormsTest, verticesAreNumberedByTheirFirstCorner)
 }
 
 // Merging looks at indices only; welding, which follows, at bytes.
-TEST(GPUStreamBuildingTest, equalBytesUnderDifferentIndicesAreMergedOnlyByWelding)
+TEST(GPUStreamBuildingTest, EqualBytesUnderDifferentIndicesAreMergedOnlyByWelding)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -144,7 +144,7 @@ TEST(GPUStreamBuildingTest, equalBytesUnderDifferentIndicesAreMergedOnlyByWeldin
     EXPECT_THAT(gpuIndices(builder, vertexName()), ElementsAre(0, 0, 1));
 }
 
-TEST_P(BothFormsTest, allAttributesReferToOneIndexStream)
+TEST_P(BothFormsTest, AllAttributesReferToOneIndexStream)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -161,7 +161,7 @@ TEST_P(BothFormsTest, allAttributesReferToOneIndexStream)
     EXPECT_NE(Inspector::gpuIndices(builder), shared) << "that one is for the triangles";
 }
 
-TEST_P(BothFormsTest, whatWasAddedStaysAsItWas)
+TEST_P(BothFormsTest, WhatWasAddedStaysAsItWas)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -175,7 +175,7 @@ TEST_P(BothFormsTest, whatWasAddedStaysAsItWas)
     EXPECT_THAT(uints(Inspector::verticesPerFace(builder)), ElementsAre(3));
 }
 
-TEST_P(BothFormsTest, facesOfNoCornersGiveEmptyStreams)
+TEST_P(BothFormsTest, FacesOfNoCornersGiveEmptyStreams)
 {
     for (const std::vector<unsigned> &counts :
          {std::vector<unsigned>{}, std::vector<unsigned>{0}, std::vector<unsigned>{0, 0, 0}}) {
@@ -191,7 +191,7 @@ TEST_P(BothFormsTest, facesOfNoCornersGiveEmptyStreams)
 }
 
 // 0xFFFFFFFF + 4 = 3 in 32 bits.
-TEST_P(BothFormsTest, cornersAreCountedInThirtyTwoBits)
+TEST_P(BothFormsTest, CornersAreCountedInThirtyTwoBits)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -202,7 +202,7 @@ TEST_P(BothFormsTest, cornersAreCountedInThirtyTwoBits)
     EXPECT_THAT(gpuIndices(builder, vertexName()), ElementsAre(0, 1, 2));
 }
 
-TEST_P(BothFormsTest, valuesKeepTheirTypeAndTheirBytes)
+TEST_P(BothFormsTest, ValuesKeepTheirTypeAndTheirBytes)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -232,7 +232,7 @@ TEST_P(BothFormsTest, valuesKeepTheirTypeAndTheirBytes)
 
 // When nothing is to be done
 
-TEST_P(BothFormsTest, aBuilderWithoutAttributesHasNothingToBuild)
+TEST_P(BothFormsTest, ABuilderWithoutAttributesHasNothingToBuild)
 {
     const MessageCapture messages;
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
@@ -244,7 +244,7 @@ TEST_P(BothFormsTest, aBuilderWithoutAttributesHasNothingToBuild)
     EXPECT_THAT(messages.messages(), IsEmpty());
 }
 
-TEST_P(BothFormsTest, buildsOnce)
+TEST_P(BothFormsTest, BuildsOnce)
 {
     for (const bool second : {false, true}) {
         const MessageCapture messages;
@@ -266,7 +266,7 @@ TEST_P(BothFormsTest, buildsOnce)
     }
 }
 
-TEST_P(BothFormsTest, oneAttributeStartedAfreshRebuildsAll)
+TEST_P(BothFormsTest, OneAttributeStartedAfreshRebuildsAll)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -285,7 +285,7 @@ TEST_P(BothFormsTest, oneAttributeStartedAfreshRebuildsAll)
     EXPECT_THAT(gpuValues(builder, normalName()), areFloats({5, 5, 6}));
 }
 
-TEST_P(BothFormsTest, halfBuiltAttributesAreRebuilt)
+TEST_P(BothFormsTest, HalfBuiltAttributesAreRebuilt)
 {
     for (const bool lacksValues : {false, true}) {
         const MessageCapture messages;
@@ -304,7 +304,7 @@ TEST_P(BothFormsTest, halfBuiltAttributesAreRebuilt)
 
 // Indices that select nothing
 
-TEST_P(BothFormsTest, anIndexThatSelectsNothingSelectsZeros)
+TEST_P(BothFormsTest, AnIndexThatSelectsNothingSelectsZeros)
 {
     struct Row
     {
@@ -343,7 +343,7 @@ TEST_P(BothFormsTest, anIndexThatSelectsNothingSelectsZeros)
     }
 }
 
-TEST_P(BothFormsTest, anAttributeWithoutAnyValueIsAllZeros)
+TEST_P(BothFormsTest, AnAttributeWithoutAnyValueIsAllZeros)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -357,7 +357,7 @@ TEST_P(BothFormsTest, anAttributeWithoutAnyValueIsAllZeros)
 // Corner            0  1  2 | 3  4  5
 // position indices  0  1  2 | 0  1  2
 // normal indices    1  0  - | -  -  -      corner 2 and on have none
-TEST_P(BothFormsTest, cornersBeyondAnIndexStreamSelectZeros)
+TEST_P(BothFormsTest, CornersBeyondAnIndexStreamSelectZeros)
 {
     const MessageCapture silence;
     ModelBuilder builder(QSharedPointer<RecordingAllocator>::create(), 0);
@@ -371,7 +371,7 @@ TEST_P(BothFormsTest, cornersBeyondAnIndexStreamSelectZeros)
     EXPECT_THAT(gpuValues(builder, normalName()), areFloats({8, 7, 0, 0, 0}));
 }
 
-TEST_P(BothFormsTest, entriesBeyondTheCornersAreNotLookedAt)
+TEST_P(BothFormsTest, EntriesBeyondTheCornersAreNotLookedAt)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -382,131 +382,8 @@ TEST_P(BothFormsTest, entriesBeyondTheCornersAreNotLookedAt)
     EXPECT_THAT(gpuValues(builder, vertexName()), areFloats({3, 2, 1}));
 }
 
-// Storage of the application's own
-
-/// s0 corner counts, s1 combined indices, s2 positions, s3 position indices. The
-/// corners use value 1, 0 and 1.
-class RecordedBuildingTest : public ::testing::Test
-{
-protected:
-    RecordedBuildingTest()
-    {
-        addFaces(builder, {3});
-        addAttribute(builder, vertexName(), 3, {1, 2, 3, 4, 5, 6}, {1, 0, 1});
-        log.clear();
-    }
-
-    const MessageCapture silence;
-    QSharedPointer<RecordingAllocator> allocator = QSharedPointer<RecordingAllocator>::create();
-    ModelBuilder builder{allocator, 0};
-    CallLog &log = allocator->log();
-};
-
-TEST_F(RecordedBuildingTest, mergingMakesTheDefinedChangesInTheDefinedOrder)
-{
-    builder.buildGPUFriendlyStreams(true);
-    EXPECT_THAT(log.changes(),
-                ElementsAre("alloc UINT 3 -> s4", "s4.setData 0 3", // one index per corner
-                            "alloc FLOAT 6 -> s5",                  // two vertices ...
-                            "s5.setData 0 3", "s5.setData 3 3",     // ... a value each
-                            "alloc FLOAT 6 -> s6", "s5.delete"));   // welded
-}
-
-TEST_F(RecordedBuildingTest, perCornerMakesTheDefinedChangesInTheDefinedOrder)
-{
-    builder.buildGPUFriendlyStreams(false);
-    EXPECT_THAT(log.changes(),
-                ElementsAre("alloc UINT 3 -> s4",                                 //
-                            "alloc FLOAT 9 -> s5",                                //
-                            "s5.setData 0 3", "s5.setData 3 3", "s5.setData 6 3", //
-                            "alloc FLOAT 6 -> s6", "s5.delete"));
-}
-
-TEST_F(RecordedBuildingTest, usesFewOperationsAndOnlyTheStartOfTheData)
-{
-    for (const bool merging : {true, false}) {
-        addAttribute(builder, vertexName(), 3, {1, 2, 3, 4, 5, 6}, {1, 0, 1});
-        log.clear();
-        builder.buildGPUFriendlyStreams(merging);
-        EXPECT_THAT(log.operations(),
-                    ElementsAre("alloc", "data", "delete", "setData", "size", "type"));
-        const std::vector<std::string> lines = log.lines();
-        EXPECT_TRUE(std::all_of(lines.begin(), lines.end(), [](const std::string &line) {
-            const std::size_t call = line.find(".data ");
-            return call == std::string::npos || line.substr(call) == ".data 0";
-        })) << ::testing::PrintToString(lines);
-    }
-}
-
-// The table's own order decides which attribute comes first; every walk sees the
-// same.
-TEST(GPUStreamBuildingTest, attributesAreBuiltInTheOrderOfTheTable)
-{
-    const MessageCapture silence;
-    const auto allocator = QSharedPointer<RecordingAllocator>::create();
-    ModelBuilder builder(allocator, 0);
-    addFaces(builder, {3});
-    // Components tell the attributes apart: 1, 2 and 4.
-    addAttribute(builder, vertexName(), 1, {1, 2, 3}, {0, 1, 2});
-    addAttribute(builder, normalName(), 2, {1, 2}, {0, 0, 0});
-    addAttribute(builder, texCoordName(), 4, {1, 2, 3, 4}, {0, 0, 0});
-    allocator->log().clear();
-
-    builder.buildGPUFriendlyStreams(false);
-
-    std::vector<std::string> expected = {"alloc UINT 3 -> s8"};
-    int stream = 9;
-    for (const auto &attribute : qAsConst(Inspector::vertexAttributes(builder))) {
-        const int components = attribute.components;
-        const std::string name = 's' + std::to_string(stream++);
-        expected.push_back("alloc FLOAT " + std::to_string(3 * components) + " -> " + name);
-        for (int corner = 0; corner < 3; ++corner) {
-            expected.push_back(name + ".setData " + std::to_string(components * corner) + ' ' +
-                               std::to_string(components));
-        }
-    }
-    std::vector<std::string> changes = allocator->log().changes();
-    ASSERT_GE(changes.size(), expected.size());
-    changes.resize(expected.size()); // what follows is welding
-    EXPECT_EQ(changes, expected);
-}
-
-TEST_F(RecordedBuildingTest, withoutMemoryTheAttributesStayUnbuilt)
-{
-    for (const bool merging : {true, false}) {
-        // Of the three streams, the last one is for the welded values.
-        for (unsigned long available = 0; available < 3; ++available) {
-            allocator->failAfter(available);
-            builder.buildGPUFriendlyStreams(merging);
-            const auto attribute = Inspector::vertexAttribute(builder, vertexName());
-            EXPECT_FALSE(attribute.gpuValues) << available;
-            EXPECT_FALSE(attribute.gpuIndices) << available;
-        }
-        EXPECT_THAT(silence.messages(), IsEmpty());
-    }
-    // The same builder builds once there is memory again.
-    allocator->failAfter(3);
-    builder.buildGPUFriendlyStreams(true);
-    EXPECT_THAT(gpuIndices(builder, vertexName()), ElementsAre(0, 1, 0));
-}
-
-TEST_F(RecordedBuildingTest, withStreamsThatAreTooShortTheAttributesStayUnbuilt)
-{
-    for (const bool merging : {true, false}) {
-        // Indices, values, welded values: a write beyond any of them would be noticed.
-        for (unsigned long whole = 0; whole < 3; ++whole) {
-            allocator->shortenAfter(whole);
-            builder.buildGPUFriendlyStreams(merging);
-            const auto attribute = Inspector::vertexAttribute(builder, vertexName());
-            EXPECT_FALSE(attribute.gpuValues) << whole;
-            EXPECT_FALSE(attribute.gpuIndices) << whole;
-        }
-    }
-    EXPECT_THAT(silence.messages(), IsEmpty());
-}
-
 // Offsets into a stream are signed 32-bit numbers.
-TEST_P(BothFormsTest, whatHasMoreElementsThanOffsetsReachIsNotBuilt)
+TEST_P(BothFormsTest, WhatHasMoreElementsThanOffsetsReachIsNotBuilt)
 {
     struct Row
     {
@@ -534,7 +411,7 @@ TEST_P(BothFormsTest, whatHasMoreElementsThanOffsetsReachIsNotBuilt)
 }
 
 // Only a want of memory leaves an attribute without a stream of values.
-TEST_P(BothFormsTest, anAttributeWithoutAValueStreamBecomesFloatsOfZero)
+TEST_P(BothFormsTest, AnAttributeWithoutAValueStreamBecomesFloatsOfZero)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -549,7 +426,7 @@ TEST_P(BothFormsTest, anAttributeWithoutAValueStreamBecomesFloatsOfZero)
     EXPECT_THAT(floats(normals), areFloats({0, 0, 0, 0, 0, 0}));
 }
 
-TEST_P(BothFormsTest, anAttributeOfLessThanNoComponentsHasNoValues)
+TEST_P(BothFormsTest, AnAttributeOfLessThanNoComponentsHasNoValues)
 {
     const MessageCapture silence;
     ModelBuilder builder({}, 0);
@@ -591,7 +468,7 @@ SlowVertices slowBuild(const std::vector<std::vector<float>> &values,
     return result;
 }
 
-TEST_P(BothFormsTest, agreesWithASlowSearch)
+TEST_P(BothFormsTest, AgreesWithASlowSearch)
 {
     const unsigned seed = 20240607;
     SCOPED_TRACE(::testing::Message() << "seed " << seed);

@@ -57,7 +57,7 @@ protected:
 // old vertex   0 1 2 3 4 5
 // bytes        A B C C B D
 // new vertex   0 1 2 2 1 3
-TEST_F(GPUStreamOptimisationTest, weldsInOrderOfFirstAppearance)
+TEST_F(GPUStreamOptimisationTest, WeldsInOrderOfFirstAppearance)
 {
     const StreamPointer indices = uintStream({0, 1, 2, 3, 4, 5, 5, 3, 0});
     setGPUStreams(builder, vertexName(), 1, floatStream({10, 20, 30, 30, 20, 40}), indices);
@@ -70,7 +70,7 @@ TEST_F(GPUStreamOptimisationTest, weldsInOrderOfFirstAppearance)
         << "renumbered in place";
 }
 
-TEST_F(GPUStreamOptimisationTest, twoEqualVerticesBecomeOne)
+TEST_F(GPUStreamOptimisationTest, TwoEqualVerticesBecomeOne)
 {
     const StreamPointer indices = uintStream({2, 1, 0});
     setGPUStreams(builder, vertexName(), 3, floatStream({1, 2, 3, 4, 5, 6, 1, 2, 3}), indices);
@@ -87,7 +87,7 @@ TEST_F(GPUStreamOptimisationTest, twoEqualVerticesBecomeOne)
                                                                     " ( 66 %) 4")}));
 }
 
-TEST_F(GPUStreamOptimisationTest, verticesThatDifferInOneAttributeStayApart)
+TEST_F(GPUStreamOptimisationTest, VerticesThatDifferInOneAttributeStayApart)
 {
     const StreamPointer indices = uintStream({0, 1});
     setGPUStreams(builder, vertexName(), 3, floatStream({1, 2, 3, 1, 2, 3}), indices);
@@ -99,7 +99,7 @@ TEST_F(GPUStreamOptimisationTest, verticesThatDifferInOneAttributeStayApart)
 }
 
 // The same two bytes, but in another order: as a sum or a set they are equal.
-TEST_F(GPUStreamOptimisationTest, valuesOfTwoAttributesAreNotInterchangeable)
+TEST_F(GPUStreamOptimisationTest, ValuesOfTwoAttributesAreNotInterchangeable)
 {
     const StreamPointer indices = uintStream({0, 1});
     const StreamPointer first = QSharedPointer<ModelDataArray>::create(typeUnsignedByte, 2ul);
@@ -113,7 +113,7 @@ TEST_F(GPUStreamOptimisationTest, valuesOfTwoAttributesAreNotInterchangeable)
     EXPECT_THAT(uints(indices), ElementsAre(0, 1)) << "(1, 2) and (2, 1)";
 }
 
-TEST_F(GPUStreamOptimisationTest, bytesAreComparedWithoutTolerance)
+TEST_F(GPUStreamOptimisationTest, BytesAreComparedWithoutTolerance)
 {
     struct Row
     {
@@ -140,7 +140,7 @@ TEST_F(GPUStreamOptimisationTest, bytesAreComparedWithoutTolerance)
     }
 }
 
-TEST_F(GPUStreamOptimisationTest, withoutDuplicatesNothingMoves)
+TEST_F(GPUStreamOptimisationTest, WithoutDuplicatesNothingMoves)
 {
     const StreamPointer indices = uintStream({2, 0, 1, 1});
     setGPUStreams(builder, vertexName(), 2, floatStream({5, 6, 3, 4, 1, 2}), indices);
@@ -155,7 +155,7 @@ TEST_F(GPUStreamOptimisationTest, withoutDuplicatesNothingMoves)
                                                                     " (100 %) 4")}));
 }
 
-TEST_F(GPUStreamOptimisationTest, statisticsAreTruncatedAndPadded)
+TEST_F(GPUStreamOptimisationTest, StatisticsAreTruncatedAndPadded)
 {
     struct Row
     {
@@ -185,7 +185,7 @@ TEST_F(GPUStreamOptimisationTest, statisticsAreTruncatedAndPadded)
     }
 }
 
-TEST_F(GPUStreamOptimisationTest, emptyStreamsStayEmptyAndAreReplaced)
+TEST_F(GPUStreamOptimisationTest, EmptyStreamsStayEmptyAndAreReplaced)
 {
     const StreamPointer indices = uintStream({});
     const StreamPointer values = floatStream({});
@@ -196,7 +196,7 @@ TEST_F(GPUStreamOptimisationTest, emptyStreamsStayEmptyAndAreReplaced)
     EXPECT_NE(Inspector::vertexAttribute(builder, vertexName()).gpuValues, values);
 }
 
-TEST_F(GPUStreamOptimisationTest, typesOfTheValuesAreKept)
+TEST_F(GPUStreamOptimisationTest, TypesOfTheValuesAreKept)
 {
     const StreamPointer indices = uintStream({0, 1, 2});
     const StreamPointer bytes = QSharedPointer<ModelDataArray>::create(typeUnsignedByte, 6ul);
@@ -219,7 +219,7 @@ TEST_F(GPUStreamOptimisationTest, typesOfTheValuesAreKept)
     EXPECT_THAT(elements<double>(newDoubles), ElementsAre(0.5, 0.25));
 }
 
-TEST_F(GPUStreamOptimisationTest, everyAttributeEndsWithTheIndicesOfTheLastOne)
+TEST_F(GPUStreamOptimisationTest, EveryAttributeEndsWithTheIndicesOfTheLastOne)
 {
     // Equal contents in streams of their own.
     for (const QString &name : {vertexName(), normalName(), texCoordName()})
@@ -237,13 +237,13 @@ TEST_F(GPUStreamOptimisationTest, everyAttributeEndsWithTheIndicesOfTheLastOne)
 
 // Nothing to weld
 
-TEST_F(GPUStreamOptimisationTest, withoutAnAttributeNothingHappens)
+TEST_F(GPUStreamOptimisationTest, WithoutAnAttributeNothingHappens)
 {
     builder.optimizeGPUStreams();
     EXPECT_THAT(messages.messages(), IsEmpty());
 }
 
-TEST_F(GPUStreamOptimisationTest, anUnbuiltAttributeStopsTheWelding)
+TEST_F(GPUStreamOptimisationTest, AnUnbuiltAttributeStopsTheWelding)
 {
     const StreamPointer values = floatStream({1, 1});
     const StreamPointer indices = uintStream({0, 1});
@@ -264,7 +264,7 @@ TEST_F(GPUStreamOptimisationTest, anUnbuiltAttributeStopsTheWelding)
 
 // Assertions
 
-TEST_F(GPUStreamOptimisationTest, indicesOfAnotherTypeAreReportedAndReadAsThirtyTwoBits)
+TEST_F(GPUStreamOptimisationTest, IndicesOfAnotherTypeAreReportedAndReadAsThirtyTwoBits)
 {
     struct Row
     {
@@ -306,7 +306,7 @@ TEST_F(GPUStreamOptimisationTest, indicesOfAnotherTypeAreReportedAndReadAsThirty
     }
 }
 
-TEST_F(GPUStreamOptimisationTest, narrowIndicesAreReportedAndNeverReadBeyondTheirEnd)
+TEST_F(GPUStreamOptimisationTest, NarrowIndicesAreReportedAndNeverReadBeyondTheirEnd)
 {
     RecordingAllocator allocator;
     for (const unsigned long count : {0ul, 1ul, 3ul}) {
@@ -337,7 +337,7 @@ public:
     unsigned type() const override { return typeUnsignedShort; }
 };
 
-TEST_F(GPUStreamOptimisationTest, indicesBehindTheAnnouncedBytesStayAsTheyAre)
+TEST_F(GPUStreamOptimisationTest, IndicesBehindTheAnnouncedBytesStayAsTheyAre)
 {
     const auto indices = QSharedPointer<HalfAnnouncedStream>::create(typeUnsignedInt, 4ul);
     const unsigned ones[] = {1, 1, 1, 1};
@@ -351,7 +351,7 @@ TEST_F(GPUStreamOptimisationTest, indicesBehindTheAnnouncedBytesStayAsTheyAre)
 
 // Broken streams
 
-TEST_F(GPUStreamOptimisationTest, indicesThatSelectNoVertexStayAsTheyAre)
+TEST_F(GPUStreamOptimisationTest, IndicesThatSelectNoVertexStayAsTheyAre)
 {
     const StreamPointer indices = uintStream({1, 2, absentIndex, 0xFFFFFFFF});
     setGPUStreams(builder, vertexName(), 1, floatStream({5, 5}), indices);
@@ -361,7 +361,7 @@ TEST_F(GPUStreamOptimisationTest, indicesThatSelectNoVertexStayAsTheyAre)
 
 // The attribute that the table yields last says how many vertices there are. What
 // another one lacks is zeros, what it has beyond is dropped.
-TEST_F(GPUStreamOptimisationTest, theLastAttributeSaysHowManyVerticesThereAre)
+TEST_F(GPUStreamOptimisationTest, TheLastAttributeSaysHowManyVerticesThereAre)
 {
     RecordingAllocator allocator;
     const StreamPointer indices = uintStream({0, 1});
@@ -398,7 +398,7 @@ TEST_F(GPUStreamOptimisationTest, theLastAttributeSaysHowManyVerticesThereAre)
 
 // Storage of the application's own
 
-TEST_F(GPUStreamOptimisationTest, makesOneNewStreamPerAttributeAtItsFinalSize)
+TEST_F(GPUStreamOptimisationTest, MakesOneNewStreamPerAttributeAtItsFinalSize)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder recorded(allocator, 0); // s0, s1
@@ -422,7 +422,7 @@ TEST_F(GPUStreamOptimisationTest, makesOneNewStreamPerAttributeAtItsFinalSize)
     EXPECT_THAT(uints(indices), ElementsAre(0, 1, 0));
 }
 
-TEST_F(GPUStreamOptimisationTest, withoutMemoryNoAttributeIsLeftHalfDone)
+TEST_F(GPUStreamOptimisationTest, WithoutMemoryNoAttributeIsLeftHalfDone)
 {
     for (const unsigned long available : {0ul, 1ul}) {
         const auto allocator = QSharedPointer<RecordingAllocator>::create();
@@ -445,7 +445,7 @@ TEST_F(GPUStreamOptimisationTest, withoutMemoryNoAttributeIsLeftHalfDone)
 
 // A slower truth
 
-TEST_F(GPUStreamOptimisationTest, agreesWithASlowSearch)
+TEST_F(GPUStreamOptimisationTest, AgreesWithASlowSearch)
 {
     const unsigned seed = 20240608;
     SCOPED_TRACE(::testing::Message() << "seed " << seed);

@@ -102,7 +102,7 @@ protected:
 //   |\ |
 //   | \|
 //   5--6
-TEST_F(MaterialGroupPreparationTest, facesBecomeTriangles)
+TEST_F(MaterialGroupPreparationTest, FacesBecomeTriangles)
 {
     struct Row
     {
@@ -168,7 +168,7 @@ TEST_F(MaterialGroupPreparationTest, facesBecomeTriangles)
     }
 }
 
-TEST_F(MaterialGroupPreparationTest, oneSquareGivesOneCommandOfSixIndices)
+TEST_F(MaterialGroupPreparationTest, OneSquareGivesOneCommandOfSixIndices)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {4});
@@ -185,7 +185,7 @@ TEST_F(MaterialGroupPreparationTest, oneSquareGivesOneCommandOfSixIndices)
     EXPECT_EQ(Inspector::gpuIndices(builder)->size(), 6u);
 }
 
-TEST_F(MaterialGroupPreparationTest, theSecondGroupsRunFollowsTheFirst)
+TEST_F(MaterialGroupPreparationTest, TheSecondGroupsRunFollowsTheFirst)
 {
     ModelBuilder builder({}, 0);
     const std::vector<unsigned> counts = {4, 3};
@@ -200,7 +200,7 @@ TEST_F(MaterialGroupPreparationTest, theSecondGroupsRunFollowsTheFirst)
     EXPECT_THAT(uints(Inspector::gpuIndices(builder)), ElementsAre(5, 6, 8, 6, 7, 8, 0, 1, 2));
 }
 
-TEST_F(MaterialGroupPreparationTest, preparingTwiceAddsASecondRun)
+TEST_F(MaterialGroupPreparationTest, PreparingTwiceAddsASecondRun)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {3});
@@ -212,7 +212,7 @@ TEST_F(MaterialGroupPreparationTest, preparingTwiceAddsASecondRun)
     EXPECT_THAT(uints(Inspector::gpuIndices(builder)), ElementsAre(0, 1, 2, 0, 1, 2));
 }
 
-TEST_F(MaterialGroupPreparationTest, aGroupWithoutFacesGetsACommandOfNothing)
+TEST_F(MaterialGroupPreparationTest, AGroupWithoutFacesGetsACommandOfNothing)
 {
     ModelBuilder builder({}, 0);
     const std::vector<unsigned> counts = {3};
@@ -230,7 +230,7 @@ TEST_F(MaterialGroupPreparationTest, aGroupWithoutFacesGetsACommandOfNothing)
 
 // Keys
 
-TEST_F(MaterialGroupPreparationTest, maskedFlagsAreTheKey)
+TEST_F(MaterialGroupPreparationTest, MaskedFlagsAreTheKey)
 {
     struct Row
     {
@@ -283,7 +283,7 @@ TEST_F(MaterialGroupPreparationTest, maskedFlagsAreTheKey)
     }
 }
 
-TEST_F(MaterialGroupPreparationTest, aNewKeyReplacesNamesLeftUnderIt)
+TEST_F(MaterialGroupPreparationTest, ANewKeyReplacesNamesLeftUnderIt)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {3});
@@ -294,7 +294,7 @@ TEST_F(MaterialGroupPreparationTest, aNewKeyReplacesNamesLeftUnderIt)
 
 // The combined index stream
 
-TEST_F(MaterialGroupPreparationTest, anEmptyIndexStreamIsReplacedByAFreshOne)
+TEST_F(MaterialGroupPreparationTest, AnEmptyIndexStreamIsReplacedByAFreshOne)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0); // s0, s1
@@ -311,7 +311,7 @@ TEST_F(MaterialGroupPreparationTest, anEmptyIndexStreamIsReplacedByAFreshOne)
     EXPECT_THAT(uints(Inspector::gpuIndices(builder)), ElementsAre(0, 1, 2));
 }
 
-TEST_F(MaterialGroupPreparationTest, anIndexStreamInUseIsAppendedTo)
+TEST_F(MaterialGroupPreparationTest, AnIndexStreamInUseIsAppendedTo)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0);
@@ -330,7 +330,7 @@ TEST_F(MaterialGroupPreparationTest, anIndexStreamInUseIsAppendedTo)
     EXPECT_THAT(Inspector::drawCommands(builder).value(0), ElementsAre(command(3, 2)));
 }
 
-TEST_F(MaterialGroupPreparationTest, nothingElseOfTheBuilderChanges)
+TEST_F(MaterialGroupPreparationTest, NothingElseOfTheBuilderChanges)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {3});
@@ -344,7 +344,7 @@ TEST_F(MaterialGroupPreparationTest, nothingElseOfTheBuilderChanges)
 
 // Storage of the application's own
 
-TEST_F(MaterialGroupPreparationTest, readsForeignStreamsThroughTheListedOperationsOnly)
+TEST_F(MaterialGroupPreparationTest, ReadsForeignStreamsThroughTheListedOperationsOnly)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0); // s0, s1
@@ -371,7 +371,7 @@ TEST_F(MaterialGroupPreparationTest, readsForeignStreamsThroughTheListedOperatio
 
 // Assertions
 
-TEST_F(MaterialGroupPreparationTest, cornerCountsOfAnotherTypeAreReportedAndReadAsThirtyTwoBits)
+TEST_F(MaterialGroupPreparationTest, CornerCountsOfAnotherTypeAreReportedAndReadAsThirtyTwoBits)
 {
     struct Row
     {
@@ -407,7 +407,7 @@ TEST_F(MaterialGroupPreparationTest, cornerCountsOfAnotherTypeAreReportedAndRead
     }
 }
 
-TEST_F(MaterialGroupPreparationTest, narrowCornerCountsAreReportedAndNeverReadBeyondTheirEnd)
+TEST_F(MaterialGroupPreparationTest, NarrowCornerCountsAreReportedAndNeverReadBeyondTheirEnd)
 {
     ModelBuilder builder({}, 0);
     RecordingAllocator allocator;
@@ -435,7 +435,7 @@ void hideZerosBehind(const StreamPointer &stream)
     stream->resize(size);
 }
 
-TEST_F(MaterialGroupPreparationTest, whatDoesNotExistGivesNoTriangle)
+TEST_F(MaterialGroupPreparationTest, WhatDoesNotExistGivesNoTriangle)
 {
     struct Row
     {
@@ -480,7 +480,7 @@ TEST_F(MaterialGroupPreparationTest, whatDoesNotExistGivesNoTriangle)
     }
 }
 
-TEST_F(MaterialGroupPreparationTest, streamsThatCannotBeHadGiveNoCommand)
+TEST_F(MaterialGroupPreparationTest, StreamsThatCannotBeHadGiveNoCommand)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0);

@@ -43,7 +43,7 @@ protected:
 
 // Attributes
 
-TEST_F(RecordedFillingTest, anAttributeGetsItsTwoStreams)
+TEST_F(RecordedFillingTest, AnAttributeGetsItsTwoStreams)
 {
     log.clear();
     builder.createVertexAttribute(vertexName(), 3, typeDouble, 6, 2);
@@ -57,7 +57,7 @@ TEST_F(RecordedFillingTest, anAttributeGetsItsTwoStreams)
     EXPECT_FALSE(attribute.gpuIndices);
 }
 
-TEST(ModelBuilderFillingTest, whatIsAddedComesAfterTheInitialElements)
+TEST(ModelBuilderFillingTest, WhatIsAddedComesAfterTheInitialElements)
 {
     ModelBuilder builder({}, 0);
     builder.createVertexAttribute(vertexName(), 1, typeFloat, 2, 1);
@@ -73,7 +73,7 @@ TEST(ModelBuilderFillingTest, whatIsAddedComesAfterTheInitialElements)
     EXPECT_EQ(uints(attribute.indices)[1], 2u);
 }
 
-TEST(ModelBuilderFillingTest, creatingAnAttributeAgainStartsItAfresh)
+TEST(ModelBuilderFillingTest, CreatingAnAttributeAgainStartsItAfresh)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {3});
@@ -98,7 +98,7 @@ TEST(ModelBuilderFillingTest, creatingAnAttributeAgainStartsItAfresh)
     EXPECT_TRUE(other.gpuValues && other.gpuIndices) << "the other attribute is left alone";
 }
 
-TEST_F(RecordedFillingTest, valuesOfTheRightTypeAreAppended)
+TEST_F(RecordedFillingTest, ValuesOfTheRightTypeAreAppended)
 {
     builder.createVertexAttribute(vertexName(), 3, typeFloat, 0, 0); // s2, s3
     log.clear();
@@ -112,7 +112,7 @@ TEST_F(RecordedFillingTest, valuesOfTheRightTypeAreAppended)
                 areFloats({values[0], values[1], values[2], values[3]}));
 }
 
-TEST(ModelBuilderFillingTest, valuesOfAnotherTypeAreIgnoredSilently)
+TEST(ModelBuilderFillingTest, ValuesOfAnotherTypeAreIgnoredSilently)
 {
     struct Row
     {
@@ -138,7 +138,7 @@ TEST(ModelBuilderFillingTest, valuesOfAnotherTypeAreIgnoredSilently)
     }
 }
 
-TEST(ModelBuilderFillingTest, unknownNamesAreIgnoredSilently)
+TEST(ModelBuilderFillingTest, UnknownNamesAreIgnoredSilently)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -152,7 +152,7 @@ TEST(ModelBuilderFillingTest, unknownNamesAreIgnoredSilently)
     EXPECT_THAT(messages.messages(), IsEmpty());
 }
 
-TEST_F(RecordedFillingTest, indicesCountsAndFacesAreTakenUnchecked)
+TEST_F(RecordedFillingTest, IndicesCountsAndFacesAreTakenUnchecked)
 {
     builder.createVertexAttribute(vertexName(), 3, typeFloat, 0, 0); // s2, s3
     builder.createMaterialGroup(a, InstanceData(), -1, 0);           // s4
@@ -174,7 +174,7 @@ TEST_F(RecordedFillingTest, indicesCountsAndFacesAreTakenUnchecked)
                 ElementsAre(0u, 0x7fffffffu, 0xffffffffu));
 }
 
-TEST_F(RecordedFillingTest, generateNormalsRemembersTheLastNameAndDoesNothingElse)
+TEST_F(RecordedFillingTest, GenerateNormalsRemembersTheLastNameAndDoesNothingElse)
 {
     log.clear();
     builder.generateNormals(a);
@@ -185,7 +185,7 @@ TEST_F(RecordedFillingTest, generateNormalsRemembersTheLastNameAndDoesNothingEls
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(RecordedFillingTest, reservedOperationsTouchNothing)
+TEST_F(RecordedFillingTest, ReservedOperationsTouchNothing)
 {
     const MessageCapture messages;
     builder.removeUnusedVertices();
@@ -208,7 +208,7 @@ TEST_F(RecordedFillingTest, reservedOperationsTouchNothing)
 
 // Material groups
 
-TEST_F(RecordedFillingTest, aGroupKeepsWhatItIsGiven)
+TEST_F(RecordedFillingTest, AGroupKeepsWhatItIsGiven)
 {
     log.clear();
     builder.createMaterialGroup(a, recordWithNs(12), 7, 0xFFFFFFFF00000001u);
@@ -223,7 +223,7 @@ TEST_F(RecordedFillingTest, aGroupKeepsWhatItIsGiven)
     EXPECT_TRUE(group.faces->isEmpty());
 }
 
-TEST(ModelBuilderFillingTest, groupIds)
+TEST(ModelBuilderFillingTest, GroupIds)
 {
     struct Creation
     {
@@ -259,7 +259,7 @@ TEST(ModelBuilderFillingTest, groupIds)
     }
 }
 
-TEST(ModelBuilderFillingTest, creatingAGroupAgainStartsItAfresh)
+TEST(ModelBuilderFillingTest, CreatingAGroupAgainStartsItAfresh)
 {
     const MessageCapture messages;
     ModelBuilder builder({}, 0);
@@ -282,7 +282,7 @@ TEST(ModelBuilderFillingTest, creatingAGroupAgainStartsItAfresh)
     EXPECT_EQ(Inspector::materialGroup(builder, a).objectName, QStringLiteral("second object"));
 }
 
-TEST(ModelBuilderFillingTest, theObjectWhoseFacesComeFirstNamesTheGroup)
+TEST(ModelBuilderFillingTest, TheObjectWhoseFacesComeFirstNamesTheGroup)
 {
     const QString null;
     const QString empty = QLatin1String("");
@@ -340,7 +340,7 @@ TEST(ModelBuilderFillingTest, theObjectWhoseFacesComeFirstNamesTheGroup)
     }
 }
 
-TEST(ModelBuilderFillingTest, objectNamesAreWarnedOfInTheLocalEncoding)
+TEST(ModelBuilderFillingTest, ObjectNamesAreWarnedOfInTheLocalEncoding)
 {
     // "\u00fc" is the one byte FC in Latin 1, which the logger cannot take for UTF-8.
     const ScopedLocaleCodec latin1("ISO-8859-1");

@@ -40,7 +40,7 @@ protected:
 
 // Construction and end
 
-TEST(ModelBuilderTest, aNewBuilderIsEmpty)
+TEST(ModelBuilderTest, ANewBuilderIsEmpty)
 {
     ModelBuilder builder({}, 0x8000000000000001u);
 
@@ -58,7 +58,7 @@ TEST(ModelBuilderTest, aNewBuilderIsEmpty)
     }
 }
 
-TEST(ModelBuilderTest, makesAnArrayAllocatorWhenGivenNone)
+TEST(ModelBuilderTest, MakesAnArrayAllocatorWhenGivenNone)
 {
     ModelBuilder first({}, 0);
     ModelBuilder second({}, 0);
@@ -66,7 +66,7 @@ TEST(ModelBuilderTest, makesAnArrayAllocatorWhenGivenNone)
     EXPECT_NE(Inspector::allocator(first), Inspector::allocator(second)) << "each has its own";
 }
 
-TEST(ModelBuilderTest, sharesTheAllocatorGiven)
+TEST(ModelBuilderTest, SharesTheAllocatorGiven)
 {
     QSharedPointer<ModelDataStreamAllocator> allocator(new ModelDataArrayAllocator);
     const QWeakPointer<ModelDataStreamAllocator> observer = allocator;
@@ -79,7 +79,7 @@ TEST(ModelBuilderTest, sharesTheAllocatorGiven)
     EXPECT_FALSE(observer);
 }
 
-TEST(ModelBuilderTest, recordsStartWithNothing)
+TEST(ModelBuilderTest, RecordsStartWithNothing)
 {
     const Inspector::MaterialGroup group;
     EXPECT_TRUE(group.instanceData.members().isEmpty());
@@ -94,7 +94,7 @@ TEST(ModelBuilderTest, recordsStartWithNothing)
     EXPECT_EQ(attribute.components, 0);
 }
 
-TEST_F(RecordedBuilderTest, makesTheTwoStreamsInOrder)
+TEST_F(RecordedBuilderTest, MakesTheTwoStreamsInOrder)
 {
     EXPECT_THAT(log.lines(), ElementsAre("alloc UINT 0 -> s0", "alloc UINT 0 -> s1"));
     log.clear();
@@ -106,7 +106,7 @@ TEST_F(RecordedBuilderTest, makesTheTwoStreamsInOrder)
 
 // The fields go in the reverse of their order: combined indices, attributes,
 // corner counts, groups.
-TEST_F(RecordedBuilderTest, releasesItsStreamsInReverseOrder)
+TEST_F(RecordedBuilderTest, ReleasesItsStreamsInReverseOrder)
 {
     const auto ownAllocator = QSharedPointer<RecordingAllocator>::create();
     {
@@ -121,7 +121,7 @@ TEST_F(RecordedBuilderTest, releasesItsStreamsInReverseOrder)
 
 // Clearing
 
-TEST_F(RecordedBuilderTest, clearingReplacesTheStreamsInOrder)
+TEST_F(RecordedBuilderTest, ClearingReplacesTheStreamsInOrder)
 {
     addGroup(builder, a, {});                       // s2
     addAttribute(builder, vertexName(), 3, {}, {}); // s3, s4
@@ -135,7 +135,7 @@ TEST_F(RecordedBuilderTest, clearingReplacesTheStreamsInOrder)
                                          "alloc UINT 0 -> s6", "s1.delete")); // combined indices
 }
 
-TEST_F(RecordedBuilderTest, clearingKeepsTheAllocatorAndTheMaskOnly)
+TEST_F(RecordedBuilderTest, ClearingKeepsTheAllocatorAndTheMaskOnly)
 {
     addGroup(builder, a, {0});
     addFaces(builder, {3});
@@ -162,7 +162,7 @@ TEST_F(RecordedBuilderTest, clearingKeepsTheAllocatorAndTheMaskOnly)
     EXPECT_FALSE(builder.isValid());
 }
 
-TEST(ModelBuilderTest, aClearedBuilderCanBeFilledAgain)
+TEST(ModelBuilderTest, AClearedBuilderCanBeFilledAgain)
 {
     ModelBuilder builder({}, 0);
     addGroup(builder, a, {0});
@@ -175,7 +175,7 @@ TEST(ModelBuilderTest, aClearedBuilderCanBeFilledAgain)
 
 // Queries
 
-TEST(ModelBuilderTest, queriesGoByTheExactName)
+TEST(ModelBuilderTest, QueriesGoByTheExactName)
 {
     ModelBuilder builder({}, 0);
     builder.createMaterialGroup(QStringLiteral("Red"), InstanceData(), 7, 0x123456789ABCDEFu);
@@ -209,7 +209,7 @@ TEST(ModelBuilderTest, queriesGoByTheExactName)
 
 // Validity
 
-TEST(ModelBuilderTest, validity)
+TEST(ModelBuilderTest, Validity)
 {
     struct Row
     {
@@ -294,7 +294,7 @@ TEST(ModelBuilderTest, validity)
     }
 }
 
-TEST_F(RecordedBuilderTest, askingForValidityChangesNothing)
+TEST_F(RecordedBuilderTest, AskingForValidityChangesNothing)
 {
     addGroup(builder, a, {0});
     addFaces(builder, {3});
@@ -323,7 +323,7 @@ private:
     int _remaining;
 };
 
-TEST(ModelBuilderTest, aConstructorThatThrowsReleasesWhatItHad)
+TEST(ModelBuilderTest, AConstructorThatThrowsReleasesWhatItHad)
 {
     const std::vector<std::vector<std::string>> logs = {
         {}, // the first of two streams is not to be had
@@ -339,7 +339,7 @@ TEST(ModelBuilderTest, aConstructorThatThrowsReleasesWhatItHad)
     }
 }
 
-TEST(ModelBuilderTest, survivesAnAllocatorThatGivesNothing)
+TEST(ModelBuilderTest, SurvivesAnAllocatorThatGivesNothing)
 {
     // Twelve streams are asked for: two by the constructor, two per attribute, one
     // by the group, then the shared indices, and per attribute one of values and

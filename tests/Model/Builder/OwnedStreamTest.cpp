@@ -18,7 +18,7 @@ GrowArray<float> arrayOf(const std::vector<float> &values)
     return array;
 }
 
-TEST(OwnedStreamTest, isTheArray)
+TEST(OwnedStreamTest, IsTheArray)
 {
     GrowArray<float> array = arrayOf({1, 2, 3});
     const float *const memory = array.data();
@@ -32,7 +32,7 @@ TEST(OwnedStreamTest, isTheArray)
     EXPECT_THAT(floats(stream), areFloats({1, 2, 3}));
 }
 
-TEST(OwnedStreamTest, growsAndShrinksLikeAnyStream)
+TEST(OwnedStreamTest, GrowsAndShrinksLikeAnyStream)
 {
     const auto stream = OwnedStream<float>::make(typeFloat, arrayOf({1, 2, 3}));
     const float more[] = {4, 5};
@@ -46,7 +46,7 @@ TEST(OwnedStreamTest, growsAndShrinksLikeAnyStream)
     stream->setData(0, 0, nullptr);
 }
 
-TEST(OwnedStreamTest, keepsItsElementCountWhenTheTypeChanges)
+TEST(OwnedStreamTest, KeepsItsElementCountWhenTheTypeChanges)
 {
     const auto stream = OwnedStream<float>::make(typeFloat, arrayOf({1, 2, 3}));
     stream->setType(typeUnsignedShort);
@@ -60,7 +60,7 @@ TEST(OwnedStreamTest, keepsItsElementCountWhenTheTypeChanges)
     EXPECT_EQ(static_cast<double *>(stream->data(0))[2], 0.5);
 }
 
-TEST(OwnedStreamTest, hasNoElementsOfATypeWithoutASize)
+TEST(OwnedStreamTest, HasNoElementsOfATypeWithoutASize)
 {
     const auto stream = OwnedStream<float>::make(typeFloat, arrayOf({1, 2, 3}));
     stream->setType(0);
@@ -68,7 +68,7 @@ TEST(OwnedStreamTest, hasNoElementsOfATypeWithoutASize)
     EXPECT_EQ(stream->byteCount(), 0u);
 }
 
-TEST(OwnedStreamTest, hasRoomForPartsOfTheArraysElements)
+TEST(OwnedStreamTest, HasRoomForPartsOfTheArraysElements)
 {
     const auto stream = OwnedStream<float>::make(typeUnsignedShort, {});
     const quint16 value = 7;
@@ -77,7 +77,7 @@ TEST(OwnedStreamTest, hasRoomForPartsOfTheArraysElements)
     EXPECT_EQ(*static_cast<quint16 *>(stream->data(0)), 7u);
 }
 
-TEST(OwnedStreamTest, withoutElements)
+TEST(OwnedStreamTest, WithoutElements)
 {
     const auto stream = OwnedStream<quint32>::make(typeUnsignedInt, {});
     EXPECT_TRUE(stream->isEmpty());

@@ -19,7 +19,7 @@ class UploadBatchesTest : public UploadFixture
 
 // Batches
 
-TEST_F(UploadBatchesTest, groupsOfOneKeyShareABundle)
+TEST_F(UploadBatchesTest, GroupsOfOneKeyShareABundle)
 {
     ModelBuilder builder({}, 0);
     addTwoGroups(builder, 1, 2);
@@ -45,7 +45,7 @@ TEST_F(UploadBatchesTest, groupsOfOneKeyShareABundle)
     EXPECT_NE(model.materialName(0, 0), model.materialName(0, 1));
 }
 
-TEST_F(UploadBatchesTest, groupsOfTwoKeysHaveBundlesThatShareTheBuffers)
+TEST_F(UploadBatchesTest, GroupsOfTwoKeysHaveBundlesThatShareTheBuffers)
 {
     ModelBuilder builder({}, 0xF0);
     addTwoGroups(builder, 0x13, 0x23);
@@ -69,7 +69,7 @@ TEST_F(UploadBatchesTest, groupsOfTwoKeysHaveBundlesThatShareTheBuffers)
         << "one run begins at 0, the other at 3";
 }
 
-TEST_F(UploadBatchesTest, theModelOutlivesTheBuilder)
+TEST_F(UploadBatchesTest, TheModelOutlivesTheBuilder)
 {
     {
         ModelBuilder builder({}, 0);
@@ -92,7 +92,7 @@ InstanceData materialRecord(const QString &plan, float ns)
     return record;
 }
 
-TEST_F(UploadBatchesTest, materialsStandInTheOrderOfTheCommands)
+TEST_F(UploadBatchesTest, MaterialsStandInTheOrderOfTheCommands)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {3, 3});
@@ -130,7 +130,7 @@ TEST_F(UploadBatchesTest, materialsStandInTheOrderOfTheCommands)
     EXPECT_EQ(model.instances(0)->name(), QStringLiteral("InstanceInfo"));
 }
 
-TEST_F(UploadBatchesTest, aMaterialIdMemberTakesThePlaceOfTheMaterials)
+TEST_F(UploadBatchesTest, AMaterialIdMemberTakesThePlaceOfTheMaterials)
 {
     for (const QString &member : {QStringLiteral("materialId"), QString(QLatin1String(""))}) {
         ModelBuilder builder({}, 0);
@@ -162,7 +162,7 @@ TEST_F(UploadBatchesTest, aMaterialIdMemberTakesThePlaceOfTheMaterials)
 
 // More than once
 
-TEST_F(UploadBatchesTest, aSecondUploadAddsTheSameInNewBuffers)
+TEST_F(UploadBatchesTest, ASecondUploadAddsTheSameInNewBuffers)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0);
@@ -192,7 +192,7 @@ TEST_F(UploadBatchesTest, aSecondUploadAddsTheSameInNewBuffers)
     }
 }
 
-TEST_F(UploadBatchesTest, aClearedBuilderUploadsWhatItIsFilledWithNext)
+TEST_F(UploadBatchesTest, AClearedBuilderUploadsWhatItIsFilledWithNext)
 {
     ModelBuilder builder({}, 0);
     addSquareWithGroup(builder);
@@ -212,7 +212,7 @@ TEST_F(UploadBatchesTest, aClearedBuilderUploadsWhatItIsFilledWithNext)
 
 // The combined indices are the sign of a prepared builder. When no face gives a
 // triangle they stay empty, and the second upload prepares once more.
-TEST_F(UploadBatchesTest, aModelWithoutTrianglesIsPreparedAgain)
+TEST_F(UploadBatchesTest, AModelWithoutTrianglesIsPreparedAgain)
 {
     ModelBuilder builder({}, 0);
     addFaces(builder, {2});
@@ -234,7 +234,7 @@ TEST_F(UploadBatchesTest, aModelWithoutTrianglesIsPreparedAgain)
     EXPECT_EQ(model.materialName(1, 1), a);
 }
 
-TEST_F(UploadBatchesTest, anAttributeThatComesAfterAnUploadKeepsTheNextFromBeingMade)
+TEST_F(UploadBatchesTest, AnAttributeThatComesAfterAnUploadKeepsTheNextFromBeingMade)
 {
     ModelBuilder builder({}, 0);
     addSquareWithGroup(builder);
@@ -248,7 +248,7 @@ TEST_F(UploadBatchesTest, anAttributeThatComesAfterAnUploadKeepsTheNextFromBeing
 
 // Storage of the application's own
 
-TEST_F(UploadBatchesTest, makesTheDefinedChangesInTheDefinedOrder)
+TEST_F(UploadBatchesTest, MakesTheDefinedChangesInTheDefinedOrder)
 {
     const auto allocator = QSharedPointer<RecordingAllocator>::create();
     ModelBuilder builder(allocator, 0); // s0 corner counts, s1 combined indices
@@ -273,7 +273,7 @@ TEST_F(UploadBatchesTest, makesTheDefinedChangesInTheDefinedOrder)
                             "size", "type"));
 }
 
-TEST_F(UploadBatchesTest, withoutMemoryTheModelStaysAsItWasAndALaterUploadWorks)
+TEST_F(UploadBatchesTest, WithoutMemoryTheModelStaysAsItWasAndALaterUploadWorks)
 {
     // Six streams, as in the list above.
     for (unsigned long available = 0; available < 6; ++available) {
@@ -304,7 +304,7 @@ TEST_F(UploadBatchesTest, withoutMemoryTheModelStaysAsItWasAndALaterUploadWorks)
     EXPECT_THAT(messages.texts(QtWarningMsg), IsEmpty());
 }
 
-TEST_F(UploadBatchesTest, withStreamsThatAreTooShortTheModelStaysAsItWas)
+TEST_F(UploadBatchesTest, WithStreamsThatAreTooShortTheModelStaysAsItWas)
 {
     // Those of the list above that are made at their final size.
     for (const unsigned long whole : {0ul, 1ul, 2ul, 4ul, 5ul}) {
@@ -352,7 +352,7 @@ private:
 };
 
 // The commands would draw from indices that are not there.
-TEST_F(UploadBatchesTest, trianglesThatFindNoRoomAreNotDrawn)
+TEST_F(UploadBatchesTest, TrianglesThatFindNoRoomAreNotDrawn)
 {
     const auto allocator = QSharedPointer<FullAllocator>::create();
     ModelBuilder builder(allocator, 0);

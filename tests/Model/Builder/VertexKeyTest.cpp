@@ -33,7 +33,7 @@ protected:
     VertexKey key(unsigned corner, unsigned hash = 0) const { return {&streams, corner, hash}; }
 };
 
-TEST_F(VertexKeyTest, cornersAreEqualWhenEveryIndexIs)
+TEST_F(VertexKeyTest, CornersAreEqualWhenEveryIndexIs)
 {
     EXPECT_TRUE(key(0) == key(0));
     EXPECT_TRUE(key(0) == key(2));
@@ -42,13 +42,13 @@ TEST_F(VertexKeyTest, cornersAreEqualWhenEveryIndexIs)
     EXPECT_FALSE(key(1) == key(4)) << "8 and 9";
 }
 
-TEST_F(VertexKeyTest, hashesAreNotCompared)
+TEST_F(VertexKeyTest, HashesAreNotCompared)
 {
     EXPECT_TRUE(key(0, 1) == key(2, 2));
     EXPECT_FALSE(key(0, 5) == key(1, 5));
 }
 
-TEST_F(VertexKeyTest, eachKeyReadsItsOwnStreams)
+TEST_F(VertexKeyTest, EachKeyReadsItsOwnStreams)
 {
     const unsigned otherPositions[] = {0, 7};
     const unsigned otherNormals[] = {0, 1};
@@ -59,27 +59,27 @@ TEST_F(VertexKeyTest, eachKeyReadsItsOwnStreams)
     EXPECT_FALSE(other == key(3));
 }
 
-TEST_F(VertexKeyTest, theFirstKeysListSaysHowManyStreamsCount)
+TEST_F(VertexKeyTest, TheFirstKeysListSaysHowManyStreamsCount)
 {
     const QVector<const unsigned *> positionsOnly{positions};
     const VertexKey first{&positionsOnly, 0, 0};
     EXPECT_TRUE(first == key(3)) << "the normals differ, but the first list has none";
 }
 
-TEST_F(VertexKeyTest, cornersOfNoStreamAreAllEqual)
+TEST_F(VertexKeyTest, CornersOfNoStreamAreAllEqual)
 {
     const QVector<const unsigned *> none;
     EXPECT_TRUE((VertexKey{&none, 0, 0} == VertexKey{&none, 4, 0}));
 }
 
-TEST_F(VertexKeyTest, qHashIsThePrecomputedHash)
+TEST_F(VertexKeyTest, QHashIsThePrecomputedHash)
 {
     for (const unsigned hash : {0u, 1u, 0x9E3779B9u, 0xFFFFFFFFu})
         EXPECT_EQ(qHash(key(0, hash)), hash);
 }
 
 // h becomes h ^ ((h << 6) + (h >> 2) + 0x9E3779B9 + index), attribute by attribute.
-TEST_F(VertexKeyTest, theHashOfATupleCombinesItsIndicesInTheirOrder)
+TEST_F(VertexKeyTest, TheHashOfATupleCombinesItsIndicesInTheirOrder)
 {
     const auto hashOf = [](std::initializer_list<unsigned> tuple) {
         QVector<const unsigned *> list;
@@ -100,14 +100,14 @@ TEST_F(VertexKeyTest, theHashOfATupleCombinesItsIndicesInTheirOrder)
     EXPECT_NE(hashOf({2, 1}), hashOf({1, 2}));
 }
 
-TEST_F(VertexKeyTest, theHashOfACornerIsThatOfItsIndices)
+TEST_F(VertexKeyTest, TheHashOfACornerIsThatOfItsIndices)
 {
     const unsigned corner1[] = {8, 1};
     const QVector<const unsigned *> tuple{corner1, corner1 + 1};
     EXPECT_EQ(Halvard::Orv::hashOfCorner(streams, 1), Halvard::Orv::hashOfCorner(tuple, 0));
 }
 
-TEST_F(VertexKeyTest, worksAsAHashTableKey)
+TEST_F(VertexKeyTest, WorksAsAHashTableKey)
 {
     // All in one bucket: only the comparison tells them apart.
     QHash<VertexKey, unsigned> vertices;

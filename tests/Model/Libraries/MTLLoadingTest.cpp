@@ -2,6 +2,7 @@
 #include "support/MessageCapture.h"
 #include "support/ModelBuilderInspector.h"
 #include "support/QtPrinting.h"
+#include "support/RecordingStream.h"
 #include "support/TemporaryModel.h"
 
 #include <OrvModel/ModelLoading.h>
@@ -28,9 +29,8 @@ using Materials = std::map<std::string, Lines>;
 Materials materialsOf(ModelBuilder &builder)
 {
     Materials materials;
-    const auto &groups = Inspector::materialGroups(builder);
-    for (auto group = groups.begin(); group != groups.end(); ++group)
-        materials[group.key().toStdString()] = described(group->instanceData);
+    for (const auto &[name, group] : Inspector::materialGroups(builder))
+        materials[name.toStdString()] = described(group.instanceData);
     return materials;
 }
 
@@ -179,6 +179,35 @@ TEST_F(MTLLoading, NumbersGroups)
     EXPECT_EQ(builder.materialGroupId(QStringLiteral("b")), 1);
     EXPECT_EQ(builder.materialGroupId(QStringLiteral("a")), 2);
     EXPECT_EQ(builder.materialGroupId(QStringLiteral("c")), 3);
+}
+
+/// Memory that ends while the file is read is a library that cannot be loaded; what the
+/// caller's own allocator throws is the caller's.
+TEST_F(MTLLoading, PassesOnWhatTheAllocatorThrows)
+{
+    const auto allocator = QSharedPointer<RecordingAllocator>::create();
+    ModelBuilder builder(allocator, 0);
+    const QString library = write("newmtl a\nnewmtl b\nnewmtl c\n");
+    for (const bool isMemory : {true, false}) {
+        int groups = 0;
+        allocator->log().watch([&](const std::string &line) {
+            if (line.rfind("alloc", 0) != 0 || ++groups < 2)
+                return;
+            if (isMemory)
+                throw std::bad_alloc();
+            throw 7;
+        });
+        const MessageCapture messages;
+        if (isMemory)
+            EXPECT_THROW(loadMaterialsFromMTLFile(library, builder), std::bad_alloc);
+        else
+            EXPECT_THROW(loadMaterialsFromMTLFile(library, builder), int);
+        allocator->log().watch(nullptr);
+        EXPECT_TRUE(builder.hasMaterialGroup(QStringLiteral("a")));
+        EXPECT_FALSE(builder.hasMaterialGroup(QStringLiteral("b")));
+        EXPECT_THAT(messages.messages(), IsEmpty());
+        builder.clear();
+    }
 }
 
 TEST_F(MTLLoading, LeavesExistingGroupsAlone)

@@ -48,10 +48,9 @@ UploadedModel byBuilder(const PlainModel &model, ModelBuilder &builder)
     builder.buildGPUFriendlyStreams(false);
     using Inspector = ModelBuilderInspector;
     const Inspector::VertexAttribute positions = Inspector::vertexAttribute(builder, vertexName());
-    const auto groups = Inspector::materialGroups(builder);
-    for (auto it = groups.cbegin(); it != groups.cend(); ++it) {
-        if (!it->faces->isEmpty())
-            builder.prepareMaterialGroupForUpload(it.key(), it.value(), positions.gpuValues,
+    for (const auto &[name, group] : Inspector::materialGroups(builder)) {
+        if (!group.faces->isEmpty())
+            builder.prepareMaterialGroupForUpload(name, group, positions.gpuValues,
                                                   positions.gpuIndices, faceOffsets(model));
     }
     Bundle bundle = preparedBundle(builder);
@@ -89,7 +88,7 @@ UploadedModel expectSame(const PlainModel &model)
 {
     ModelBuilder builder({}, 0);
     readInto(builder, model);
-    const QStringList groups = ModelBuilderInspector::materialGroups(builder).keys();
+    const QStringList groups = ModelBuilderInspector::materialGroups(builder).names();
     const UploadedModel expected = byBuilder(model, builder);
     for (const std::size_t textBytes : {std::size_t(0), std::numeric_limits<std::size_t>::max()})
         EXPECT_THAT(differences(expected, byArrays(model, builder, groups, textBytes)), IsEmpty());
