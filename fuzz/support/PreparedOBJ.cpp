@@ -27,32 +27,42 @@ using Inspector = ModelBuilderInspector;
 
 namespace {
 
-void addDefaultGroup(ModelBuilder &builder)
+/// A text, what it is read into, and what is said meanwhile.
+class Reading
 {
-    builder.createMaterialGroup(QStringLiteral("<default>"), makeDefaultMaterial(), -1, 0);
-}
+public:
+    explicit Reading(const QByteArray &obj)
+    {
+        device.setData(obj);
+        device.open(QIODevice::ReadOnly | QIODevice::Text);
+        builder.createMaterialGroup(QStringLiteral("<default>"), makeDefaultMaterial(), -1, 0);
+    }
 
-PlainModel materialsOf(ModelBuilder &builder)
-{
-    PlainModel materials;
-    materials.groups = contentsOf(builder).groups;
-    for (PlainGroup &group : materials.groups)
-        group.faces.clear(); // the fast path never adds them to the builder
-    return materials;
-}
-
-/// What is known when the paths count at different times, or one gives up.
-PreparedOBJ only(OBJScanOutcome outcome)
-{
+    QBuffer device;
+    ModelBuilder builder{{}, 0};
+    MaterialLibraries libraries{builder};
     PreparedOBJ result;
-    result.outcome = outcome;
-    return result;
-}
 
-bool endsEarly(OBJScanOutcome outcome)
-{
-    return outcome == OBJScanOutcome::NeedsLineReader || outcome == OBJScanOutcome::LimitExceeded;
-}
+    bool hasFinished() const { return result.outcome == OBJScanOutcome::Finished; }
+
+    /// Nothing but the outcome when the text has not been read: the paths count at different
+    /// times.
+    PreparedOBJ outcome()
+    {
+        PreparedOBJ all;
+        all.outcome = result.outcome;
+        if (!hasFinished() && result.outcome != OBJScanOutcome::LibraryMissing)
+            return all;
+        result.materials.groups = contentsOf(builder).groups;
+        for (PlainGroup &group : result.materials.groups)
+            group.faces.clear(); // the fast path never adds them to the builder
+        result.prepared.messages = withoutAddresses(_capture.messages());
+        return result;
+    }
+
+private:
+    const MessageCapture _capture;
+};
 
 } // namespace
 
@@ -109,53 +119,33 @@ OBJScanLimits largeChunks()
 PreparedOBJ prepareByBytes(const QByteArray &obj, const QString &baseDir,
                            const OBJScanLimits &limits)
 {
-    QBuffer buffer;
-    buffer.setData(obj);
-    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-    ModelBuilder builder({}, 0);
-    addDefaultGroup(builder);
-    MaterialLibraries libraries(builder);
+    Reading reading(obj);
+    PreparedOBJ &result = reading.result;
     OBJGeometry geometry;
-
-    PreparedOBJ result;
-    const MessageCapture capture;
-    result.outcome = scanOBJFile(buffer, baseDir, libraries, geometry, result.libraryPath, limits);
-    if (endsEarly(result.outcome))
-        return only(result.outcome);
-    if (result.outcome == OBJScanOutcome::Finished) {
-        const PreparedGeometry model = prepareGeometry(
-            std::move(geometry), Inspector::materialGroups(builder).names(), &builder);
+    result.outcome = scanOBJFile(reading.device, baseDir, reading.libraries, geometry,
+                                 result.libraryPath, limits);
+    if (reading.hasFinished()) {
+        const PreparedGeometry model =
+            prepareGeometry(std::move(geometry), Inspector::materialGroups(reading.builder).names(),
+                            &reading.builder);
         if (!model.isEmpty())
             result.prepared.bundles.push_back(preparedBundle(model));
     }
-    result.materials = materialsOf(builder);
-    result.prepared.messages = withoutAddresses(capture.messages());
-    return result;
+    return reading.outcome();
 }
 
 PreparedOBJ prepareByLines(const QByteArray &obj, const QString &baseDir,
                            const OBJScanLimits &limits)
 {
-    QBuffer buffer;
-    buffer.setData(obj);
-    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-    QTextStream stream(&buffer);
-    ModelBuilder builder({}, 0);
-    addDefaultGroup(builder);
-
-    PreparedOBJ result;
-    const MessageCapture capture;
-    MaterialLibraries libraries(builder);
-    result.outcome = readOBJLines(stream, baseDir, builder, libraries, result.libraryPath, limits);
+    Reading reading(obj);
+    PreparedOBJ &result = reading.result;
+    QTextStream stream(&reading.device);
+    result.outcome = readOBJLines(stream, baseDir, reading.builder, reading.libraries,
+                                  result.libraryPath, limits);
     require(result.outcome != OBJScanOutcome::NeedsLineReader, "lines cannot be read by lines");
-    if (endsEarly(result.outcome))
-        return only(result.outcome);
-    if (result.outcome == OBJScanOutcome::Finished &&
-        Inspector::prepare(builder, QStringLiteral("va_Vertex")))
-        result.prepared.bundles.push_back(preparedBundle(builder));
-    result.materials = materialsOf(builder);
-    result.prepared.messages = withoutAddresses(capture.messages());
-    return result;
+    if (reading.hasFinished() && Inspector::prepare(reading.builder, QStringLiteral("va_Vertex")))
+        result.prepared.bundles.push_back(preparedBundle(reading.builder));
+    return reading.outcome();
 }
 
 std::vector<std::string> differences(const PreparedOBJ &lines, const PreparedOBJ &bytes)

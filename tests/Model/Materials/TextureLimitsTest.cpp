@@ -12,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QtEndian>
 #include <QtGui/QImage>
 
 #include <array>
@@ -29,20 +28,6 @@ QImage pixel(QImage::Format format)
     QImage image(1, 1, format);
     image.fill(Qt::black);
     return image;
-}
-
-template <typename Number>
-QByteArray bigEndian(Number number)
-{
-    const Number swapped = qToBigEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&swapped), sizeof swapped);
-}
-
-template <typename Number>
-QByteArray littleEndian(Number number)
-{
-    const Number swapped = qToLittleEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&swapped), sizeof swapped);
 }
 
 /// The check sum of a chunk of a PNG, bit by bit.

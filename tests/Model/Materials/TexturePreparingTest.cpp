@@ -14,11 +14,9 @@
 #include <gmock/gmock.h>
 
 #include <QtCore/QBuffer>
-#include <QtCore/QtEndian>
 #include <QtGui/QImageWriter>
 
 #include <array>
-
 #include <sys/stat.h>
 
 using namespace Halvard::Orv;
@@ -34,20 +32,6 @@ QImage plain(int width, int height, QImage::Format format = QImage::Format_RGB32
     QImage image(width, height, format);
     image.fill(Qt::red);
     return image;
-}
-
-template <typename Number>
-QByteArray littleEndian(Number number)
-{
-    const Number swapped = qToLittleEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&swapped), sizeof swapped);
-}
-
-template <typename Number>
-QByteArray bigEndian(Number number)
-{
-    const Number swapped = qToBigEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&swapped), sizeof swapped);
 }
 
 /// An icon of one entry that says it has `side` pixels a side, and holds `image`.
