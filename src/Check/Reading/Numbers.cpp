@@ -15,28 +15,6 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// Numbers that fast_float and Qt read alike. What lies at the ends of float's range, where Qt
-/// has rules of its own, is left to it; so is everything that begins unlike a number.
-bool readPlainFloat(const char *begin, const char *end, float &value)
-{
-    const char *const digits = begin + (begin < end && *begin == '-' ? 1 : 0);
-    if (digits == end || !(isDigit(*digits) || *digits == '.'))
-        return false;
-    double number = 0;
-    const auto result = fast_float::from_chars(begin, end, number);
-    if (result.ec != std::errc() || result.ptr != end)
-        return false;
-    const double magnitude = std::fabs(number);
-    constexpr double Least = static_cast<double>(std::numeric_limits<float>::min());
-    constexpr double Most = static_cast<double>(std::numeric_limits<float>::max());
-    const bool isZero =
-        magnitude == 0.0 && std::all_of(digits, end, [](char c) { return c == '0' || c == '.'; });
-    if (!isZero && !(magnitude >= Least && magnitude <= Most))
-        return false;
-    value = static_cast<float>(number);
-    return true;
-}
-
 /// Up to nine digits, with or without a minus sign.
 bool readPlainInt(const char *begin, const char *end, int &value)
 {
@@ -56,6 +34,28 @@ bool readPlainInt(const char *begin, const char *end, int &value)
 }
 
 } // namespace
+
+// fast_float and Qt read such numbers alike: both accept the same texts and round to the nearest
+// double. What lies at the ends of float's range, where Qt has rules of its own, is left to it.
+bool readPlainFloat(const char *begin, const char *end, float &value)
+{
+    const char *const digits = begin + (begin < end && *begin == '-' ? 1 : 0);
+    if (digits == end || !(isDigit(*digits) || *digits == '.'))
+        return false;
+    double number = 0;
+    const auto result = fast_float::from_chars(begin, end, number);
+    if (result.ec != std::errc() || result.ptr != end)
+        return false;
+    const double magnitude = std::fabs(number);
+    constexpr double Least = static_cast<double>(std::numeric_limits<float>::min());
+    constexpr double Most = static_cast<double>(std::numeric_limits<float>::max());
+    const bool isZero =
+        magnitude == 0.0 && std::all_of(digits, end, [](char c) { return c == '0' || c == '.'; });
+    if (!isZero && !(magnitude >= Least && magnitude <= Most))
+        return false;
+    value = static_cast<float>(number);
+    return true;
+}
 
 Number readNumber(const LineTokens &tokens, int i)
 {

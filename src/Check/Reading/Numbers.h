@@ -20,6 +20,11 @@ struct Number
     NumberKind kind = NumberKind::Finite;
 };
 
+/// Reads ASCII bytes that are digits with a point, a minus sign or an exponent, and a number within
+/// a float's range.
+/// \return false for anything else, also where QString::toFloat() would accept it.
+bool readPlainFloat(const char *begin, const char *end, float &value);
+
 /// Token `i` of an OBJ line as QString::toFloat() reads it.
 Number readNumber(const LineTokens &tokens, int i);
 

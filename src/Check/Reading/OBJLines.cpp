@@ -1,8 +1,39 @@
 #include "Reading/OBJLines.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Halvard::Orv::Checking {
+
+namespace {
+
+bool isPlainBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\f');
+}
+
+/// ASCII that is neither a blank nor a carriage return.
+bool isPlainToken(char c)
+{
+    return static_cast<signed char>(c) >= 0 && c != '\r' && !isPlainBlank(c);
+}
+
+/// Reads up to nine digits, with or without a minus sign.
+/// \param text is moved past them.
+bool readPlainIndex(const char *&text, const char *end, int &index)
+{
+    constexpr std::ptrdiff_t MostDigits = 9;
+    const bool isNegative = text < end && *text == '-';
+    text += isNegative ? 1 : 0;
+    const char *const digits = text;
+    int number = 0;
+    while (text < end && *text >= '0' && *text <= '9' && text - digits < MostDigits)
+        number = 10 * number + (*text++ - '0');
+    index = isNegative ? -number : number;
+    return text > digits;
+}
+
+} // namespace
 
 bool OBJLines::next()
 {
@@ -12,40 +43,88 @@ bool OBJLines::next()
         return false;
     }
     _continuesAnother = wasContinued;
-    _tokens.split(_line);
-    classify();
+    _isSplit = false;
+    const char *begin = _line.begin;
+    while (begin < _line.end && isPlainBlank(*begin))
+        ++begin;
+    const char *end = begin;
+    while (end < _line.end && isPlainToken(*end))
+        ++end;
+    if (end < _line.end && !isPlainBlank(*end)) {
+        // Another character than ASCII may be a blank, or a carriage return part of the keyword.
+        split();
+        _afterKeyword = nullptr;
+        const QByteArray keyword = _tokens.text(0).toUtf8();
+        classify(keyword.constData(), keyword.constData() + keyword.size());
+        return true;
+    }
+    _afterKeyword = end;
+    classify(begin, end);
     return true;
+}
+
+void OBJLines::split() const
+{
+    _tokens.split(_line);
+    _isSplit = true;
 }
 
 /// Counts the line, too: negative indices refer to the lines before a face, whether or not they
 /// can be read.
-void OBJLines::classify()
+void OBJLines::classify(const char *keyword, const char *end)
 {
-    _kind = OBJLineKind::Nothing;
-    if (_tokens.isEmpty() || _tokens[0].startsWith('#'))
-        return;
-    _kind = OBJLineKind::Other;
-    if (_tokens.is(0, "v")) {
+    const auto reads = [keyword, end](const char *text) {
+        const size_t size = std::strlen(text);
+        return static_cast<size_t>(end - keyword) == size && std::memcmp(keyword, text, size) == 0;
+    };
+    if (keyword == end || *keyword == '#') {
+        _kind = OBJLineKind::Nothing;
+    } else if (reads("v")) {
         _kind = OBJLineKind::Position;
         ++_positions;
-    } else if (_tokens.is(0, "vn")) {
+    } else if (reads("vn")) {
         _kind = OBJLineKind::Normal;
         ++_normals;
-    } else if (_tokens.is(0, "vt")) {
+    } else if (reads("vt")) {
         _kind = OBJLineKind::TexCoord;
         ++_texCoords;
-    } else if (_tokens.is(0, "f")) {
+    } else if (reads("f")) {
         _kind = OBJLineKind::Face;
-    } else if (_tokens.is(0, "usemtl")) {
+    } else if (reads("usemtl")) {
         _kind = OBJLineKind::Material;
-    } else if (_tokens.is(0, "mtllib")) {
+    } else if (reads("mtllib")) {
         _kind = OBJLineKind::Library;
+    } else {
+        _kind = OBJLineKind::Other;
     }
+}
+
+bool OBJLines::readPlainValues(int count, float *values) const
+{
+    const char *text = _afterKeyword;
+    if (!text)
+        return false;
+    for (int i = 0; i < count; ++i) {
+        while (text < _line.end && isPlainBlank(*text))
+            ++text;
+        const char *const begin = text;
+        while (text < _line.end && isPlainToken(*text))
+            ++text;
+        if (!readPlainFloat(begin, text, values[i]))
+            return false;
+    }
+    while (text < _line.end && isPlainBlank(*text))
+        ++text;
+    return text == _line.end;
 }
 
 bool OBJLines::readCorners()
 {
+    if (readPlainCorners())
+        return true;
     _corners.clear();
+    if (!_isSplit)
+        split();
     for (int i = 1; i < _tokens.size(); ++i) {
         const Token &token = _tokens[i];
         if (token.startsWith('#'))
@@ -59,6 +138,38 @@ bool OBJLines::readCorners()
                             resolved(written.vt, _texCoords)});
     }
     return true;
+}
+
+/// Reads corners of up to three plain numbers each.
+/// \return false for anything else, also where a face can be read.
+bool OBJLines::readPlainCorners()
+{
+    const char *text = _afterKeyword;
+    if (!text)
+        return false;
+    _corners.clear();
+    for (;;) {
+        while (text < _line.end && isPlainBlank(*text))
+            ++text;
+        if (text == _line.end)
+            return true;
+        int v = 0;
+        int vt = 0;
+        int vn = 0;
+        if (!readPlainIndex(text, _line.end, v))
+            return false;
+        if (text < _line.end && *text == '/') {
+            ++text;
+            if (text < _line.end && *text != '/' && !readPlainIndex(text, _line.end, vt))
+                return false;
+            if (text < _line.end && *text == '/' && !readPlainIndex(++text, _line.end, vn))
+                return false;
+        }
+        if (text < _line.end && !isPlainBlank(*text))
+            return false;
+        _corners.push_back(
+            {resolved(v, _positions), resolved(vn, _normals), resolved(vt, _texCoords)});
+    }
 }
 
 bool OBJLines::readCorner(const Token &token, WrittenCorner &corner) const
@@ -83,6 +194,16 @@ bool OBJLines::readCorner(const Token &token, WrittenCorner &corner) const
 
 bool OBJLines::isContinued() const
 {
+    if (!_line.begin || _kind == OBJLineKind::Nothing)
+        return false;
+    // Nearly all lines end in a digit, and need not be split to know.
+    const char *end = _line.end;
+    while (end > _line.begin && isPlainBlank(end[-1]))
+        --end;
+    if (end > _line.begin && isPlainToken(end[-1]))
+        return end[-1] == '\\';
+    if (!_isSplit)
+        split();
     return !_tokens.isEmpty() && !_tokens[0].startsWith('#') &&
            _tokens[_tokens.size() - 1].endsWith('\\');
 }

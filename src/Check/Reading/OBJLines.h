@@ -58,7 +58,12 @@ public:
 
     OBJLineKind kind() const { return _kind; }
     const TextLine &line() const { return _line; }
-    const LineTokens &tokens() const { return _tokens; }
+    const LineTokens &tokens() const
+    {
+        if (!_isSplit)
+            split();
+        return _tokens;
+    }
     const TextLines &text() const { return _text; }
 
     /// \name Number of lines of a kind so far, this one included
@@ -67,6 +72,11 @@ public:
     int normals() const { return _normals; }
     int texCoords() const { return _texCoords; }
     /// @}
+
+    /// Reads the line as a keyword and exactly `count` numbers in plain notation, each finite and
+    /// within a float's range.
+    /// \return false for any other line; the numbers are then to be read one by one.
+    bool readPlainValues(int count, float *values) const;
 
     /// Reads the corners of a face: those before a token that begins with "#".
     /// \return false where a token is no corner; the loader then drops the face.
@@ -94,11 +104,15 @@ public:
     bool continuesAnother() const { return _continuesAnother; }
 
 private:
-    void classify();
+    void split() const;
+    void classify(const char *keyword, const char *end);
+    bool readPlainCorners();
 
     TextLines _text;
-    LineTokens _tokens;
+    mutable LineTokens _tokens; // most lines are read without: split when asked for
+    mutable bool _isSplit = true;
     TextLine _line;
+    const char *_afterKeyword = nullptr; // null where the keyword is not plain
     OBJLineKind _kind = OBJLineKind::Nothing;
     bool _continuesAnother = false;
     int _positions = 0;

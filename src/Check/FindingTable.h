@@ -1,0 +1,83 @@
+/// \file
+/// Findings while they are being counted.
+#pragma once
+
+#include "FindingCodes.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+#include <QtGui/QVector3D>
+
+#include <deque>
+#include <optional>
+
+namespace Halvard::Orv::Checking {
+
+/// All occurrences of one finding. Its texts are made when all is counted.
+struct Tally
+{
+    Code code = Code::NotAnOBJ;
+    int file = 0; ///< In FindingTable::files(): 0 is the model.
+    QString subject;
+    FindingSeverity severity = FindingSeverity::Hint;
+    bool isFixable = false;
+    qint64 line = 0;
+    qint64 count = 0;
+    qint64 faces = 0;
+    QVector<QVector3D> corners;
+    /// What the message of the code wants to know beside the subject, of the first occurrence.
+    QString detail;
+
+    /// Counts an occurrence; the first one in the file is the one that is told.
+    /// \return whether it is the first so far.
+    bool add(qint64 atLine, qint64 occurrences = 1);
+};
+
+/// The findings of one model by code, file and subject.
+class FindingTable
+{
+public:
+    /// \param model its name, which is file 0.
+    explicit FindingTable(const QString &model) : _files(model) {}
+
+    /// Another file that findings may lie in.
+    /// \return its number.
+    int addFile(const QString &name);
+    const QStringList &files() const { return _files; }
+
+    /// The tally of a finding, which is made where there is none yet. Stays valid.
+    Tally &at(Code code, const QString &subject = QString(), int file = 0);
+    /// The tally, or null where there is none.
+    Tally *find(Code code, const QString &subject = QString(), int file = 0);
+    /// Takes a finding out again.
+    void remove(Code code, const QString &subject, int file = 0);
+
+    /// All findings with an occurrence, with their texts, sorted.
+    QVector<Finding> findings() const;
+
+private:
+    struct Key
+    {
+        Code code;
+        int file;
+        QString subject;
+
+        bool operator==(const Key &other) const
+        {
+            return code == other.code && file == other.file && subject == other.subject;
+        }
+        friend uint qHash(const Key &key, uint seed = 0)
+        {
+            return ::qHash(key.subject, seed) ^ (static_cast<uint>(key.code) << 8) ^
+                   static_cast<uint>(key.file);
+        }
+    };
+
+    QStringList _files;
+    QHash<Key, Tally *> _byKey;
+    std::deque<Tally> _tallies;
+};
+
+} // namespace Halvard::Orv::Checking
