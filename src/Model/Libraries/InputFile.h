@@ -2,6 +2,8 @@
 /// Opening the files that a model consists of.
 #pragma once
 
+#include <OrvModel/OrvModelExport.h>
+
 class QFile;
 class QString;
 
@@ -17,6 +19,8 @@ namespace Halvard::Orv {
 /// \param file not open. Forgets its name, since it is opened by number.
 /// \param reason where not null, receives why it is not open: "no such file", "permission denied" ...
 /// \return whether it is open now.
-bool openInputFile(QFile &file, QString *reason = nullptr);
+///
+/// Exported for libOrvCheck, which opens what the loader opens; not installed.
+ORVMODEL_EXPORT bool openInputFile(QFile &file, QString *reason = nullptr);
 
 } // namespace Halvard::Orv

@@ -5,6 +5,8 @@
 
 #include "Triangles/Ears/EarClipping.h"
 
+#include <OrvModel/OrvModelExport.h>
+
 #include <QtCore/QVector>
 #include <QtGui/QVector2D>
 
@@ -13,7 +15,9 @@ class QVector3D;
 namespace Halvard::Orv {
 
 /// Triangulates faces one after the other without allocating for each.
-class FaceTriangulation
+///
+/// Exported for libOrvCheck, which predicts what becomes of faces; not installed.
+class ORVMODEL_EXPORT FaceTriangulation
 {
 public:
     /// Cuts one face; the arguments are those of Triangulate3D().
