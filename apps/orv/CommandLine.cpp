@@ -67,9 +67,9 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
     if (!isParsed)
         return wrongUsage(_parser.errorText());
     const QStringList files = _parser.positionalArguments();
-    if (files.isEmpty() || files.first().isEmpty())
+    if (files.isEmpty() || files.contains(QString()))
         return wrongUsage(QStringLiteral("No model file is given."));
-    if (files.size() > 1)
+    if (files.size() > 1 && !_allowsSeveralModels)
         return wrongUsage(QStringLiteral("Unexpected argument '%1'.").arg(files[1]));
     Messages::setVerbose(_parser.isSet(QStringLiteral("verbose")));
     const QString within = _parser.value(QStringLiteral("within"));
@@ -92,6 +92,11 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList &arguments)
 QString CommandLine::model() const
 {
     return _parser.positionalArguments().constFirst();
+}
+
+QStringList CommandLine::models() const
+{
+    return _parser.positionalArguments();
 }
 
 bool CommandLine::isSet(const QString &option) const

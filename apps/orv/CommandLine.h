@@ -1,11 +1,12 @@
 /// \file
-/// The arguments of a subcommand: options and one model file.
+/// The arguments of a subcommand: options and model files.
 #pragma once
 
 #include "ExitStatus.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <optional>
 
@@ -26,6 +27,8 @@ public:
     /// \param description a sentence or two.
     CommandLine(const QString &subcommand, const QString &synopsis, const QString &description);
 
+    /// Takes more than one model. Without this call, a second one is an error.
+    void allowSeveralModels() { _allowsSeveralModels = true; }
     void addOption(const QCommandLineOption &option);
 
     /// \param arguments those after the subcommand's name.
@@ -34,6 +37,8 @@ public:
     std::optional<ExitStatus> parse(const QStringList &arguments);
 
     QString model() const;
+    /// All models, at least one.
+    QStringList models() const;
     bool isSet(const QString &option) const;
     /// The last one given counts.
     QString value(const QString &option) const;
@@ -50,6 +55,7 @@ private:
 
     QString _subcommand;
     QString _synopsis;
+    bool _allowsSeveralModels = false;
     QCommandLineParser _parser;
     int _threads = 1;
 };

@@ -12,5 +12,6 @@ namespace Halvard::Orv::Cli {
 ExitStatus renderCommand(const QStringList &arguments);
 ExitStatus infoCommand(const QStringList &arguments);
 ExitStatus dumpCommand(const QStringList &arguments);
+ExitStatus checkCommand(const QStringList &arguments);
 
 } // namespace Halvard::Orv::Cli

@@ -13,38 +13,42 @@ namespace {
 
 constexpr int FlushAt = 64 * 1024;
 
-/// In UTF-8. Half of a pair of characters, which stands for a byte of a file name that is no
-/// text, is none there; U+FFFD says that something is missing.
-QByteArray utf8(const QString &text)
+/// Half of a pair of characters, which stands for a byte of a file name that is no text, is none in
+/// UTF-8; U+FFFD says that something is missing.
+QString withoutHalves(QString text)
 {
-    QString whole = text;
-    for (int i = 0; i < whole.size(); ++i) {
-        if (whole.at(i).isHighSurrogate() && i + 1 < whole.size() &&
-            whole.at(i + 1).isLowSurrogate())
+    for (int i = 0; i < text.size(); ++i) {
+        if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
             ++i;
-        else if (whole.at(i).isSurrogate())
-            whole[i] = QChar::ReplacementCharacter;
+        else if (text.at(i).isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
     }
-    return whole.toUtf8();
+    return text;
+}
+
+/// Whether a character is written by its number: those that JSON wants so, and those that would
+/// change how a terminal shows the rest.
+bool isEscaped(ushort character)
+{
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F) || character == 0x061C ||
+           character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2066 && character <= 0x2069);
 }
 
 QByteArray quoted(const QString &text)
 {
-    static constexpr char Hex[] = "0123456789abcdef";
-    QByteArray result = "\"";
-    for (const char byte : utf8(text)) {
-        if (byte == '"' || byte == '\\') {
-            result += '\\';
-            result += byte;
-        } else if (static_cast<unsigned char>(byte) < 0x20) {
-            result += "\\u00";
-            result += Hex[byte >> 4];
-            result += Hex[byte & 15];
-        } else {
-            result += byte;
+    QString result(QLatin1Char('"'));
+    for (const QChar character : withoutHalves(text)) {
+        if (isEscaped(character.unicode())) {
+            result += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+            continue;
         }
+        if (character == QLatin1Char('"') || character == QLatin1Char('\\'))
+            result += QLatin1Char('\\');
+        result += character;
     }
-    return result + '"';
+    return (result + QLatin1Char('"')).toUtf8();
 }
 
 } // namespace

@@ -28,6 +28,7 @@ constexpr Subcommand Subcommands[] = {
     {"render", "draw the model into an image file", Cli::renderCommand},
     {"info", "say what is in the model", Cli::infoCommand},
     {"dump", "print the model as it lies on the GPU, as JSON", Cli::dumpCommand},
+    {"check", "say what in the model will not do what is expected", Cli::checkCommand},
 };
 
 QString usage()

@@ -75,6 +75,16 @@ Tally *FindingTable::find(Code code, const QString &subject, int file)
     return _byKey.value({code, file, subject});
 }
 
+std::vector<Tally *> FindingTable::all(Code code)
+{
+    std::vector<Tally *> found;
+    for (Tally &tally : _tallies) {
+        if (tally.code == code && tally.count > 0)
+            found.push_back(&tally);
+    }
+    return found;
+}
+
 void FindingTable::remove(Code code, const QString &subject, int file)
 {
     if (Tally *tally = _byKey.take({code, file, subject}))

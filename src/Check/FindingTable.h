@@ -11,7 +11,7 @@
 #include <QtGui/QVector3D>
 
 #include <deque>
-#include <optional>
+#include <vector>
 
 namespace Halvard::Orv::Checking {
 
@@ -51,6 +51,8 @@ public:
     Tally &at(Code code, const QString &subject = QString(), int file = 0);
     /// The tally, or null where there is none.
     Tally *find(Code code, const QString &subject = QString(), int file = 0);
+    /// All tallies of a code, in the order in which they were made.
+    std::vector<Tally *> all(Code code);
     /// Takes a finding out again.
     void remove(Code code, const QString &subject, int file = 0);
 

@@ -1,0 +1,106 @@
+#include "CheckReport.h"
+
+#include "JSONWriter.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+/// The findings that are shown, in the order of the file. The most severe are chosen first, and
+/// among them those further up.
+std::vector<const Finding *> chosen(const ModelFindings &model, int most)
+{
+    std::vector<const Finding *> findings;
+    for (const Finding &finding : model.findings)
+        findings.push_back(&finding);
+    if (most <= 0 || static_cast<size_t>(most) >= findings.size())
+        return findings;
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const Finding *a, const Finding *b) { return a->severity < b->severity; });
+    findings.resize(static_cast<size_t>(most));
+    // They lie in one vector: the order of their addresses is that of the file.
+    std::sort(findings.begin(), findings.end());
+    return findings;
+}
+
+template <typename Value>
+void write(JSONWriter &json, const char *key, const Value &value)
+{
+    json.key(key);
+    json.value(value);
+}
+
+void writeFinding(JSONWriter &json, const Finding &finding)
+{
+    json.beginObject();
+    write(json, "code", finding.code);
+    write(json, "severity", severityName(finding.severity));
+    write(json, "file", finding.file);
+    write(json, "line", finding.line);
+    write(json, "count", finding.count);
+    write(json, "faces", finding.faces);
+    write(json, "subject", finding.subject);
+    write(json, "message", finding.message);
+    write(json, "consequence", finding.consequence);
+    write(json, "remedy", finding.remedy);
+    write(json, "fixable", finding.fixable);
+    json.key("corners");
+    json.beginArray();
+    for (const QVector3D &corner : finding.corners) {
+        json.beginArray(JSONWriter::oneLine);
+        json.value(corner.x());
+        json.value(corner.y());
+        json.value(corner.z());
+        json.endArray();
+    }
+    json.endArray();
+    json.endObject();
+}
+
+} // namespace
+
+QString findingLines(const ModelFindings &model, int most)
+{
+    QString text;
+    const std::vector<const Finding *> findings = chosen(model, most);
+    for (const Finding *finding : findings)
+        text += QStringLiteral("%1:%2: %3: %4 [%5]\n")
+                    .arg(printableText(finding->file), QString::number(finding->line),
+                         severityName(finding->severity), printableText(finding->message),
+                         finding->code);
+    const int left = model.findings.size() - static_cast<int>(findings.size());
+    if (left > 0)
+        text +=
+            QStringLiteral("%1: %2 more\n").arg(printableText(model.file), QString::number(left));
+    return text;
+}
+
+bool writeFindings(QIODevice &device, const QVector<ModelFindings> &models, int most)
+{
+    JSONWriter json(device);
+    json.beginObject();
+    write(json, "format", 1);
+    json.key("models");
+    json.beginArray();
+    for (const ModelFindings &model : models) {
+        json.beginObject();
+        write(json, "file", model.file);
+        write(json, "faces", model.faces);
+        write(json, "facesDrawn", model.facesDrawn);
+        write(json, "triangles", model.triangles);
+        json.key("findings");
+        json.beginArray();
+        for (const Finding *finding : chosen(model, most))
+            writeFinding(json, *finding);
+        json.endArray();
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    return json.finish();
+}
+
+} // namespace Halvard::Orv::Cli

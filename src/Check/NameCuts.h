@@ -1,0 +1,31 @@
+/// \file
+/// Names of materials that the loader cuts at a blank.
+#pragma once
+
+#include "FindingTable.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+
+namespace Halvard::Orv::Checking {
+
+/// Collects names with blanks, of "usemtl" and "newmtl" lines alike. Cutting them does no harm as
+/// long as no two of them are the same up to the blank.
+class NameCuts
+{
+public:
+    explicit NameCuts(FindingTable &findings) : _findings(findings) {}
+
+    /// A name that is read whole.
+    void addWhole(const QString &name);
+    /// A name that is read up to its first blank.
+    void addCut(const QString &word, const QString &full, qint64 line, int file);
+    /// Settles how severe the findings are.
+    void finish();
+
+private:
+    FindingTable &_findings;
+    QHash<QString, QSet<QString>> _fullNames; // by the word that is read
+};
+
+} // namespace Halvard::Orv::Checking

@@ -1,0 +1,136 @@
+#include "TextureProbe.h"
+
+#include "SimilarFiles.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QStringList>
+#include <QtGui/QImage>
+#include <QtGui/QImageReader>
+
+namespace Halvard::Orv::Checking {
+
+namespace {
+
+/// Most pixels that are decoded to see whether they can be: a few bytes may claim billions.
+constexpr qint64 MostPixels = qint64(1) << 26;
+
+/// An option of a map line and how many values follow it, at least and at most.
+struct MapOption
+{
+    const char *name;
+    int fewest;
+    int most;
+};
+
+constexpr MapOption MapOptions[] = {
+    {"-blendu", 1, 1}, {"-blendv", 1, 1},  {"-bm", 1, 1},  {"-boost", 1, 1}, {"-cc", 1, 1},
+    {"-clamp", 1, 1},  {"-imfchan", 1, 1}, {"-mm", 2, 2},  {"-o", 1, 3},     {"-s", 1, 3},
+    {"-t", 1, 3},      {"-texres", 1, 1},  {"-type", 1, 1}};
+
+const MapOption *optionNamed(const QString &word)
+{
+    for (const MapOption &option : MapOptions) {
+        if (word == QLatin1String(option.name))
+            return &option;
+    }
+    return nullptr;
+}
+
+bool isNumber(const QString &word)
+{
+    bool ok = false;
+    word.toFloat(&ok);
+    return ok;
+}
+
+QString resolved(const QString &directory, const QString &path)
+{
+    return QDir::isRelativePath(path) ? QDir(directory).absoluteFilePath(path) : path;
+}
+
+QString withSlashes(QString path)
+{
+    return path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+/// `found`, an absolute path, as a library in `directory` would write it.
+QString asWritten(const QString &directory, const QString &found)
+{
+    return found.isNull() ? found : QDir(directory).relativeFilePath(found);
+}
+
+} // namespace
+
+QString withoutMapOptions(const QString &rest)
+{
+    const QStringList words = rest.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    int i = 0;
+    while (i < words.size()) {
+        const MapOption *option = optionNamed(words.at(i));
+        if (!option)
+            break;
+        i += 1 + option->fewest;
+        for (int more = option->fewest; more < option->most; ++more) {
+            if (i < words.size() && isNumber(words.at(i)))
+                ++i;
+        }
+    }
+    return i == 0 ? rest : words.mid(i).join(QLatin1Char(' '));
+}
+
+TextureTrouble TextureProbe::troubleWith(const QString &path)
+{
+    const auto known = _known.constFind(path);
+    if (known != _known.constEnd())
+        return *known;
+    TextureTrouble trouble = TextureTrouble::None;
+    if (!isRegularFile(path)) {
+        trouble = TextureTrouble::Missing;
+    } else if (_decodes) {
+        QImageReader reader(path);
+        const QSize size = reader.size();
+        if (!reader.canRead()) {
+            trouble = TextureTrouble::Undecodable;
+        } else if (qint64(size.width()) * size.height() <= MostPixels) {
+            const QImage image(path);
+            if (image.isNull())
+                trouble = TextureTrouble::Undecodable;
+            else if (image.depth() != 32)
+                trouble = TextureTrouble::NotThirtyTwoBit;
+        }
+    }
+    _known.insert(path, trouble);
+    return trouble;
+}
+
+TextureState TextureProbe::look(const QString &directory, const QString &word, const QString &rest)
+{
+    const TextureTrouble trouble = troubleWith(resolved(directory, word));
+    if (trouble != TextureTrouble::Missing)
+        return {trouble, {}};
+    if (optionNamed(word))
+        return {TextureTrouble::Options, withoutMapOptions(rest)};
+
+    // From the likeliest to the boldest guess.
+    const bool hasBackslash = word.contains(QLatin1Char('\\')) || rest.contains(QLatin1Char('\\'));
+    for (const QString &text : {word, rest}) {
+        const QString path = withSlashes(text);
+        const QString base = path.section(QLatin1Char('/'), -1);
+        const TextureTrouble kind = hasBackslash   ? TextureTrouble::Backslash
+                                    : text != word ? TextureTrouble::CutAtBlank
+                                                   : TextureTrouble::OtherCase;
+        for (const QString &candidate : {path, hasBackslash ? base : path}) {
+            if (candidate.isEmpty())
+                continue;
+            const QString absolute = resolved(directory, candidate);
+            if (candidate != word && isRegularFile(absolute))
+                return {kind, candidate};
+            const QString similar = fileOfOtherCase(absolute);
+            if (!similar.isNull())
+                return {kind, asWritten(directory, similar)};
+        }
+    }
+    return {TextureTrouble::Missing, {}};
+}
+
+} // namespace Halvard::Orv::Checking

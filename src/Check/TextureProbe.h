@@ -1,0 +1,52 @@
+/// \file
+/// Whether the texture that a material names can be had, and what its author may have meant.
+#pragma once
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+
+namespace Halvard::Orv::Checking {
+
+/// What is the matter with a texture's path.
+enum class TextureTrouble
+{
+    None,
+    Missing,
+    Undecodable,
+    NotThirtyTwoBit, ///< Decodes to fewer bits per pixel, which LoadTexture() refuses.
+    Backslash,
+    OtherCase,
+    Options,
+    CutAtBlank
+};
+
+struct TextureState
+{
+    TextureTrouble trouble = TextureTrouble::None;
+    QString found; ///< The file that was meant, as it would be written; null where none is found.
+};
+
+/// Looks for textures, and for each file once.
+class TextureProbe
+{
+public:
+    /// \param decodes whether images are decoded.
+    explicit TextureProbe(bool decodes) : _decodes(decodes) {}
+
+    /// \param directory of the library, absolute.
+    /// \param word the path as the loader reads it: up to the first blank.
+    /// \param rest all that the line says.
+    TextureState look(const QString &directory, const QString &word, const QString &rest);
+
+private:
+    TextureTrouble troubleWith(const QString &path);
+
+    const bool _decodes;
+    QHash<QString, TextureTrouble> _known;
+};
+
+/// What a map line says after its options, such as "-s 2 2 1"; all of it where it begins with
+/// none.
+QString withoutMapOptions(const QString &rest);
+
+} // namespace Halvard::Orv::Checking
