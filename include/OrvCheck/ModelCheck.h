@@ -5,6 +5,7 @@
 #include <OrvCheck/OrvCheckExport.h>
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QVector>
 #include <QtGui/QVector3D>
 
@@ -66,6 +67,9 @@ struct ModelFindings
     qint64 faces = 0;      ///< "f" lines, also those that cannot be read.
     qint64 facesDrawn = 0; ///< Those that give at least one triangle in the loaded model.
     qint64 triangles = 0;  ///< Triangles of the loaded model.
+    /// Names of the materials that faces are drawn with, sorted. Those before the first "usemtl"
+    /// have "<default>".
+    QStringList materials;
     /// Sorted by file (the model's own first, then libraries as they are loaded), line and
     /// code. `faces` equals `facesDrawn` and the `faces` of all findings together.
     QVector<Finding> findings;

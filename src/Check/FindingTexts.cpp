@@ -101,11 +101,14 @@ FindingTexts ofLibrary(const Tally &t)
             return {text("The line names no material library."),
                     text("The whole model fails to load. ") + notDrawn(t.faces),
                     text("Name the library, or take the line out.")};
+        if (!t.detail.isEmpty())
+            return {QStringLiteral("The material library %1 cannot be opened, but there is %2.")
+                        .arg(name, quoted(t.detail)),
+                    text("The whole model fails to load. ") + notDrawn(t.faces),
+                    QStringLiteral("Write %1.").arg(quoted(t.detail))};
         return {QStringLiteral("The material library %1 cannot be opened.").arg(name),
                 text("The whole model fails to load. ") + notDrawn(t.faces),
-                t.detail.isEmpty()
-                    ? text("Put the library beside the model, or take the line out.")
-                    : QStringLiteral("There is %1: name that.").arg(quoted(t.detail))};
+                text("Put the library beside the model, or take the line out.")};
     case Code::LibraryLate:
         return {QStringLiteral("The material library %1 comes after faces that use its materials.")
                     .arg(name),

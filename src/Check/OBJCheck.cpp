@@ -369,6 +369,8 @@ void OBJCheck::finishMaterials()
     const bool isLibraryMissing = !_findings.all(Code::LibraryMissing).empty();
     for (const Material &material : _materials.all()) {
         _facesDrawn += material.drawnFaces;
+        if (material.drawnFaces > 0)
+            _drawnMaterials.append(material.name);
         if (material.earlyUses == 0)
             continue;
         Tally *tally = nullptr;
@@ -403,6 +405,7 @@ void OBJCheck::finishModel()
     _failure->faces += _facesDrawn;
     _facesDrawn = 0;
     _triangles = 0;
+    _drawnMaterials.clear();
 }
 
 /// Tells of files that hold something else than a model.
@@ -444,6 +447,8 @@ ModelFindings OBJCheck::result() const
     result.faces = _faces.faces();
     result.facesDrawn = _facesDrawn;
     result.triangles = _triangles;
+    result.materials = _drawnMaterials;
+    result.materials.sort();
     result.findings = _findings.findings();
     return result;
 }

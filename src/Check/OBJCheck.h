@@ -71,6 +71,7 @@ private:
     int _searches = 0; // for files that are missing
     qint64 _facesDrawn = 0;
     qint64 _triangles = 0;
+    QStringList _drawnMaterials;
 };
 
 } // namespace Halvard::Orv::Checking

@@ -18,6 +18,12 @@ bool isPlainToken(char c)
     return static_cast<signed char>(c) >= 0 && c != '\r' && !isPlainBlank(c);
 }
 
+/// Whether there is nothing but carriage returns.
+bool isWithoutText(const char *begin, const char *end)
+{
+    return std::all_of(begin, end, [](char c) { return c == '\r'; });
+}
+
 /// Reads up to nine digits, with or without a minus sign.
 /// \param text is moved past them.
 bool readPlainIndex(const char *&text, const char *end, int &index)
@@ -180,7 +186,7 @@ bool OBJLines::readCorner(const Token &token, WrittenCorner &corner) const
     for (int *target : targets) {
         const char *const slash = std::find(part, token.end, '/');
         const bool mayBeEmpty = target != &corner.v;
-        if (!(mayBeEmpty && part == slash) &&
+        if (!(mayBeEmpty && isWithoutText(part, slash)) &&
             !readInt(_tokens, part, slash, token.isPlain, *target))
             return false;
         ++corner.parts;
