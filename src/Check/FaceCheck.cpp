@@ -25,14 +25,14 @@ void FaceCheck::begin(Attribute &attribute, qint64 line)
 void FaceCheck::addPosition(const float *xyz, qint64 line)
 {
     begin(_v, line);
-    _positions.append(xyz);
+    _positions.append(xyz[0], xyz[1], xyz[2]);
     _isUsed.push_back(false);
 }
 
 void FaceCheck::addNormal(const float *xyz, qint64 line)
 {
     begin(_normals, line);
-    _normalValues.append(xyz);
+    _directions.append(xyz);
     const double x = double(xyz[0]);
     const double y = double(xyz[1]);
     const double z = double(xyz[2]);
@@ -209,9 +209,9 @@ void FaceCheck::compareNormals(const Face &face, const std::vector<Corner> &corn
     double agreement = 0;
     for (const Corner &corner : corners) {
         const auto index = static_cast<size_t>(corner.vn);
-        if (index >= _normalValues.count())
+        if (index >= _directions.count())
             return;
-        const float *normal = _normalValues[index];
+        const qint16 *normal = _directions[index];
         agreement += _shape.normal[0] * double(normal[0]) + _shape.normal[1] * double(normal[1]) +
                      _shape.normal[2] * double(normal[2]);
     }

@@ -104,8 +104,8 @@ private:
     FindingTable &_findings;
     Materials &_materials;
     PagedPoints _positions;
-    PagedPoints _normalValues;
-    std::vector<bool> _isUsed; // by position
+    PagedDirections _directions; // of the normals
+    std::vector<bool> _isUsed;   // by position
     Attribute _v;
     Attribute _normals;
     Attribute _texCoords;

@@ -18,6 +18,40 @@ bool isPlainToken(char c)
     return static_cast<signed char>(c) >= 0 && c != '\r' && !isPlainBlank(c);
 }
 
+/// Reads digits with a point, with or without a minus sign, up to so many that a double holds
+/// them as one integer: divided by a power of ten that it holds too, that gives the double nearest
+/// to the number (W. D. Clinger, How to Read Floating Point Numbers Accurately, 1990).
+/// \param text is moved past them.
+/// \return false for anything else that begins there; `text` is then not to be used.
+bool readShortFloat(const char *&text, const char *end, float &value)
+{
+    constexpr int MostDigits = 15;
+    constexpr double PowersOfTen[MostDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const bool isNegative = text < end && *text == '-';
+    text += isNegative ? 1 : 0;
+    qint64 mantissa = 0;
+    const char *const digits = text;
+    while (text < end && *text >= '0' && *text <= '9' && text - digits <= MostDigits)
+        mantissa = 10 * mantissa + (*text++ - '0');
+    std::ptrdiff_t count = text - digits;
+    std::ptrdiff_t behindPoint = 0;
+    if (count > MostDigits)
+        return false;
+    if (text < end && *text == '.') {
+        const char *const fraction = ++text;
+        while (text < end && *text >= '0' && *text <= '9' && text - fraction <= MostDigits)
+            mantissa = 10 * mantissa + (*text++ - '0');
+        behindPoint = text - fraction;
+        count += behindPoint;
+    }
+    if (count == 0 || count > MostDigits || (text < end && !isPlainBlank(*text)))
+        return false;
+    const double magnitude = static_cast<double>(mantissa) / PowersOfTen[behindPoint];
+    value = static_cast<float>(isNegative ? -magnitude : magnitude);
+    return true;
+}
+
 /// Whether there is nothing but carriage returns.
 bool isWithoutText(const char *begin, const char *end)
 {
@@ -26,7 +60,7 @@ bool isWithoutText(const char *begin, const char *end)
 
 /// Reads up to nine digits, with or without a minus sign.
 /// \param text is moved past them.
-bool readPlainIndex(const char *&text, const char *end, int &index)
+inline bool readPlainIndex(const char *&text, const char *end, int &index)
 {
     constexpr std::ptrdiff_t MostDigits = 9;
     const bool isNegative = text < end && *text == '-';
@@ -114,6 +148,9 @@ bool OBJLines::readPlainValues(int count, float *values) const
         while (text < _line.end && isPlainBlank(*text))
             ++text;
         const char *const begin = text;
+        if (readShortFloat(text, _line.end, values[i]))
+            continue;
+        text = begin;
         while (text < _line.end && isPlainToken(*text))
             ++text;
         if (!readPlainFloat(begin, text, values[i]))
