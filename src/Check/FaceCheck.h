@@ -36,13 +36,18 @@ public:
     /// \param material that is selected.
     void addFace(qint64 line, const std::vector<Corner> &corners, int material);
     /// Counts a face that the loader drops.
-    void addUnreadableFace() { ++_faces; }
+    void addUnreadableFace()
+    {
+        ++_faces;
+        ++_unreadableFaces;
+    }
 
     /// Looks at the faces that wait, and says what is to be said of attributes. Call once, at the
     /// end.
     void finish();
 
     qint64 faces() const { return _faces; }
+    qint64 unreadableFaces() const { return _unreadableFaces; }
     qint64 corners() const { return _corners; }
     /// Triangles of the faces under a defined material.
     qint64 triangles() const { return _triangles; }
@@ -110,6 +115,7 @@ private:
     Attribute _normals;
     Attribute _texCoords;
     qint64 _faces = 0;
+    qint64 _unreadableFaces = 0;
     qint64 _corners = 0;
     qint64 _triangles = 0;
     qint64 _unusedPositions = 0;

@@ -139,7 +139,8 @@ FindingTexts ofMaterial(const Tally &t)
                 text("Define the material, or select another.")};
     case Code::MaterialRedefined:
         if (t.detail.isEmpty())
-            return {QStringLiteral("The material %1 is the loader's own.").arg(name),
+            return {QStringLiteral("The material %1 is the loader's own, and is not defined anew.")
+                        .arg(name),
                     text("This definition is passed over."), text("Give it another name.")};
         return {QStringLiteral("The material %1 is defined already.").arg(name),
                 text("The first definition counts; this one is passed over."),
@@ -189,11 +190,12 @@ FindingTexts ofTexture(const Tally &t)
         return {QStringLiteral("The texture %1 is no image that can be read.").arg(name), without,
                 text("Save the image as PNG or JPEG.")};
     case Code::TexturePathBackslash:
-        return {QStringLiteral("The texture %1 is written with a backslash.").arg(name), without,
-                instead};
+        return {QStringLiteral("The texture %1 is written with a backslash; there is %2.")
+                    .arg(name, quoted(t.detail)),
+                without, instead};
     case Code::TexturePathCase:
-        return {QStringLiteral("The texture %1 is a file in other case.").arg(name), without,
-                instead};
+        return {QStringLiteral("There is no texture %1, but %2.").arg(name, quoted(t.detail)),
+                without, instead};
     case Code::TextureOptions:
         return {QStringLiteral("The texture has options: %1.").arg(name),
                 text("Options are not understood: the first is taken for the path. ") + without,
@@ -241,8 +243,7 @@ FindingTexts ofFace(const Tally &t)
                                "rounding.")
                     .arg(faces, verb(t.count, "is", "are")),
                 text("The triangles run the wrong way round."),
-                text("Move the model to the origin, or write triangles in double precision tools "
-                     "first.")};
+                text("Move the model to the origin.")};
     case Code::QuadSplitWrongly:
         return {QStringLiteral("%1 of four corners %2 split along the diagonal that leaves the "
                                "face.")

@@ -335,6 +335,7 @@ void OBJCheck::takeOther(OBJLines &lines)
         return;
     const qint64 line = lines.line().number;
     if (isHarmless(tokens)) {
+        ++_formatLines;
         if (_smoothingOffLine == 0 && tokens.is(0, "s") &&
             (tokens.is(1, "off") || tokens.is(1, "0")))
             _smoothingOffLine = line;
@@ -342,7 +343,9 @@ void OBJCheck::takeOther(OBJLines &lines)
     }
     constexpr int MostKeywords = 20; // a file of something else has as many as words
     QString keyword = tokens.text(0);
-    if (!isOfTheFormat(keyword)) {
+    if (isOfTheFormat(keyword)) {
+        ++_formatLines;
+    } else {
         if (_firstUnknownLine == 0)
             _firstUnknownLine = line;
         if (!_findings.find(Code::KeywordIgnored, keyword) && ++_unknownKeywords > MostKeywords)
@@ -415,13 +418,15 @@ void OBJCheck::finishContents(OBJLines &lines)
     const bool isUnmarked = encoding && !encoding->detail.isNull();
     if (_knownLines > 0 && isUnmarked)
         _findings.remove(Code::Encoding, QStringLiteral("UTF-16"));
-    const bool isForeign = _knownLines == 0 && _firstUnknownLine > 0;
+    const bool isForeign = _knownLines + _formatLines == 0 && _firstUnknownLine > 0;
     if (isForeign) {
         for (Tally *tally : _findings.all(Code::KeywordIgnored))
             _findings.remove(tally->code, tally->subject, tally->file);
         if (!isUnmarked)
             _findings.at(Code::NotAnOBJ).add(_firstUnknownLine);
     } else if (_faces.faces() == 0) {
+        if (!_findings.all(Code::CarriageReturns).empty())
+            return; // they may well be behind one
         _findings.at(Code::NoFaces).add(std::max<qint64>(lines.line().number, 1));
     } else if (_faces.normals() == 0 && _smoothingOffLine > 0) {
         Tally &tally = _findings.at(Code::KeywordIgnored, QStringLiteral("s"));
@@ -432,7 +437,8 @@ void OBJCheck::finishContents(OBJLines &lines)
 
 qint64 OBJCheck::firstUnusedPosition() const
 {
-    return _faces.faces() == 0 ? -1 : _faces.firstUnusedPosition();
+    // Which positions a face selects that cannot be read is not known.
+    return _faces.faces() == 0 || _faces.unreadableFaces() > 0 ? -1 : _faces.firstUnusedPosition();
 }
 
 void OBJCheck::tellUnused(qint64 line)

@@ -65,6 +65,7 @@ private:
     bool _isEarlyCounted = false; // whether that line is among its early uses
     Tally *_failure = nullptr;    // what makes the loader give up, first of all
     qint64 _knownLines = 0;       // with one of the six keywords
+    qint64 _formatLines = 0;      // with another keyword of the format
     int _unknownKeywords = 0;
     qint64 _firstUnknownLine = 0;
     qint64 _smoothingOffLine = 0;
