@@ -50,7 +50,7 @@ void writeFinding(JSONWriter &json, const Finding &finding)
     json.key("corners");
     json.beginArray();
     for (const QVector3D &corner : finding.corners) {
-        json.beginArray(JSONWriter::oneLine);
+        json.beginArray(JSONWriter::OneLine);
         json.value(corner.x());
         json.value(corner.y());
         json.value(corner.z());

@@ -141,14 +141,18 @@ QString LineTokens::textFrom(int first) const
 
 QString LineTokens::decoded(const char *begin, const char *end) const
 {
-    const auto size = static_cast<int>(end - begin);
+    // What follows breaks a sequence off that the bytes do not complete, and how many replacement
+    // characters it gives depends on that. At the end of the file nothing does, and it is dropped.
+    const bool mayBreakOff = end > begin && static_cast<signed char>(end[-1]) < 0;
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    QString text = _codec.toUnicode(begin, size, &state);
-    // What follows breaks a sequence off that the bytes do not complete. Nothing does at the end
-    // of the file: there it is dropped.
-    if (state.remainingChars > 0 && !(_line.isOpen() && end == _line.end)) {
-        text += _codec.toUnicode(" ", 1, &state);
+    QString text;
+    if (mayBreakOff && !(_line.isOpen() && end == _line.end)) {
+        QByteArray bytes(begin, static_cast<int>(end - begin));
+        bytes += ' ';
+        text = _codec.toUnicode(bytes.constData(), bytes.size(), &state);
         text.chop(1);
+    } else {
+        text = _codec.toUnicode(begin, static_cast<int>(end - begin), &state);
     }
     text.remove(QLatin1Char('\r'));
     return text;

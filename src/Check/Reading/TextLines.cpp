@@ -139,7 +139,9 @@ size_t TextLines::readChunk(char *to)
     const QByteArray bytes = _device.read(static_cast<qint64>(_limits.chunkBytes));
     _atEnd = bytes.isEmpty();
     _bytesRead += bytes.size();
-    QString text = _halfPair + _decoder->toUnicode(bytes);
+    QString text = _halfPair;
+    if (!_atEnd) // of no bytes, the decoder of UTF-32 makes a character
+        text += _decoder->toUnicode(bytes);
     _halfPair.clear();
     if (!_atEnd && !text.isEmpty() && text.at(text.size() - 1).isHighSurrogate()) {
         _halfPair = text.right(1);
