@@ -1,9 +1,9 @@
 # Headers, libraries and the package config: find_package(OrvModel) then gives
-# Orv::Model, Orv::Core and Orv::GL.
+# Orv::Model, Orv::Check, Orv::Core and Orv::GL.
 include(CMakePackageConfigHelpers)
 
-set(orv_installed OrvModel)
-install(DIRECTORY include/OrvModel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+set(orv_installed OrvModel OrvCheck)
+install(DIRECTORY include/OrvModel include/OrvCheck DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(ORV_PLATFORM STREQUAL "bundled")
   list(APPEND orv_installed OrvCore OrvGL)
   install(DIRECTORY platform/OrvCore/include/OrvCore platform/OrvGL/include/OrvGL

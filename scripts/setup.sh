@@ -28,8 +28,9 @@ build_packages=(
   # EGL and Mesa's software driver: OpenGL with no card and no display.
   libegl1 libegl-mesa0 libgl1-mesa-dri
 )
-# OpenGL ES: what the libraries do in the context of a program that uses it.
-test_packages=(libgtest-dev libgmock-dev libgles2)
+# OpenGL ES: what the libraries do in the context of a program that uses it. The models are those
+# that another library is tested with.
+test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)
