@@ -71,7 +71,7 @@ mkdir -p "$findings_dir"
 # kind_of TARGET: what its inputs are. Targets of one kind share seeds and a dictionary.
 kind_of() {
   case $1 in
-    OBJReader | Loader | LoaderPaths) echo OBJ ;;
+    CheckAgreement | OBJReader | Loader | LoaderPaths) echo OBJ ;;
     MTLReader) echo MTL ;;
     *) echo "$1" ;;
   esac
@@ -124,10 +124,10 @@ failed_targets() { find "$logs" -name '*.failed' -exec basename {} .failed ';'; 
 cpu_seconds_of() { awk '{ print int($1 + $2) }' "$logs/$1.time"; }
 
 print_table() {
-  local row='| %-13s | %11s | %7s | %11s | %8s | %19s |\n' target corpus files bytes findings
+  local row='| %-14s | %11s | %7s | %11s | %8s | %19s |\n' target corpus files bytes findings
   # shellcheck disable=SC2059 # the format is the row's
   printf "$row" target executions seconds "CPU seconds" findings corpus
-  echo "|---------------|------------:|--------:|------------:|---------:|--------------------:|"
+  echo "|----------------|------------:|--------:|------------:|---------:|--------------------:|"
   for target in "$@"; do
     [[ -e $logs/$target ]] || continue
     corpus=$(corpus_of "$target")

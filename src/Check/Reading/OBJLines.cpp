@@ -30,10 +30,10 @@ bool readShortFloat(const char *&text, const char *end, float &value)
                                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const bool isNegative = text < end && *text == '-';
     text += isNegative ? 1 : 0;
-    qint64 mantissa = 0;
+    quint64 mantissa = 0; // wraps where there are too many digits, and is not used
     const char *const digits = text;
     while (text < end && *text >= '0' && *text <= '9' && text - digits <= MostDigits)
-        mantissa = 10 * mantissa + (*text++ - '0');
+        mantissa = 10 * mantissa + static_cast<unsigned>(*text++ - '0');
     std::ptrdiff_t count = text - digits;
     std::ptrdiff_t behindPoint = 0;
     if (count > MostDigits)
@@ -41,7 +41,7 @@ bool readShortFloat(const char *&text, const char *end, float &value)
     if (text < end && *text == '.') {
         const char *const fraction = ++text;
         while (text < end && *text >= '0' && *text <= '9' && text - fraction <= MostDigits)
-            mantissa = 10 * mantissa + (*text++ - '0');
+            mantissa = 10 * mantissa + static_cast<unsigned>(*text++ - '0');
         behindPoint = text - fraction;
         count += behindPoint;
     }

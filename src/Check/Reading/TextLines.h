@@ -88,7 +88,6 @@ private:
     qint64 _number = 0;
     qint64 _bytesRead = 0;
     qint64 _markBytes = 0;
-    bool _started = false;
     bool _atEnd = false;
     bool _lineTooLong = false;
     const QTextCodec *_codec = nullptr;
