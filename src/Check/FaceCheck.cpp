@@ -1,7 +1,7 @@
 #include "FaceCheck.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
 namespace Halvard::Orv::Checking {
 
@@ -189,14 +189,16 @@ void FaceCheck::countIndex(Attribute &attribute, const char *name, int index, qi
     if (index < 0) {
         _findings.at(Code::IndexSelectsNothing, QLatin1String(name)).add(line);
     } else if (index >= attribute.values) {
+        const auto shortLine =
+            static_cast<quint32>(std::min<qint64>(line, std::numeric_limits<quint32>::max()));
         if (attribute.values > 0) {
-            attribute.unknown.push_back({line, index});
+            attribute.unknown.push_back({shortLine, index});
             return;
         }
         if (attribute.early++ == 0)
-            attribute.firstEarly = {line, index};
+            attribute.firstEarly = {shortLine, index};
         if (index > attribute.largestEarly.index)
-            attribute.largestEarly = {line, index};
+            attribute.largestEarly = {shortLine, index};
     }
 }
 

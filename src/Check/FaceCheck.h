@@ -73,7 +73,7 @@ private:
         qint64 selecting = 0; ///< Corners that select one.
         struct Unknown
         {
-            qint64 line;
+            quint32 line; ///< At most the largest number: there are never so many lines.
             int index;
         };
         std::vector<Unknown> unknown; ///< Indices beyond the values read so far.

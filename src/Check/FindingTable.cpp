@@ -57,17 +57,35 @@ int FindingTable::addFile(const QString &name)
 
 Tally &FindingTable::at(Code code, const QString &subject, int file)
 {
-    Tally *&entry = _byKey[{code, file, subject}];
-    if (!entry) {
-        _tallies.emplace_back();
-        entry = &_tallies.back();
-        entry->code = code;
-        entry->file = file;
-        entry->subject = subject;
-        entry->severity = traitsOf(code).severity;
-        entry->isFixable = traitsOf(code).isFixable;
+    const Key key{code, file, subject};
+    if (Tally *known = _byKey.value(key))
+        return *known;
+    const int index = static_cast<int>(code);
+    if (_subjects[index] < MostSubjects) {
+        ++_subjects[index];
+        Tally &tally = make(code, file);
+        tally.subject = subject;
+        _byKey.insert(key, &tally);
+        return tally;
     }
-    return *entry;
+    if (!_ofMany[index]) {
+        _ofMany[index] = &make(code, file);
+        _ofMany[index]->isOfMany = true;
+        _ofMany[index]->subject = QStringLiteral("further ones"); // names have no blanks
+    }
+    return *_ofMany[index];
+}
+
+/// A new tally, without a subject.
+Tally &FindingTable::make(Code code, int file)
+{
+    _tallies.emplace_back();
+    Tally &tally = _tallies.back();
+    tally.code = code;
+    tally.file = file;
+    tally.severity = traitsOf(code).severity;
+    tally.isFixable = traitsOf(code).isFixable;
+    return tally;
 }
 
 Tally *FindingTable::find(Code code, const QString &subject, int file)

@@ -29,6 +29,8 @@ struct Tally
     QVector<QVector3D> corners;
     /// What the message of the code wants to know beside the subject, of the first occurrence.
     QString detail;
+    /// Whether it stands for many subjects, beyond those that are told one by one.
+    bool isOfMany = false;
 
     /// Counts an occurrence; the first one in the file is the one that is told.
     /// \return whether it is the first so far.
@@ -36,9 +38,14 @@ struct Tally
 };
 
 /// The findings of one model by code, file and subject.
+///
+/// A file may hold millions of names, and a finding takes more memory than a line: beyond
+/// MostSubjects of a code all further ones share a tally.
 class FindingTable
 {
 public:
+    static constexpr int MostSubjects = 1000;
+
     /// \param model its name, which is file 0.
     explicit FindingTable(const QString &model) : _files(model) {}
 
@@ -60,6 +67,8 @@ public:
     QVector<Finding> findings() const;
 
 private:
+    Tally &make(Code code, int file);
+
     struct Key
     {
         Code code;
@@ -79,6 +88,8 @@ private:
 
     QStringList _files;
     QHash<Key, Tally *> _byKey;
+    int _subjects[CodeCount] = {};
+    Tally *_ofMany[CodeCount] = {};
     std::deque<Tally> _tallies;
 };
 

@@ -392,6 +392,10 @@ FindingTexts ofKeyword(const Tally &t)
 
 FindingTexts textsOf(const Tally &tally)
 {
+    if (tally.isOfMany)
+        return {QStringLiteral("%1 of this kind, beyond those that are told one by one.")
+                    .arg(counted(tally.count, "further occurrence")),
+                notDrawn(tally.faces), text("Mend those that are told first.")};
     if (tally.code == Code::KeywordIgnored)
         return ofKeyword(tally);
     for (const auto family :

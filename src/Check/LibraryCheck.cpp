@@ -88,8 +88,11 @@ Tally &LibraryCheck::tell(Code code, const QString &subject, qint64 line)
 {
     Tally &tally = _findings.at(code, subject, _file);
     tally.add(line);
-    if (_section.isOpen)
-        _ofMaterials.emplace_back(&tally, _materials.number(_section.name));
+    if (_section.isOpen) {
+        const std::pair<Tally *, int> entry(&tally, _materials.number(_section.name));
+        if (_ofMaterials.empty() || _ofMaterials.back() != entry)
+            _ofMaterials.push_back(entry);
+    }
     return tally;
 }
 
@@ -129,10 +132,11 @@ void LibraryCheck::openSection(const MTLLines &lines)
     _section.isOpen = true;
     _section.name = lines.word();
     _section.line = line;
-    _section.counts = !_materials[_materials.number(_section.name)].isDefined;
+    Material &material = _materials[_materials.number(_section.name)];
+    _section.counts = !material.isDefined;
     const QString full = lines.rest();
     if (full == _section.name)
-        _names.addWhole(full);
+        material.isNamedWhole = true;
     else
         _names.addCut(_section.name, full, line, _file);
     if (_section.name.contains(QChar::ReplacementCharacter) &&

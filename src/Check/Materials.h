@@ -12,14 +12,15 @@ namespace Halvard::Orv::Checking {
 struct Material
 {
     QString name;
-    bool isDefined = false; ///< By now, in the order of the file.
-    QString library;        ///< That defines it, as the model names it.
-    qint64 libraryLine = 0; ///< Where the model names it.
-    bool hasMap = false;    ///< Its definition names a texture.
-    qint64 drawnFaces = 0;  ///< Used when it was defined; they have triangles.
-    qint64 lostFaces = 0;   ///< Used before it was defined; they would have triangles.
-    qint64 earlyUses = 0;   ///< "usemtl" lines that select it before it was defined, with faces.
-    qint64 earlyLine = 0;   ///< The first of them.
+    bool isDefined = false;    ///< By now, in the order of the file.
+    QString library;           ///< That defines it, as the model names it.
+    qint64 libraryLine = 0;    ///< Where the model names it.
+    bool isNamedWhole = false; ///< By a line whose name has no blank.
+    bool hasMap = false;       ///< Its definition names a texture.
+    qint64 drawnFaces = 0;     ///< Used when it was defined; they have triangles.
+    qint64 lostFaces = 0;      ///< Used before it was defined; they would have triangles.
+    qint64 earlyUses = 0;      ///< "usemtl" lines that select it before it was defined, with faces.
+    qint64 earlyLine = 0;      ///< The first of them.
     bool lacksTexCoords = false; ///< Of a corner, at least.
 };
 
@@ -44,6 +45,13 @@ public:
         _materials.emplace_back();
         _materials.back().name = name;
         return next;
+    }
+
+    /// The material of a name, or null.
+    const Material *find(const QString &name) const
+    {
+        const auto known = _numbers.constFind(name);
+        return known == _numbers.constEnd() ? nullptr : &_materials[static_cast<size_t>(*known)];
     }
 
     Material &operator[](int number) { return _materials[static_cast<size_t>(number)]; }

@@ -2,11 +2,6 @@
 
 namespace Halvard::Orv::Checking {
 
-void NameCuts::addWhole(const QString &name)
-{
-    _fullNames[name].insert(name);
-}
-
 void NameCuts::addCut(const QString &word, const QString &full, qint64 line, int file)
 {
     const QString simple = full.simplified();
@@ -21,7 +16,9 @@ void NameCuts::finish()
     for (Tally *tally : _findings.all(Code::NameCutAtBlank)) {
         // Libraries and textures have been told apart before: those names are no materials'.
         const auto names = _fullNames.constFind(tally->detail);
-        if (names != _fullNames.constEnd() && names->size() == 1 && names->contains(tally->subject))
+        const Material *material = _materials.find(tally->detail);
+        if (names != _fullNames.constEnd() && names->size() == 1 &&
+            names->contains(tally->subject) && !(material && material->isNamedWhole))
             tally->severity = FindingSeverity::Hint;
     }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "FindingTable.h"
+#include "Materials.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QSet>
@@ -14,10 +15,10 @@ namespace Halvard::Orv::Checking {
 class NameCuts
 {
 public:
-    explicit NameCuts(FindingTable &findings) : _findings(findings) {}
+    NameCuts(FindingTable &findings, const Materials &materials)
+        : _findings(findings), _materials(materials)
+    {}
 
-    /// A name that is read whole.
-    void addWhole(const QString &name);
     /// A name that is read up to its first blank.
     void addCut(const QString &word, const QString &full, qint64 line, int file);
     /// Settles how severe the findings are.
@@ -25,6 +26,7 @@ public:
 
 private:
     FindingTable &_findings;
+    const Materials &_materials;
     QHash<QString, QSet<QString>> _fullNames; // by the word that is read
 };
 

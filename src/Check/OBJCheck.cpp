@@ -72,7 +72,7 @@ bool isOfTheFormat(const QString &keyword)
 
 OBJCheck::OBJCheck(const QString &fileName, bool decodesTextures)
     : _fileName(fileName), _directory(QFileInfo(fileName).dir().absolutePath()),
-      _findings(fileName), _names(_findings),
+      _findings(fileName), _names(_findings, _materials),
       _libraries(_findings, _materials, _names, decodesTextures), _faces(_findings, _materials),
       _material(_materials.number(QStringLiteral("<default>")))
 {}
@@ -236,12 +236,7 @@ void OBJCheck::takeFace(OBJLines &lines)
 {
     const qint64 line = lines.line().number;
     if (lines.readCorners()) {
-        Material &material = _materials[_material];
-        if (!material.isDefined && !_isEarlyCounted) {
-            _isEarlyCounted = true;
-            if (material.earlyUses++ == 0)
-                material.earlyLine = _materialLine;
-        }
+        useMaterial();
         _faces.addFace(line, lines.corners(), _material);
         return;
     }
@@ -316,15 +311,32 @@ void OBJCheck::takeMaterial(OBJLines &lines)
     const qint64 line = lines.line().number;
     checkReturns(lines);
     const QString name = lines.tokens().text(1);
-    _material = _materials.number(name);
+    _material = -1;
+    _materialName = name;
     _materialLine = line;
     _isEarlyCounted = false;
-    if (valueCount(lines.tokens()) >= 2)
+    _isNamedWhole = valueCount(lines.tokens()) < 2;
+    if (!_isNamedWhole)
         _names.addCut(name, textBehindKeyword(lines.tokens()), line, 0);
-    else if (!name.isEmpty())
-        _names.addWhole(name);
     if (name.contains(QChar::ReplacementCharacter) && lines.text().transcodedFrom().isNull())
         _findings.at(Code::Encoding, name).add(line);
+}
+
+/// Notes that a face uses the selected material. Materials without faces are not kept: a file may
+/// name as many as it has lines.
+void OBJCheck::useMaterial()
+{
+    if (_material < 0) {
+        _material = _materials.number(_materialName);
+        if (_isNamedWhole)
+            _materials[_material].isNamedWhole = true;
+    }
+    Material &material = _materials[_material];
+    if (material.isDefined || _isEarlyCounted)
+        return;
+    _isEarlyCounted = true;
+    if (material.earlyUses++ == 0)
+        material.earlyLine = _materialLine;
 }
 
 void OBJCheck::takeOther(OBJLines &lines)
@@ -369,7 +381,7 @@ void OBJCheck::finish(OBJLines &lines)
 /// Tells of faces whose material was not defined when they were read.
 void OBJCheck::finishMaterials()
 {
-    const bool isLibraryMissing = !_findings.all(Code::LibraryMissing).empty();
+    const std::vector<Tally *> missing = _findings.all(Code::LibraryMissing);
     for (const Material &material : _materials.all()) {
         _facesDrawn += material.drawnFaces;
         if (material.drawnFaces > 0)
@@ -380,8 +392,8 @@ void OBJCheck::finishMaterials()
         if (material.name.isEmpty()) {
             tally = &_findings.at(Code::MaterialEmptyName);
             tally->add(material.earlyLine, material.earlyUses);
-        } else if (isLibraryMissing) {
-            tally = _findings.all(Code::LibraryMissing).front();
+        } else if (!missing.empty()) {
+            tally = missing.front();
         } else if (material.isDefined) {
             tally = &_findings.at(Code::LibraryLate, material.library);
             tally->add(material.libraryLine);

@@ -44,6 +44,7 @@ private:
     void takeFurtherNames(const OBJLines &lines, const QString &name);
     void tellMissing(const QString &name, const QString &path, qint64 line);
     void takeMaterial(OBJLines &lines);
+    void useMaterial();
     void takeOther(OBJLines &lines);
     void checkReturns(const OBJLines &lines);
     void checkFirstLine(const OBJLines &lines);
@@ -60,7 +61,9 @@ private:
     NameCuts _names;
     LibraryCheck _libraries;
     FaceCheck _faces;
-    int _material;
+    int _material;         // that is selected; -1 before its first face
+    QString _materialName; // then its name
+    bool _isNamedWhole = false;
     qint64 _materialLine = 0;     // of the "usemtl" that selects it
     bool _isEarlyCounted = false; // whether that line is among its early uses
     Tally *_failure = nullptr;    // what makes the loader give up, first of all

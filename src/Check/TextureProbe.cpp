@@ -11,8 +11,13 @@ namespace Halvard::Orv::Checking {
 
 namespace {
 
-/// Most pixels that are decoded to see whether they can be: a few bytes may claim billions.
+/// Most pixels that are decoded to see whether they can be, of one image and of all: a few bytes
+/// may claim billions. Of further images only the head is read.
 constexpr qint64 MostPixels = qint64(1) << 26;
+constexpr qint64 MostPixelsOfAll = qint64(1) << 29;
+
+/// Most missing textures for which others are looked for, in all directories of their paths.
+constexpr int MostSearches = 100;
 
 /// An option of a map line and how many values follow it, at least and at most.
 struct MapOption
@@ -91,7 +96,9 @@ TextureTrouble TextureProbe::troubleWith(const QString &path)
         const QSize size = reader.size();
         if (!reader.canRead()) {
             trouble = TextureTrouble::Undecodable;
-        } else if (qint64(size.width()) * size.height() <= MostPixels) {
+        } else if (const qint64 pixels = qint64(size.width()) * size.height();
+                   pixels <= MostPixels && _pixels + pixels <= MostPixelsOfAll) {
+            _pixels += pixels;
             const QImage image(path);
             if (image.isNull())
                 trouble = TextureTrouble::Undecodable;
@@ -111,6 +118,8 @@ TextureState TextureProbe::look(const QString &directory, const QString &word, c
     if (optionNamed(word))
         return {TextureTrouble::Options, withoutMapOptions(rest)};
 
+    if (++_searches > MostSearches)
+        return {TextureTrouble::Missing, {}};
     // From the likeliest to the boldest guess.
     const bool hasBackslash = word.contains(QLatin1Char('\\')) || rest.contains(QLatin1Char('\\'));
     for (const QString &text : {word, rest}) {

@@ -42,6 +42,8 @@ private:
     TextureTrouble troubleWith(const QString &path);
 
     const bool _decodes;
+    qint64 _pixels = 0; // decoded so far
+    int _searches = 0;  // for files that are missing
     QHash<QString, TextureTrouble> _known;
 };
 

@@ -1,9 +1,11 @@
 // What a check predicts is what the loader does.
 #include "Check/Agreement.h"
+#include "Check/ChecksPage.h"
 #include "reference/ModelGenerator.h"
 #include "reference/Shrinking.h"
 
 #include "support/GLTest.h"
+#include "support/TemporaryModel.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QHashFunctions>
@@ -71,6 +73,29 @@ TEST_F(Agreement, OnTestModelsOfAnotherLibrary)
 {
     if (expectAgreement("/usr/share/assimp/models/OBJ") == 0)
         GTEST_SKIP() << "the package assimp-testmodels is not installed";
+}
+
+/// A file may end anywhere.
+TEST_F(Agreement, OnEveryPrefixOfTheExamples)
+{
+    int models = 0;
+    for (const OrvTest::CheckExample &example :
+         OrvTest::readChecksPage(QStringLiteral(ORV_CHECKS_PAGE))) {
+        const OrvTest::TemporaryModel directory;
+        example.write(directory.directory());
+        for (const OrvTest::ExampleFile &file : example.files) {
+            if (file.name != QLatin1String("model.obj"))
+                continue;
+            for (int size = 0; size <= file.contents.size(); ++size) {
+                const QString path = directory.write(file.name, file.contents.left(size));
+                for (const std::string &line : disagreements(path))
+                    ADD_FAILURE() << example.code.toStdString() << " cut behind " << size
+                                  << " bytes: " << line;
+                ++models;
+            }
+        }
+    }
+    EXPECT_GT(models, 1000);
 }
 
 /// Long runs: ORV_RANDOM_MODELS_FIRST and ORV_RANDOM_MODELS_COUNT.

@@ -197,6 +197,23 @@ TEST_F(ModelCheck, TellsFewKeywordsOfManyByName)
     EXPECT_EQ(findings.findings.last().count, 50 - 20);
 }
 
+TEST_F(ModelCheck, TellsManySubjectsTogether)
+{
+    QByteArray model = Square;
+    for (int i = 0; i < 1500; ++i)
+        model += "usemtl m" + QByteArray::number(i) + "\nf 1 2 3\nf 1 2 3 4\n";
+    const ModelFindings findings = checked(model);
+    ASSERT_EQ(findings.findings.size(), 1000 + 1);
+    EXPECT_EQ(findings.findings.at(999).subject, QStringLiteral("m999"));
+    EXPECT_EQ(findings.findings.at(1000).subject, QStringLiteral("further ones"));
+    EXPECT_EQ(findings.findings.at(1000).line, 4 + 3 * 1000 + 1);
+    EXPECT_EQ(findings.findings.at(1000).count, 500);
+    EXPECT_EQ(findings.findings.at(1000).faces, 2 * 500);
+    EXPECT_EQ(findings.findings.at(1000).message,
+              QStringLiteral("500 further occurrences of this kind, beyond those that are told one "
+                             "by one."));
+}
+
 TEST_F(ModelCheck, FindsTexturesOfBackslashesAndOtherCase)
 {
     QImage image(1, 1, QImage::Format_RGB32);
