@@ -6,7 +6,6 @@
 #include "Materials.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QSet>
 
 namespace Halvard::Orv::Checking {
 
@@ -25,9 +24,15 @@ public:
     void finish();
 
 private:
+    struct Cut
+    {
+        QString fullName; ///< The first one.
+        bool isOnlyOne;
+    };
+
     FindingTable &_findings;
     const Materials &_materials;
-    QHash<QString, QSet<QString>> _fullNames; // by the word that is read
+    QHash<QString, Cut> _cuts; // by the word that is read
 };
 
 } // namespace Halvard::Orv::Checking

@@ -5,9 +5,9 @@
 #include <Scanning/OBJScanLimits.h>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QSet>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Halvard::Orv::Checking {
 
