@@ -197,6 +197,23 @@ TEST_F(ModelCheck, TellsFewKeywordsOfManyByName)
     EXPECT_EQ(findings.findings.last().count, 50 - 20);
 }
 
+TEST_F(ModelCheck, WarnsOfNamesThatAreCutAlike)
+{
+    _files.write(QStringLiteral("a.mtl"), "newmtl red wood\nnewmtl oak\tdark\n");
+    EXPECT_THAT(told("mtllib a.mtl\n" + Square +
+                     "usemtl red wood\nf 1 2 3 4\nusemtl oak  dark # not light\nf 1 2 3 4\n"),
+                ElementsAre("m.obj:6 hint name-cut-at-blank red wood",
+                            "m.obj:8 hint name-cut-at-blank oak dark",
+                            "a.mtl:1 hint name-cut-at-blank red wood",
+                            "a.mtl:2 hint name-cut-at-blank oak dark"));
+    EXPECT_THAT(told("mtllib a.mtl\n" + Square +
+                     "usemtl red wood\nf 1 2 3 4\nusemtl red steel\nf 1 2 3 4\n"),
+                ElementsAre("m.obj:6 warning name-cut-at-blank red wood",
+                            "m.obj:8 warning name-cut-at-blank red steel",
+                            "a.mtl:1 warning name-cut-at-blank red wood",
+                            "a.mtl:2 hint name-cut-at-blank oak dark"));
+}
+
 TEST_F(ModelCheck, TellsManySubjectsTogether)
 {
     QByteArray model = Square;
