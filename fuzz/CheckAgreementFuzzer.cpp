@@ -29,7 +29,9 @@ ModelFindings check(QByteArray text, const QString &directory, unsigned choice)
     device.open(QIODevice::ReadOnly);
     Checking::TextLines::Limits limits;
     limits.chunkBytes = choice % 3 == 0 ? 4096 : 1 + choice / 3 % 97;
-    Checking::OBJCheck check(directory + QStringLiteral("/model.obj"), false);
+    CheckOptions options;
+    options.decodeTextures = false;
+    Checking::OBJCheck check(directory + QStringLiteral("/model.obj"), options);
     Checking::OBJLines lines(device, limits);
     while (lines.next())
         require(check.takeLine(lines), "a small text passes a limit");

@@ -1,6 +1,8 @@
 #include "CheckReport.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Confinement.h"
+#include "Messages.h"
 #include "OutputFile.h"
 #include "Progress.h"
 #include "WriteAll.h"
@@ -8,39 +10,39 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QIODevice>
 
-#include <new>
-
 namespace Halvard::Orv::Cli {
 
 namespace {
 
-/// Prints text or JSON on stdout.
-/// \return false when it cannot be written, which is then said.
-template <typename Write>
-bool print(Write write)
+/// How a model is checked within the directory of --within.
+CheckOptions confinedOptions()
 {
-    QString error;
-    if (const auto out = OutputFile::open(QString(), error)) {
-        write(out->device());
-        if (out->commit(error))
-            return true;
-    }
-    printError(error);
-    return false;
+    CheckOptions options;
+    if (!Confinement::isSet())
+        return options;
+    options.openLibrary = [](const QString &path) {
+        QString refused; // to the check it is missing
+        return Confinement::openInside(path, refused);
+    };
+    options.mayLookAt = Confinement::isInside;
+    return options;
 }
 
 /// Checks a model. Says why where it cannot be read.
 bool check(const QString &fileName, ModelFindings &findings)
 {
-    const Progress progress(QStringLiteral("checking ") + QFileInfo(fileName).fileName());
-    QString reason;
-    try {
-        if (checkModel(fileName, findings, reason) == CheckStatus::Done)
+    QString reason = Confinement::objection(fileName);
+    if (reason.isEmpty()) {
+        const Progress progress(QStringLiteral("checking ") + QFileInfo(fileName).fileName());
+        if (checkModel(fileName, findings, reason, confinedOptions()) == CheckStatus::Done) {
+            findings.file = Confinement::relative(findings.file);
+            for (Finding &finding : findings.findings)
+                finding.file = Confinement::relative(finding.file);
             return true;
-    } catch (const std::bad_alloc &) {
-        reason = QStringLiteral("there is not enough memory for it");
+        }
     }
-    printError(QStringLiteral("Cannot check '%1': %2.").arg(printableText(fileName), reason));
+    Messages::flush();
+    printError(QStringLiteral("'%1' cannot be checked: %2.").arg(fileName, reason));
     return false;
 }
 
@@ -80,7 +82,7 @@ ExitStatus checkCommand(const QStringList &arguments)
     const int most = mostFindings(line);
     if (most < 0)
         return line.wrongUsage(QStringLiteral("'--max' takes a number of at least 1, not '%1'.")
-                                   .arg(printableText(line.value(QStringLiteral("max")))));
+                                   .arg(line.value(QStringLiteral("max"))));
 
     const bool asJSON = line.isSet(QStringLiteral("json"));
     const FindingSeverity worst =
@@ -97,14 +99,20 @@ ExitStatus checkCommand(const QStringList &arguments)
             status = FileAtFault;
         if (asJSON) {
             models.append(findings);
-        } else if (!print([&](QIODevice &out) {
-                       writeAll(out, findingLines(findings, most).toLocal8Bit());
-                   })) {
-            return CannotRun;
+            continue;
         }
+        const ExitStatus written = OutputFile::write(QString(), [&](QIODevice &out) {
+            writeAll(out, findingLines(findings, most).toLocal8Bit());
+        });
+        if (written != Fine)
+            return written;
     }
-    if (asJSON && !print([&](QIODevice &out) { writeFindings(out, models, most); }))
-        return CannotRun;
+    if (asJSON) {
+        const ExitStatus written =
+            OutputFile::write(QString(), [&](QIODevice &out) { writeFindings(out, models, most); });
+        if (written != Fine)
+            return written;
+    }
     return status;
 }
 

@@ -10,6 +10,9 @@
 #include <QtGui/QVector3D>
 
 #include <functional>
+#include <memory>
+
+class QIODevice;
 
 namespace Halvard::Orv {
 
@@ -87,6 +90,12 @@ struct CheckOptions
     /// Whether textures are decoded to see if they can be. Without it a texture need only
     /// exist.
     bool decodeTextures = true;
+    /// Opens a material library, as PrepareOptions::openLibrary does; null where it cannot be
+    /// opened. Without it libraries are files.
+    std::function<std::unique_ptr<QIODevice>(const QString &path)> openLibrary;
+    /// Whether a texture may be looked at, or a directory in which a missing file may have
+    /// another name. Nothing is said about textures that may not. Without it all may.
+    std::function<bool(const QString &path)> mayLookAt;
 };
 
 /// How a check ended.
@@ -107,15 +116,16 @@ enum class CheckStatus
 ///
 /// \param fileName the OBJ file.
 /// \param result assigned when the status is Done.
-/// \param reason a sentence without a full stop about why the file is unreadable; untouched
-///        otherwise.
+/// \param reason assigned why the file is unreadable, when it is: "no such file", "permission
+///        denied" ...
 /// Any file ends in one of the three ways; std::bad_alloc where memory ends. Safe on any thread.
 ORVCHECK_EXPORT CheckStatus checkModel(const QString &fileName, ModelFindings &result,
                                        QString &reason, const CheckOptions &options = {});
 
 /// `text` with everything escaped that would change how a terminal or an editor shows the rest:
 /// control characters of C0 and C1, line and paragraph separators, and the characters that set
-/// the writing direction become "\xNN" or "\u{NNNN}". A backslash stays as it is.
+/// the writing direction become "\xNN" or "\u{NNNN}". Half of a pair of characters, which stands
+/// for a byte of a file name that is no text, becomes "\xNN" too. A backslash stays as it is.
 /// \param maxLength longer texts are cut there and end in "..."; 0 does not cut.
 ORVCHECK_EXPORT QString printableText(const QString &text, int maxLength = 0);
 

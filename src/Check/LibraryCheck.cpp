@@ -62,8 +62,8 @@ bool LibraryCheck::read(const Reference &reference)
                                   : QFileInfo(reference.path).canonicalFilePath();
     if (!canonical.isEmpty() && _read.contains(canonical))
         return true;
-    QFile file(reference.path);
-    if (!openInputFile(file))
+    const std::unique_ptr<QIODevice> device = open(reference.path);
+    if (!device)
         return false;
     _read.insert(reference.path);
     _read.insert(canonical);
@@ -72,7 +72,7 @@ bool LibraryCheck::read(const Reference &reference)
     _directory = QFileInfo(reference.path).dir().absolutePath();
     _file = _findings.addFile(reference.shown);
     _section = {};
-    MTLLines lines(file);
+    MTLLines lines(*device);
     if (!lines.text().transcodedFrom().isNull())
         tell(Code::Encoding, QString::fromLatin1(lines.text().transcodedFrom()), 1);
     while (lines.next()) {
@@ -81,6 +81,17 @@ bool LibraryCheck::read(const Reference &reference)
     }
     closeSection();
     return true;
+}
+
+/// \return null where the library cannot be opened.
+std::unique_ptr<QIODevice> LibraryCheck::open(const QString &path) const
+{
+    if (_options.openLibrary)
+        return _options.openLibrary(path);
+    auto file = std::make_unique<QFile>(path);
+    if (!openInputFile(*file))
+        return nullptr;
+    return file;
 }
 
 /// Counts an occurrence in the library. On a section it belongs to a material.

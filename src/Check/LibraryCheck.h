@@ -13,6 +13,7 @@
 #include <QtCore/QSet>
 #include <QtCore/QString>
 
+#include <memory>
 #include <vector>
 
 namespace Halvard::Orv::Checking {
@@ -22,8 +23,9 @@ class LibraryCheck
 {
 public:
     LibraryCheck(FindingTable &findings, Materials &materials, NameCuts &names,
-                 bool decodesTextures)
-        : _findings(findings), _materials(materials), _names(names), _textures(decodesTextures)
+                 const CheckOptions &options)
+        : _findings(findings), _materials(materials), _names(names), _options(options),
+          _textures(options)
     {}
 
     /// How a model names a library.
@@ -58,6 +60,7 @@ private:
         QMap<QString, QString> members;
     };
 
+    std::unique_ptr<QIODevice> open(const QString &path) const;
     void takeLine(const MTLLines &lines);
     void openSection(const MTLLines &lines);
     void closeSection();
@@ -71,6 +74,7 @@ private:
     FindingTable &_findings;
     Materials &_materials;
     NameCuts &_names;
+    const CheckOptions &_options;
     TextureProbe _textures;
     QSet<QString> _read; // paths as given, and canonical: one file has many names
     QHash<QString, QMap<QString, QString>> _records;   // by material

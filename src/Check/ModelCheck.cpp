@@ -5,7 +5,6 @@
 #include <Libraries/InputFile.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 
 #include <algorithm>
 
@@ -17,21 +16,6 @@ using namespace Checking;
 
 /// Bytes between two calls of the progress function.
 constexpr qint64 ProgressBytes = qint64(1) << 20;
-
-/// Why a file cannot be opened.
-QString reasonFor(const QString &fileName)
-{
-    const QFileInfo info(fileName);
-    if (fileName.contains(QChar::Null) || !info.exists())
-        return QStringLiteral("no such file");
-    if (info.isDir())
-        return QStringLiteral("it is a directory");
-    if (!info.isFile())
-        return QStringLiteral("it is no regular file");
-    if (!info.isReadable())
-        return QStringLiteral("permission denied");
-    return QStringLiteral("it cannot be opened");
-}
 
 class Progress
 {
@@ -76,11 +60,9 @@ CheckStatus checkModel(const QString &fileName, ModelFindings &result, QString &
                        const CheckOptions &options)
 {
     QFile file(fileName);
-    if (!openInputFile(file)) {
-        reason = reasonFor(fileName);
+    if (!openInputFile(file, &reason))
         return CheckStatus::Unreadable;
-    }
-    OBJCheck check(fileName, options.decodeTextures);
+    OBJCheck check(fileName, options);
     Progress progress(options, file.size());
     OBJLines lines(file);
     bool hasRoom = true;

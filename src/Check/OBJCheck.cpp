@@ -70,10 +70,10 @@ bool isOfTheFormat(const QString &keyword)
 
 } // namespace
 
-OBJCheck::OBJCheck(const QString &fileName, bool decodesTextures)
-    : _fileName(fileName), _directory(QFileInfo(fileName).dir().absolutePath()),
+OBJCheck::OBJCheck(const QString &fileName, const CheckOptions &options)
+    : _fileName(fileName), _directory(QFileInfo(fileName).dir().absolutePath()), _options(options),
       _findings(fileName), _names(_findings, _materials),
-      _libraries(_findings, _materials, _names, decodesTextures), _faces(_findings, _materials),
+      _libraries(_findings, _materials, _names, _options), _faces(_findings, _materials),
       _material(_materials.number(QStringLiteral("<default>")))
 {}
 
@@ -280,7 +280,8 @@ void OBJCheck::takeFurtherNames(const OBJLines &lines, const QString &name)
     if (valueCount(lines.tokens()) < 2)
         return;
     const QString full = textBehindKeyword(lines.tokens());
-    if (isRegularFile(_directory.absoluteFilePath(full))) {
+    const QString path = _directory.absoluteFilePath(full);
+    if (mayLookAt(path) && isRegularFile(path)) {
         Tally &tally = _findings.at(Code::NameCutAtBlank, full);
         if (tally.add(lines.line().number))
             tally.detail = name;
@@ -291,11 +292,16 @@ void OBJCheck::takeFurtherNames(const OBJLines &lines, const QString &name)
         tally.detail = name;
 }
 
+bool OBJCheck::mayLookAt(const QString &path) const
+{
+    return !_options.mayLookAt || _options.mayLookAt(path);
+}
+
 void OBJCheck::tellMissing(const QString &name, const QString &path, qint64 line)
 {
     constexpr int MostSearches = 100; // each lists a directory
     Tally &tally = _findings.at(Code::LibraryMissing, name);
-    if (tally.add(line) && !name.isEmpty() && ++_searches <= MostSearches) {
+    if (tally.add(line) && !name.isEmpty() && mayLookAt(path) && ++_searches <= MostSearches) {
         QString found = fileOfOtherCase(path);
         if (found.isNull())
             found = fileOfOtherSuffix(path, QStringLiteral("mtl"));

@@ -19,7 +19,8 @@ class OBJCheck
 {
 public:
     /// \param fileName as findings name the model.
-    OBJCheck(const QString &fileName, bool decodesTextures);
+    /// \param options kept.
+    OBJCheck(const QString &fileName, const CheckOptions &options);
 
     /// \return false when the loader could not hold more.
     bool takeLine(OBJLines &lines);
@@ -52,10 +53,12 @@ private:
     void finishMaterials();
     void finishModel();
     void finishContents(OBJLines &lines);
+    bool mayLookAt(const QString &path) const;
     QString shownPath(const QString &name) const;
 
     const QString _fileName;
     const QDir _directory;
+    const CheckOptions _options;
     FindingTable _findings;
     Materials _materials;
     NameCuts _names;

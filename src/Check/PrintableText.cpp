@@ -31,10 +31,18 @@ QString printableText(const QString &text, int maxLength)
     printable.reserve(length);
     for (int i = 0; i < length; ++i) {
         const ushort character = text.at(i).unicode();
-        if (isUnprintable(character))
-            printable += escaped(character);
-        else
+        const bool isPair =
+            text.at(i).isHighSurrogate() && i + 1 < length && text.at(i + 1).isLowSurrogate();
+        if (isPair) {
             printable += text.at(i);
+            printable += text.at(++i);
+        } else if (text.at(i).isLowSurrogate()) {
+            printable += escaped(character & 0xff);
+        } else if (text.at(i).isHighSurrogate() || isUnprintable(character)) {
+            printable += escaped(character);
+        } else {
+            printable += text.at(i);
+        }
     }
     return isCut ? printable + QStringLiteral("...") : printable;
 }

@@ -2,10 +2,12 @@
 
 #include "SimilarFiles.h"
 
+#include <OrvModel/TexturePreparing.h>
+
 #include <QtCore/QDir>
 #include <QtCore/QStringList>
-#include <QtGui/QImage>
-#include <QtGui/QImageReader>
+
+#include <algorithm>
 
 namespace Halvard::Orv::Checking {
 
@@ -83,31 +85,41 @@ QString withoutMapOptions(const QString &rest)
     return i == 0 ? rest : words.mid(i).join(QLatin1Char(' '));
 }
 
+bool TextureProbe::mayLookAt(const QString &path) const
+{
+    return !_options.mayLookAt || _options.mayLookAt(path);
+}
+
 TextureTrouble TextureProbe::troubleWith(const QString &path)
 {
     const auto known = _known.constFind(path);
     if (known != _known.constEnd())
         return *known;
-    TextureTrouble trouble = TextureTrouble::None;
-    if (!isRegularFile(path)) {
-        trouble = TextureTrouble::Missing;
-    } else if (_decodes) {
-        QImageReader reader(path);
-        const QSize size = reader.size();
-        if (!reader.canRead()) {
-            trouble = TextureTrouble::Undecodable;
-        } else if (const qint64 pixels = qint64(size.width()) * size.height();
-                   pixels <= MostPixels && _pixels + pixels <= MostPixelsOfAll) {
-            _pixels += pixels;
-            const QImage image(path);
-            if (image.isNull())
-                trouble = TextureTrouble::Undecodable;
-            else if (image.depth() != 32)
-                trouble = TextureTrouble::NotThirtyTwoBit;
-        }
-    }
+    const TextureTrouble trouble = mayLookAt(path) ? troubleOfFile(path) : TextureTrouble::None;
     _known.insert(path, trouble);
     return trouble;
+}
+
+TextureTrouble TextureProbe::troubleOfFile(const QString &path)
+{
+    if (!isRegularFile(path))
+        return TextureTrouble::Missing;
+    if (!_options.decodeTextures)
+        return TextureTrouble::None;
+    PrepareTextureOptions limits;
+    limits.mostPixels = std::min(MostPixels, MostPixelsOfAll - _pixels);
+    const PreparedTexture texture = prepareTexture(path, limits);
+    switch (texture.trouble) {
+    case PreparedTexture::Trouble::None:
+        _pixels += qint64(texture.image.width()) * texture.image.height();
+        return texture.image.depth() == 32 ? TextureTrouble::None : TextureTrouble::NotThirtyTwoBit;
+    case PreparedTexture::Trouble::Missing:
+        return TextureTrouble::Missing;
+    case PreparedTexture::Trouble::TooLarge:
+        return TextureTrouble::None; // for this check, not for a texture
+    default:
+        return TextureTrouble::Undecodable;
+    }
 }
 
 TextureState TextureProbe::look(const QString &directory, const QString &word, const QString &rest)
@@ -132,6 +144,8 @@ TextureState TextureProbe::look(const QString &directory, const QString &word, c
             if (candidate.isEmpty())
                 continue;
             const QString absolute = resolved(directory, candidate);
+            if (!mayLookAt(absolute))
+                continue;
             if (candidate != word && isRegularFile(absolute))
                 return {kind, candidate};
             const QString similar = fileOfOtherCase(absolute);

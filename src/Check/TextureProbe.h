@@ -2,8 +2,12 @@
 /// Whether the texture that a material names can be had, and what its author may have meant.
 #pragma once
 
+#include <OrvCheck/ModelCheck.h>
+
 #include <QtCore/QHash>
 #include <QtCore/QString>
+
+#include <utility>
 
 namespace Halvard::Orv::Checking {
 
@@ -30,8 +34,9 @@ struct TextureState
 class TextureProbe
 {
 public:
+    explicit TextureProbe(CheckOptions options) : _options(std::move(options)) {}
     /// \param decodes whether images are decoded.
-    explicit TextureProbe(bool decodes) : _decodes(decodes) {}
+    explicit TextureProbe(bool decodes) { _options.decodeTextures = decodes; }
 
     /// \param directory of the library, absolute.
     /// \param word the path as the loader reads it: up to the first blank.
@@ -40,8 +45,10 @@ public:
 
 private:
     TextureTrouble troubleWith(const QString &path);
+    TextureTrouble troubleOfFile(const QString &path);
+    bool mayLookAt(const QString &path) const;
 
-    const bool _decodes;
+    CheckOptions _options;
     qint64 _pixels = 0; // decoded so far
     int _searches = 0;  // for files that are missing
     QHash<QString, TextureTrouble> _known;

@@ -1,10 +1,10 @@
 #include "Check/Agreement.h"
 
-#include "reference/EarClipping.h"
-#include "reference/LoadedModel.h"
-#include "reference/PouredModel.h"
+#include "reference/FaceTriangles.h"
+#include "reference/FileReading.h"
 #include "reference/Welding.h"
 #include "support/MessageCapture.h"
+#include "support/ModelReadBack.h"
 
 #include <OrvCheck/ModelCheck.h>
 
@@ -26,7 +26,7 @@ struct FaceCounts
     qint64 drawn = 0;
 };
 
-bool hasEmptyAttribute(const OrvReference::PouredModel &model)
+bool hasEmptyAttribute(const PlainModel &model)
 {
     for (const auto &[name, attribute] : model.attributes) {
         if (attribute.values.empty() || attribute.indices.empty())
@@ -39,10 +39,10 @@ FaceCounts countFaces(const QString &fileName)
 {
     const MessageCapture capture; // of faces that cannot be cut
     FaceCounts counts;
-    OrvReference::PouredModel model;
+    PlainModel model;
     QString error;
-    counts.isLoaded = OrvReference::pourOBJFile(fileName, model, error);
-    counts.read = static_cast<qint64>(model.cornersPerFace.size());
+    counts.isLoaded = OrvReference::readOBJFile(fileName, model, error);
+    counts.read = static_cast<qint64>(model.cornerCounts.size());
     const QString positions = QStringLiteral("va_Vertex");
     if (!counts.isLoaded || counts.read == 0 || model.attributes.count(positions) == 0 ||
         hasEmptyAttribute(model))
@@ -50,16 +50,16 @@ FaceCounts countFaces(const QString &fileName)
     const OrvReference::WeldedModel welded = OrvReference::weld(model);
     std::vector<size_t> firstCorners;
     size_t corner = 0;
-    for (const quint32 count : model.cornersPerFace) {
+    for (const quint32 count : model.cornerCounts) {
         firstCorners.push_back(corner);
         corner += count;
     }
-    for (const OrvReference::MaterialGroup &group : model.groups) {
+    for (const PlainGroup &group : model.groups) {
         for (const quint32 face : group.faces) {
             const auto first =
                 welded.indices.begin() + static_cast<std::ptrdiff_t>(firstCorners[face]);
             const std::vector<quint32> ring(
-                first, first + static_cast<std::ptrdiff_t>(model.cornersPerFace[face]));
+                first, first + static_cast<std::ptrdiff_t>(model.cornerCounts[face]));
             counts.drawn +=
                 OrvReference::triangulateFace(ring, welded.values.at(positions)).empty() ? 0 : 1;
         }
@@ -139,11 +139,11 @@ void compareAccounts(const ModelFindings &findings, Comparison &comparison)
                       "faces without triangles, or the other way round");
 }
 
-QStringList drawnMaterials(const OrvReference::UploadedModel &model)
+QStringList drawnMaterials(const UploadedModel &model)
 {
     QStringList names;
-    for (const OrvReference::Bundle &bundle : model.bundles) {
-        for (const OrvReference::Command &command : bundle.commands) {
+    for (const Bundle &bundle : model.bundles) {
+        for (const Command &command : bundle.commands) {
             if (command.count > 0)
                 names.append(command.material);
         }
@@ -160,7 +160,7 @@ std::vector<std::string> disagreements(const QString &fileName)
     ModelFindings findings;
     QString reason;
     const CheckStatus status = checkModel(fileName, findings, reason);
-    const OrvReference::UploadedModel loaded = OrvReference::loadWithLibrary(fileName);
+    const UploadedModel loaded = loadWithLibrary(fileName);
     if (status != CheckStatus::Done) {
         comparison.expect(loaded.isNull, "the check cannot read what the loader can");
         return comparison.differences();
@@ -169,7 +169,7 @@ std::vector<std::string> disagreements(const QString &fileName)
 
     const FaceCounts faces = countFaces(fileName);
     qint64 indices = 0;
-    for (const OrvReference::Bundle &bundle : loaded.bundles)
+    for (const Bundle &bundle : loaded.bundles)
         indices += static_cast<qint64>(bundle.indices.size());
     comparison.expectSame("a missing library", hasCode(findings, "library-missing"), loaded.isNull);
     comparison.expectSame("triangles", findings.triangles, indices / 3);

@@ -266,9 +266,9 @@ TEST_F(ModelCheck, SaysWhyAFileCannotBeRead)
               CheckStatus::Unreadable);
     EXPECT_EQ(reason, QStringLiteral("no such file"));
     EXPECT_EQ(checkModel(_files.directory(), findings, reason), CheckStatus::Unreadable);
-    EXPECT_EQ(reason, QStringLiteral("it is a directory"));
+    EXPECT_EQ(reason, QStringLiteral("is a directory"));
     EXPECT_EQ(checkModel(QStringLiteral("/dev/zero"), findings, reason), CheckStatus::Unreadable);
-    EXPECT_EQ(reason, QStringLiteral("it is no regular file"));
+    EXPECT_EQ(reason, QStringLiteral("not a regular file"));
     EXPECT_EQ(checkModel(QString(), findings, reason), CheckStatus::Unreadable);
     EXPECT_EQ(reason, QStringLiteral("no such file"));
 }
@@ -305,7 +305,7 @@ TEST(ModelCheckLimits, ALineTooLongFailsTheModel)
     QBuffer device;
     device.setData("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n#" + QByteArray(200, '#') + "\n");
     ASSERT_TRUE(device.open(QIODevice::ReadOnly));
-    Checking::OBJCheck check(QStringLiteral("m.obj"), false);
+    Checking::OBJCheck check(QStringLiteral("m.obj"), {});
     Checking::OBJLines lines(device, limits);
     while (lines.next())
         EXPECT_TRUE(check.takeLine(lines));

@@ -67,8 +67,9 @@ TEST_F(CheckCommandTest, GoesOnBehindAFileThatCannotBeRead)
     const QString missing = _files.path(QStringLiteral("none.obj"));
     const OrvRun run = runOrv({Check, missing, _broken});
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err.toStdString(),
-              QStringLiteral("orv: Cannot check '%1': no such file.\n").arg(missing).toStdString());
+    EXPECT_EQ(
+        run.err.toStdString(),
+        QStringLiteral("orv: '%1' cannot be checked: no such file.\n").arg(missing).toStdString());
     EXPECT_THAT(run.out.toStdString(), HasSubstr("[material-undefined]"));
 }
 
@@ -151,6 +152,32 @@ TEST_F(CheckCommandTest, TheSchemaRefusesOtherDocuments)
                     "$.models[0].findings[0] breaks required consequence",
                     "$.models[0].findings[0] breaks required remedy",
                     "$.models[0].findings[0] breaks required fixable"));
+}
+
+TEST_F(CheckCommandTest, StaysWithinItsDirectory)
+{
+    write("out.mtl", "newmtl a\n");
+    write("in/in.mtl", "newmtl a\nmap_Kd ../none.png\nmap_Ks gone.png\n");
+    const QString inside = _files.path(QStringLiteral("in"));
+    const QString within = QStringLiteral("--within=") + inside;
+    const QString model =
+        write("in/m.obj", "mtllib ../out.mtl\nmtllib in.mtl\n" + _triangle + "usemtl a\nf 1 2 3\n");
+    const OrvRun run = runOrv({Check, model, within});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out,
+              "m.obj:1: error: The material library \"../out.mtl\" cannot be opened. 1 face is "
+              "not drawn. [library-missing]\n"
+              "in.mtl:3: warning: There is no texture \"gone.png\". [texture-missing]\n");
+    EXPECT_EQ(run.err, "");
+
+    const OrvRun outside = runOrv({Check, _sound, within});
+    EXPECT_EQ(outside.status, 2);
+    EXPECT_EQ(outside.out, "");
+    EXPECT_EQ(
+        outside.err.toStdString(),
+        QStringLiteral("orv: '%1' cannot be checked: lies outside the directory of --within.\n")
+            .arg(_sound)
+            .toStdString());
 }
 
 TEST_F(CheckCommandTest, LeavesNothingToATerminalButText)
