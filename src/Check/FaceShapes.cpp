@@ -161,7 +161,7 @@ void FaceShapes::compareWithLibrary(int count, const float *xyz, FaceShape &shap
 {
     while (_ring.size() < static_cast<size_t>(count))
         _ring.push_back(static_cast<int>(_ring.size()));
-    const QVector<int> &triangles = _triangulation.triangulateQuietly(count, _ring.data(), xyz);
+    const QVector<int> &triangles = _triangulation.triangulate(count, _ring.data(), xyz);
     shape.triangles = triangles.size() / 3;
     shape.isTurnedOver =
         shape.triangles > 0 && !runsForward(triangles[0], triangles[1], triangles[2]);

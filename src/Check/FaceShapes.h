@@ -44,6 +44,8 @@ struct FaceShape
 class FaceShapes
 {
 public:
+    FaceShapes() { _triangulation.setQuiet(true); }
+
     /// \param xyz x, y, z of `count` corners in ring order.
     FaceShape examine(int count, const float *xyz);
 

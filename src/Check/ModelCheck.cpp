@@ -2,6 +2,7 @@
 
 #include "OBJCheck.h"
 
+#include <Lanes/FloatingPointState.h>
 #include <Libraries/InputFile.h>
 
 #include <QtCore/QFile>
@@ -59,6 +60,7 @@ qint64 lineOfPosition(const QString &fileName, qint64 position)
 CheckStatus checkModel(const QString &fileName, ModelFindings &result, QString &reason,
                        const CheckOptions &options)
 {
+    const FloatingPointState state;
     QFile file(fileName);
     if (!openInputFile(file, &reason))
         return CheckStatus::Unreadable;

@@ -1,10 +1,9 @@
-#include <OrvCheck/ModelCheck.h>
-
-#include "OBJCheck.h"
-
 #include "support/MessageCapture.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
+
+#include "OBJCheck.h"
+#include <OrvCheck/ModelCheck.h>
 
 #include <gmock/gmock.h>
 
@@ -12,6 +11,8 @@
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtGui/QImage>
+
+#include <cfenv>
 
 namespace {
 
@@ -255,6 +256,25 @@ TEST_F(ModelCheck, HintsAtGreyTextures)
     _files.write(QStringLiteral("a.mtl"), "newmtl a\nmap_Kd grey.png\n");
     EXPECT_THAT(told("mtllib a.mtl\n" + Square + "usemtl a\nf 1 2 3 4\n"),
                 ElementsAre("a.mtl:2 hint texture-undecodable grey.png"));
+}
+
+/// A host program that rounds otherwise gets the same answers, and its state back.
+TEST_F(ModelCheck, ComputesInTheDefaultFloatingPointState)
+{
+    const QByteArray model = "v 0.7 0.3 0\nv 0.2 0.3 0\nv 0.4 0.3000001 0\nf 1 2 3\n"
+                             "v 100000 100000 100000\nv 100001 100000 100000\n"
+                             "v 100000 100001 100000\nf 4 5 6\n";
+    const std::vector<std::string> expected = told(model);
+    EXPECT_THAT(expected,
+                ElementsAre("m.obj:4 hint face-without-area", "m.obj:8 warning face-imprecise"));
+    ASSERT_EQ(std::fesetround(FE_UPWARD), 0);
+    const ModelFindings findings = checked(model);
+    EXPECT_EQ(std::fegetround(), FE_UPWARD);
+    std::fesetround(FE_TONEAREST);
+    ASSERT_EQ(findings.findings.size(), 2);
+    EXPECT_EQ(findings.findings.at(0).corners.at(0),
+              QVector3D(0.7f, 0.3f, 0.0f)); // 0.7f lies below 0.7
+    EXPECT_EQ(findings.findings.at(1).code, QLatin1String("face-imprecise"));
 }
 
 TEST_F(ModelCheck, SaysWhyAFileCannotBeRead)
