@@ -1,6 +1,7 @@
 // Names of a file that collide in every hash table of Qt: loading takes as long as with any
 // other names.
 #include "support/CollidingNames.h"
+
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
 #include "support/TemporaryModel.h"

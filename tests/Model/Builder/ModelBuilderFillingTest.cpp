@@ -6,9 +6,8 @@
 #include "support/ScopedLocaleCodec.h"
 #include "support/StreamContents.h"
 
-#include <OrvModel/ModelBuilder.h>
-
 #include <OrvCore/InstanceData.h>
+#include <OrvModel/ModelBuilder.h>
 
 #include <limits>
 

@@ -5,9 +5,8 @@
 #include "support/RecordingStream.h"
 #include "support/StreamContents.h"
 
-#include <OrvModel/ModelBuilder.h>
-
 #include <OrvCore/InstanceData.h>
+#include <OrvModel/ModelBuilder.h>
 
 #include <new>
 #include <type_traits>

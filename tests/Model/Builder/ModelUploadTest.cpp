@@ -1,16 +1,15 @@
+#include "Builder/ModelUpload.h"
+
 #include "support/GLTest.h"
 #include "support/GPUReadBack.h"
 #include "support/MessageCapture.h"
 #include "support/RecordingStream.h"
 #include "support/StreamContents.h"
 
-#include "Builder/ModelUpload.h"
-
-#include <OrvGL/OpenGLFunctions.h>
-
 #include <OrvCore/InstanceDataCollection.h>
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLDeviceContext.h>
+#include <OrvGL/OpenGLFunctions.h>
 
 #include <vector>
 

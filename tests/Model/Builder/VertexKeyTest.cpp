@@ -1,5 +1,4 @@
 #include "Builder/CornerHash.h"
-
 #include <OrvModel/VertexKey.h>
 
 #include <gtest/gtest.h>
