@@ -10,6 +10,9 @@
 #include "Preparing/CornerWelding.h"
 
 #include "Preparing/IndexTuples.h"
+#include "Preparing/ParallelTuples.h"
+#include "Preparing/ParallelWelding.h"
+#include "Threads/Work.h"
 #include "Welding/RowHash.h"
 #include "Welding/RowNumbering.h"
 
@@ -79,12 +82,14 @@ public:
         return value;
     }
 
-    bool equalsKept(quint32 number, quint32 row) const
+    bool areEqual(quint32 first, quint32 second) const
     {
         bool equal = true;
-        forEach([&](const auto &column) { equal = equal && column.areEqual(number, row); });
+        forEach([&](const auto &column) { equal = equal && column.areEqual(first, second); });
         return equal;
     }
+
+    bool equalsKept(quint32 number, quint32 row) const { return areEqual(number, row); }
 
     void keep(quint32 row)
     {
@@ -109,13 +114,6 @@ private:
     quint32 _kept = 0;
 };
 
-template <typename... Columns>
-quint32 weldTuples(GrowArray<quint32> &vertexOfTuple, Columns... columns)
-{
-    VertexRows<Columns...> rows(columns...);
-    return numberRows(rows, static_cast<quint32>(vertexOfTuple.size()), vertexOfTuple.data());
-}
-
 /// One index per corner, whatever the file has.
 void completeIndices(OBJAttribute &attribute, quint32 cornerCount)
 {
@@ -131,19 +129,6 @@ CornerIndices takeIndices(OBJAttribute &attribute, quint32 cornerCount)
 {
     completeIndices(attribute, cornerCount);
     return {std::move(attribute.indices), attribute.valueCount()};
-}
-
-/// The distinct index tuples of all corners. Those into other attributes are in the order
-/// normals, texture coordinates, without those that do not exist.
-IndexTuples findTuples(OBJGeometry &geometry)
-{
-    CornerIndices positions = takeIndices(geometry.positions, geometry.cornerCount);
-    std::vector<CornerIndices> others;
-    for (OBJAttribute *attribute : {&geometry.normals, &geometry.texCoords}) {
-        if (attribute->exists())
-            others.push_back(takeIndices(*attribute, geometry.cornerCount));
-    }
-    return numberIndexTuples(std::move(positions), std::move(others));
 }
 
 /// What a vertex is made of: an index into each attribute that exists.
@@ -176,104 +161,159 @@ void appendZeros(OBJAttribute &attribute)
     values.commit(attribute.components);
 }
 
-/// The value of each vertex, in the memory of the vertices' indices.
-template <unsigned Components>
-GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<float> &values,
-                              quint32 count)
+/// The steps of welding, on one thread or several.
+class CornerWelding
 {
-    /// Floats that may be read past the end, so that the last value can be loaded
-    /// like any other by what loads four floats.
-    constexpr size_t Padding = 1;
-    constexpr size_t Ahead = 32;
+public:
+    CornerWelding(OBJGeometry &geometry, Work &work, const PreparingSizes &sizes)
+        : _geometry(geometry), _work(work), _sizes(sizes),
+          _inParallel(!work.isAlone() && geometry.cornerCount >= sizes.threadsFromCorners)
+    {}
 
-    GrowArray<float> gathered = std::move(indices).template recast<float>();
-    const size_t size = size_t(count) * Components;
-    gathered.resize(size + Padding);
-    gathered[size] = 0.0f;
-    // From the last vertex to the first: a value overwrites only indices of vertices
-    // that have their value.
-    const auto indexAt = [&](size_t vertex) {
-        quint32 index;
-        std::memcpy(&index, gathered.data() + vertex, sizeof index);
-        return index;
-    };
-    for (size_t vertex = count; vertex-- > 0;) {
-        if (vertex >= Ahead)
-            __builtin_prefetch(values.data() + size_t(indexAt(vertex - Ahead)) * Components);
-        const quint32 index = indexAt(vertex);
-        std::memcpy(gathered.data() + vertex * Components,
-                    values.data() + size_t(index) * Components, Components * sizeof(float));
+    WeldedCorners run()
+    {
+        IndexTuples tuples = findTuples();
+        for (OBJAttribute *attribute :
+             {&_geometry.positions, &_geometry.normals, &_geometry.texCoords}) {
+            if (attribute->exists())
+                appendZeros(*attribute);
+        }
+        const quint32 tupleCount = tuples.count();
+        VertexIndices indices = takeVertexIndices(tuples, _geometry);
+        GrowArray<quint32> vertexOfTuple = std::move(tuples.reusable);
+        const quint32 count = weld(indices, vertexOfTuple);
+
+        WeldedCorners welded;
+        welded.vertexCount = count;
+        // Where all tuples differ in their bytes, they are the vertices.
+        welded.vertexOfCorner = std::move(tuples.tupleOfCorner);
+        if (count < tupleCount)
+            replaceByVertices(welded.vertexOfCorner, vertexOfTuple);
+        vertexOfTuple = {};
+        gather(indices, welded);
+        return welded;
     }
-    gathered.shrink();
-    gathered.resize(size);
-    return gathered;
-}
 
-/// The vertex of each corner, in the memory of the corners' tuples.
-GrowArray<quint32> verticesOfCorners(GrowArray<quint32> &&tupleOfCorner,
-                                     const GrowArray<quint32> &vertexOfTuple)
-{
-    GrowArray<quint32> vertexOfCorner = std::move(tupleOfCorner);
-    quint32 *const end = vertexOfCorner.data() + vertexOfCorner.size();
-    for (quint32 *corner = vertexOfCorner.data(); corner != end; ++corner)
-        *corner = vertexOfTuple[*corner];
-    return vertexOfCorner;
-}
+private:
+    /// The distinct index tuples of all corners. Those into other attributes are in the order
+    /// normals, texture coordinates, without those that do not exist.
+    IndexTuples findTuples()
+    {
+        CornerIndices positions = takeIndices(_geometry.positions, _geometry.cornerCount);
+        std::vector<CornerIndices> others;
+        for (OBJAttribute *attribute : {&_geometry.normals, &_geometry.texCoords}) {
+            if (attribute->exists())
+                others.push_back(takeIndices(*attribute, _geometry.cornerCount));
+        }
+        if (_inParallel)
+            return numberIndexTuplesInParallel(std::move(positions), std::move(others), _work,
+                                               _sizes);
+        return numberIndexTuples(std::move(positions), std::move(others));
+    }
 
-/// Numbers the different vertices among those of the tuples.
-/// \param indices of the tuples; those of the vertices come first afterwards.
-/// \param vertexOfTuple an entry per tuple.
-/// \return how many vertices there are.
-quint32 weld(const OBJGeometry &geometry, VertexIndices &indices, GrowArray<quint32> &vertexOfTuple)
-{
-    const ValueColumn<3> positions(geometry.positions.values, indices.positions);
-    const ValueColumn<3> normals(geometry.normals.values, indices.normals);
-    const ValueColumn<2> texCoords(geometry.texCoords.values, indices.texCoords);
-    if (geometry.normals.exists() && geometry.texCoords.exists())
-        return weldTuples(vertexOfTuple, positions, normals, texCoords);
-    if (geometry.normals.exists())
-        return weldTuples(vertexOfTuple, positions, normals);
-    if (geometry.texCoords.exists())
-        return weldTuples(vertexOfTuple, positions, texCoords);
-    return weldTuples(vertexOfTuple, positions);
-}
+    /// Numbers the different vertices among those of the tuples.
+    /// \param indices of the tuples; those of the vertices come first afterwards.
+    /// \param vertexOfTuple an entry per tuple.
+    /// \return how many vertices there are.
+    quint32 weld(VertexIndices &indices, GrowArray<quint32> &vertexOfTuple)
+    {
+        const ValueColumn<3> positions(_geometry.positions.values, indices.positions);
+        const ValueColumn<3> normals(_geometry.normals.values, indices.normals);
+        const ValueColumn<2> texCoords(_geometry.texCoords.values, indices.texCoords);
+        if (_geometry.normals.exists() && _geometry.texCoords.exists())
+            return weldRows(indices, vertexOfTuple, positions, normals, texCoords);
+        if (_geometry.normals.exists())
+            return weldRows(indices, vertexOfTuple, positions, normals);
+        if (_geometry.texCoords.exists())
+            return weldRows(indices, vertexOfTuple, positions, texCoords);
+        return weldRows(indices, vertexOfTuple, positions);
+    }
+
+    template <typename... Columns>
+    quint32 weldRows(VertexIndices &indices, GrowArray<quint32> &vertexOfTuple, Columns... columns)
+    {
+        VertexRows<Columns...> rows(columns...);
+        const auto tupleCount = static_cast<quint32>(vertexOfTuple.size());
+        if (!_inParallel)
+            return numberRows(rows, tupleCount, vertexOfTuple.data());
+        const quint32 count =
+            numberRowsInParallel(rows, tupleCount, vertexOfTuple.data(), _work, _sizes);
+        if (count < tupleCount) {
+            GrowArray<quint32> *const all[] = {&indices.positions, &indices.normals,
+                                               &indices.texCoords};
+            _work.forEach(Keeping, 3, [&](size_t i) {
+                if (!all[i]->isEmpty())
+                    keepFirstRows(*all[i], vertexOfTuple.data(), tupleCount);
+            });
+        }
+        return count;
+    }
+
+    /// Replaces the tuples of corners by their vertices.
+    void replaceByVertices(GrowArray<quint32> &corners, const GrowArray<quint32> &vertexOfTuple)
+    {
+        const quint32 numberBits = ~(_inParallel ? NumberFlag : 0);
+        const size_t size = _sizes.elementsPerTask;
+        _work.forEach(Keeping, TaskRange::taskCount(size, corners.size()), [&](size_t task) {
+            const TaskRange range(task, size, corners.size());
+            quint32 *const end = corners.data() + range.end;
+            for (quint32 *corner = corners.data() + range.begin; corner != end; ++corner)
+                *corner = vertexOfTuple[*corner] & numberBits;
+        });
+    }
+
+    /// The values of all vertices. What is used up goes at once.
+    void gather(VertexIndices &indices, WeldedCorners &welded)
+    {
+        const quint32 count = welded.vertexCount;
+        if (_geometry.texCoords.exists())
+            welded.texCoords =
+                gatherValues<2>(std::move(indices.texCoords), _geometry.texCoords.values, count);
+        _geometry.texCoords.values = {};
+        if (_geometry.normals.exists())
+            welded.normals =
+                gatherValues<3>(std::move(indices.normals), _geometry.normals.values, count);
+        _geometry.normals.values = {};
+        welded.positions =
+            gatherValues<3>(std::move(indices.positions), _geometry.positions.values, count);
+        welded.reusable = std::move(_geometry.positions.values);
+        welded.reusable.resize(0);
+    }
+
+    /// The value of each vertex, in the memory of the vertices' indices.
+    template <unsigned Components>
+    GrowArray<float> gatherValues(GrowArray<quint32> &&indices, const GrowArray<float> &values,
+                                  quint32 count)
+    {
+        /// Floats that may be read past the end, so that the last value can be loaded
+        /// like any other by what loads four floats.
+        constexpr size_t Padding = 1;
+
+        GrowArray<float> gathered = std::move(indices).template recast<float>();
+        const size_t size = size_t(count) * Components;
+        gathered.resize(size + Padding);
+        gathered[size] = 0.0f;
+        gatherInPlace<Components>(gathered.data(), values.data(), count, Gathering, _work, _sizes);
+        gathered.shrink();
+        gathered.resize(size);
+        return gathered;
+    }
+
+    static constexpr StagePart Keeping = {WorkStage::Welding, 0.88, 0.9};
+    static constexpr StagePart Gathering = {WorkStage::Welding, 0.9, 1.0};
+
+    OBJGeometry &_geometry;
+    Work &_work;
+    const PreparingSizes _sizes;
+    const bool _inParallel;
+};
 
 } // namespace
 
-WeldedCorners weldCorners(OBJGeometry &geometry)
+WeldedCorners weldCorners(OBJGeometry &geometry, Work *work, const PreparingSizes &sizes)
 {
-    IndexTuples tuples = findTuples(geometry);
-    for (OBJAttribute *attribute : {&geometry.positions, &geometry.normals, &geometry.texCoords}) {
-        if (attribute->exists())
-            appendZeros(*attribute);
-    }
-    const quint32 tupleCount = tuples.count();
-    VertexIndices indices = takeVertexIndices(tuples, geometry);
-    GrowArray<quint32> vertexOfTuple = std::move(tuples.reusable);
-    const quint32 count = weld(geometry, indices, vertexOfTuple);
-
-    WeldedCorners welded;
-    welded.vertexCount = count;
-    // Where all tuples differ in their bytes, they are the vertices.
-    if (count == tupleCount)
-        welded.vertexOfCorner = std::move(tuples.tupleOfCorner);
-    else
-        welded.vertexOfCorner = verticesOfCorners(std::move(tuples.tupleOfCorner), vertexOfTuple);
-    vertexOfTuple = {};
-
-    if (geometry.texCoords.exists())
-        welded.texCoords =
-            gatherValues<2>(std::move(indices.texCoords), geometry.texCoords.values, count);
-    geometry.texCoords.values = {};
-    if (geometry.normals.exists())
-        welded.normals =
-            gatherValues<3>(std::move(indices.normals), geometry.normals.values, count);
-    geometry.normals.values = {};
-    welded.positions =
-        gatherValues<3>(std::move(indices.positions), geometry.positions.values, count);
-    welded.reusable = std::move(geometry.positions.values);
-    welded.reusable.resize(0);
-    return welded;
+    Work alone;
+    return CornerWelding(geometry, work ? *work : alone, sizes).run();
 }
 
 } // namespace Halvard::Orv

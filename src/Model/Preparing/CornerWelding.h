@@ -3,11 +3,14 @@
 #pragma once
 
 #include "Memory/GrowArray.h"
+#include "Preparing/PreparingSizes.h"
 #include "Scanning/OBJGeometry.h"
 
 #include <QtCore/QtGlobal>
 
 namespace Halvard::Orv {
+
+class Work;
 
 /// GPU vertices, all of them different in their bytes, numbered in the order in
 /// which the corners of the file first use them.
@@ -38,6 +41,8 @@ struct WeldedCorners
 ///
 /// \param geometry has positions; gives up the values and indices of all
 ///        attributes.
-WeldedCorners weldCorners(OBJGeometry &geometry);
+/// \param work where there are many corners, its threads share the work; null: none.
+WeldedCorners weldCorners(OBJGeometry &geometry, Work *work = nullptr,
+                          const PreparingSizes &sizes = {});
 
 } // namespace Halvard::Orv

@@ -119,7 +119,7 @@ private:
     void weld(const void *builder)
     {
         const StageTimer timer(&PreparationReport::Stages::weld);
-        _welded = weldCorners(_geometry);
+        _welded = weldCorners(_geometry, &_work, _sizes);
         reportWelding(builder, static_cast<int>(_geometry.cornerCount),
                       static_cast<int>(_welded.vertexCount), sizeof(quint32));
     }

@@ -183,7 +183,7 @@ TEST(ParallelPreparing, StopsAtAnyCallOfTheCallback)
                 prepared(model, groupsOf(model), 0, &crew.work(), smallTasks(10, 50));
                 wasWhole = true;
                 EXPECT_LT(calls, last);
-                EXPECT_GT(calls, 10);
+                EXPECT_GT(calls, 0);
             } catch (const WorkStopped &) {
                 EXPECT_EQ(calls, last);
             }
