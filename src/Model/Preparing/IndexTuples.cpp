@@ -86,7 +86,7 @@ public:
         quint32 &head = _heads[position];
         unsigned length = 0;
         for (quint32 entry = head; entry != 0; entry = _next[entry - 1]) {
-            if (at(entry - 1) == others)
+            if (isAt(entry - 1, others))
                 return entry - 1;
             if (++length == FullLength)
                 return findInOverflow(position, others);
@@ -104,6 +104,15 @@ public:
 
 private:
     static constexpr unsigned FullLength = 16;
+
+    /// In a loop: comparing arrays as a whole calls a function.
+    bool isAt(quint32 number, const Indices &others) const
+    {
+        bool equal = true;
+        for (unsigned i = 0; i < Others; ++i)
+            equal = equal && _others[i][number] == others[i];
+        return equal;
+    }
 
     Indices at(quint32 number) const
     {
