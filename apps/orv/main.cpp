@@ -8,7 +8,6 @@
 #include <OrvModel/ModelVersions.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QHashFunctions>
 
 #include <cstdio>
 #include <new>
@@ -83,9 +82,6 @@ Cli::ExitStatus run(const QStringList &arguments)
 
 int main(int argc, char *argv[])
 {
-    // The order of material groups is that of a hash table: the same output for the
-    // same file takes the same seed.
-    qSetGlobalQHashSeed(0);
     Cli::holdStandardStreams();
     Cli::endOnInterruption();
     const QCoreApplication application(argc, argv);

@@ -286,4 +286,32 @@ TEST(DumpCommandTest, PipesAreWrittenToNotReplaced)
     EXPECT_FALSE(QFileInfo(pipe).isFile());
 }
 
+TEST(DumpCommandSeedTest, TheOutputIsTheSameForEverySeedOfQtsHashTables)
+{
+    // In UTF-16 it is read line by line, through the builder's tables.
+    QByteArray text = "mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\n";
+    QByteArray library;
+    for (const char *name : {"oak", "ash", "elm", "fir", "yew", "box", "bay"}) {
+        library += QByteArray("newmtl ") + name + "\nmap_Kd " + name + ".png\nKs 1 0 0\n";
+        text += QByteArray("usemtl ") + name + "\nf 1/1 2/1 3/1\n";
+    }
+    QByteArray wide("\xff\xfe", 2);
+    for (const char character : text)
+        wide += QByteArray(1, character) + '\0';
+    const TemporaryModel files;
+    files.write(QStringLiteral("m.mtl"), library);
+    for (const QByteArray &contents : {text, wide}) {
+        const QString model = files.write(QStringLiteral("m.obj"), contents);
+        const auto dumped = [&model](int seed) {
+            return runOrv({QStringLiteral("dump"), model},
+                          {QStringLiteral("QT_HASH_SEED=%1").arg(seed)})
+                .out;
+        };
+        const QByteArray first = dumped(0);
+        EXPECT_FALSE(first.isEmpty());
+        for (int seed = 1; seed <= 5; ++seed)
+            EXPECT_EQ(dumped(seed), first) << seed;
+    }
+}
+
 } // namespace
