@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace Halvard::Orv {
 
 namespace {
 
-constexpr int NoSlot = -1;
+constexpr int NoSite = -1;
 constexpr int Lanes = 4;
-/// Below this many corners all are looked at, which takes less time than boxes do.
-constexpr int FewCorners = 256;
+/// Below this many points all are looked at, which takes less time than boxes do.
+constexpr int FewPoints = 256;
 constexpr float Gone = std::numeric_limits<float>::quiet_NaN();
 
 bool isFinite(QVector2D point)
@@ -19,69 +20,128 @@ bool isFinite(QVector2D point)
     return std::isfinite(point.x()) && std::isfinite(point.y());
 }
 
+/// A corner and where it stands, with any order of places.
+struct PlacedCorner
+{
+    PlacedCorner(QVector2D point, int number) : x(point.x()), y(point.y()), corner(number) {}
+
+    bool operator<(const PlacedCorner &other) const
+    {
+        if (x != other.x)
+            return x < other.x;
+        return y < other.y || (y == other.y && corner < other.corner);
+    }
+
+    float x;
+    float y;
+    int corner;
+};
+
 } // namespace
 
 void BlockerSearch::reset(QVector2D const *points, int count)
 {
     _points = points;
-    _corners.clear();
-    _corners.reserve(static_cast<size_t>(count));
-    _states.assign(static_cast<size_t>(count), {NoSlot, -1});
-    // Corners that are not finite never block, see TriangleReach.
-    for (int corner = 0; corner < count; ++corner) {
-        if (isFinite(points[corner])) {
-            _corners.push_back(corner);
-            state(corner).slot = 0;
-        }
-    }
+    makeSites(count);
+    _placed.resize(_sites.size());
+    std::iota(_placed.begin(), _placed.end(), 0);
     place();
 }
 
-/// Gives all active corners new slots.
+/// One for each corner, or, in a large ring, for each distinct point.
+void BlockerSearch::makeSites(int count)
+{
+    _states.assign(static_cast<size_t>(count), {NoSite, NoSite});
+    _sites.clear();
+    _sites.reserve(static_cast<size_t>(count));
+    // Corners that are not finite never block, see TriangleReach.
+    for (int corner = 0; corner < count; ++corner) {
+        if (!isFinite(_points[corner]))
+            continue;
+        state(corner).site = static_cast<int>(_sites.size());
+        _sites.push_back({_points[corner], 1, 0});
+    }
+    if (_sites.size() >= FewPoints)
+        joinCoincidentCorners();
+}
+
+/// Leaves one site for each distinct point, in the order of their first corners.
+void BlockerSearch::joinCoincidentCorners()
+{
+    std::vector<PlacedCorner> sorted;
+    sorted.reserve(_sites.size());
+    for (int corner = 0; corner < static_cast<int>(_states.size()); ++corner) {
+        if (state(corner).site != NoSite)
+            sorted.emplace_back(_points[corner], corner);
+    }
+    std::sort(sorted.begin(), sorted.end());
+    // For now a corner's site is the first corner that stands there.
+    const PlacedCorner *first = nullptr;
+    for (const PlacedCorner &placed : sorted) {
+        if (!first || first->x != placed.x || first->y != placed.y)
+            first = &placed;
+        state(placed.corner).site = first->corner;
+    }
+    _sites.clear();
+    for (int corner = 0; corner < static_cast<int>(_states.size()); ++corner) {
+        int &number = state(corner).site;
+        if (number == NoSite)
+            continue;
+        if (number == corner) {
+            number = static_cast<int>(_sites.size());
+            _sites.push_back({_points[corner], 1, 0});
+        } else {
+            number = state(number).site;
+            ++site(number).corners;
+        }
+    }
+}
+
+/// Gives all sites with active corners new slots.
 void BlockerSearch::place()
 {
-    const auto isGone = [this](int corner) { return state(corner).slot == NoSlot; };
-    _corners.erase(std::remove_if(_corners.begin(), _corners.end(), isGone), _corners.end());
-    _activeCount = static_cast<int>(_corners.size());
-    _hasBoxes = _activeCount >= FewCorners;
+    const auto isEmpty = [this](int number) { return site(number).corners == 0; };
+    _placed.erase(std::remove_if(_placed.begin(), _placed.end(), isEmpty), _placed.end());
+    _activeSites = static_cast<int>(_placed.size());
+    _hasBoxes = _activeSites >= FewPoints;
     if (_hasBoxes) {
-        _placed.clear();
-        _placed.reserve(_corners.size());
-        for (const int corner : _corners)
-            _placed.push_back(_points[corner]);
-        _boxes.build(_placed);
+        _placedPoints.clear();
+        _placedPoints.reserve(_placed.size());
+        for (const int number : _placed)
+            _placedPoints.push_back(site(number).point);
+        _boxes.build(_placedPoints);
     }
     const size_t slotCount =
-        (_corners.size() + RingBoxes::LeafSize - 1) / RingBoxes::LeafSize * RingBoxes::LeafSize;
+        (_placed.size() + RingBoxes::LeafSize - 1) / RingBoxes::LeafSize * RingBoxes::LeafSize;
     _x.assign(slotCount, Gone);
     _y.assign(slotCount, Gone);
-    _cornerAt.resize(slotCount);
-    for (size_t slot = 0; slot < _corners.size(); ++slot) {
-        const size_t number = _hasBoxes ? static_cast<size_t>(_boxes.order()[slot]) : slot;
-        const int corner = _corners[number];
-        _x[slot] = _points[corner].x();
-        _y[slot] = _points[corner].y();
-        _cornerAt[slot] = corner;
-        state(corner).slot = static_cast<int>(slot);
+    _siteAt.resize(slotCount);
+    for (size_t slot = 0; slot < _placed.size(); ++slot) {
+        const size_t at = _hasBoxes ? static_cast<size_t>(_boxes.order()[slot]) : slot;
+        const int number = _placed[at];
+        Site &placed = site(number);
+        _x[slot] = placed.point.x();
+        _y[slot] = placed.point.y();
+        _siteAt[slot] = number;
+        placed.slot = static_cast<int>(slot);
     }
 }
 
 void BlockerSearch::remove(int corner)
 {
-    int &slot = state(corner).slot;
-    if (slot == NoSlot)
+    const int number = state(corner).site;
+    if (number == NoSite || --site(number).corners > 0)
         return;
-    _x[static_cast<size_t>(slot)] = Gone;
-    slot = NoSlot;
-    --_activeCount;
-    if (_activeCount > Lanes && 2 * _activeCount < static_cast<int>(_corners.size()))
+    _x[static_cast<size_t>(site(number).slot)] = Gone;
+    --_activeSites;
+    if (_activeSites > Lanes && 2 * _activeSites < static_cast<int>(_placed.size()))
         place();
 }
 
 bool BlockerSearch::isBlocked(int corner, const CornerTriangle &triangle)
 {
     const int last = state(corner).lastBlocker;
-    if (last >= 0 && state(last).slot != NoSlot && triangle.isBlockedBy(_points[last]))
+    if (last != NoSite && site(last).corners > 0 && triangle.isBlockedBy(site(last).point))
         return true;
 
     const TriangleReach reach(triangle);
@@ -102,7 +162,7 @@ bool BlockerSearch::isBlocked(int corner, const CornerTriangle &triangle)
     return false;
 }
 
-/// Whether one of the corners in four slots blocks.
+/// Whether one of the sites in four slots blocks.
 bool BlockerSearch::isBlockedBySome(int corner, const CornerTriangle &triangle,
                                     const TriangleReach &reach, int slot)
 {
@@ -111,7 +171,7 @@ bool BlockerSearch::isBlockedBySome(int corner, const CornerTriangle &triangle,
     for (size_t lane = 0; within != 0; ++lane, within >>= 1) {
         if ((within & 1u) == 0 || !triangle.isBlockedBy({_x[at + lane], _y[at + lane]}))
             continue;
-        state(corner).lastBlocker = _cornerAt[at + lane];
+        state(corner).lastBlocker = _siteAt[at + lane];
         return true;
     }
     return false;

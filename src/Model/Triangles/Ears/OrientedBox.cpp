@@ -1,11 +1,15 @@
 #include "Triangles/Ears/OrientedBox.h"
 
+#include "Triangles/Ears/Sampling.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace Halvard::Orv {
 
 namespace {
+
+constexpr float MoreThanRounding = 1.0f + 1e-6f;
 
 /// A difference in double, where it cannot overflow.
 struct Offset
@@ -32,8 +36,8 @@ QVector2D mainAxis(const QVector2D *points, const int *first, const int *last, p
     double xx = 0.0;
     double xy = 0.0;
     double yy = 0.0;
-    for (ptrdiff_t i = 0; i < last - first; i += step) {
-        const Offset offset(points[first[i]], origin);
+    for (SampledNumbers i(step, last - first); !i.isAtEnd(); ++i) {
+        const Offset offset(points[first[*i]], origin);
         n += 1.0;
         x += offset.x;
         y += offset.y;
@@ -47,8 +51,12 @@ QVector2D mainAxis(const QVector2D *points, const int *first, const int *last, p
     const double length = std::sqrt(difference * difference + twice * twice);
     if (!(length > 0.0))
         return {1.0f, 0.0f};
-    const double cosine = std::sqrt(std::max(0.0, 0.5 + 0.5 * difference / length));
-    const double sine = std::sqrt(std::max(0.0, 0.5 - 0.5 * difference / length));
+    // The smaller component from the greater one, which keeps it exact where it is tiny:
+    // a flat line has a flat box.
+    const double greater = std::sqrt(0.5 + 0.5 * std::fabs(difference) / length);
+    const double smaller = 0.5 * std::fabs(twice) / (length * greater);
+    const double cosine = difference >= 0.0 ? greater : smaller;
+    const double sine = difference >= 0.0 ? smaller : greater;
     return {static_cast<float>(cosine), static_cast<float>(twice < 0.0 ? -sine : sine)};
 }
 
@@ -65,8 +73,8 @@ OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const
     double high = 0.0;
     double left = 0.0;
     double right = 0.0;
-    for (ptrdiff_t i = 0; i < last - first; i += step) {
-        const Offset offset(points[first[i]], origin);
+    for (SampledNumbers i(step, last - first); !i.isAtEnd(); ++i) {
+        const Offset offset(points[first[*i]], origin);
         const double along = ax * offset.x + ay * offset.y;
         const double across = ax * offset.y - ay * offset.x;
         low = std::min(low, along);
@@ -86,11 +94,23 @@ OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const
     const double across = ax * offset.y - ay * offset.x;
     const double halfLength = std::max(high - along, along - low);
     const double halfWidth = std::max(right - across, across - left);
-    // For what is rounded here, and for |axis| being only about 1.
-    const double slack = 1e-6 * (halfLength + halfWidth);
-    box.along = static_cast<float>(halfLength + slack);
-    box.across = static_cast<float>(halfWidth + slack);
+    // Both are off by the 1e-15th part of the greater one, and too small by a factor of
+    // up to 1 + 3e-7, since |axis| is only about 1 and floats are rounded to.
+    constexpr double Factor = 1.0 + 1e-6;
+    const double slack = 1e-15 * (halfLength + halfWidth);
+    box.along = static_cast<float>(halfLength * Factor + slack);
+    box.across = static_cast<float>(halfWidth * Factor + slack);
     return box;
+}
+
+float OrientedBox::extentX() const
+{
+    return MoreThanRounding * (along * std::fabs(axis.x()) + across * std::fabs(axis.y()));
+}
+
+float OrientedBox::extentY() const
+{
+    return MoreThanRounding * (along * std::fabs(axis.y()) + across * std::fabs(axis.x()));
 }
 
 bool OrientedBox::holds(QVector2D point) const

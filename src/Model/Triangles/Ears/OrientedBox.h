@@ -14,10 +14,14 @@ struct OrientedBox
     float along;
     float across;
 
-    /// The box of points[first[0]], points[first[step]], ... up to but not
-    /// including points[*last].
+    /// The box of points[*first] up to but not including points[*last], or of a sample:
+    /// one point of each `step`.
     static OrientedBox around(const QVector2D *points, const int *first, const int *last,
                               ptrdiff_t step = 1);
+
+    /// Half of the extent along an axis of the plane, or a little more.
+    float extentX() const;
+    float extentY() const;
 
     bool holds(QVector2D point) const;
 };

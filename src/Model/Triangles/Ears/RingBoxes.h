@@ -2,6 +2,7 @@
 /// A tree of boxes around the points of a ring.
 #pragma once
 
+#include "Triangles/Ears/Sampling.h"
 #include "Triangles/Ears/TriangleReach.h"
 #include "Triangles/Ears/TriangleWindow.h"
 
@@ -30,7 +31,8 @@ public:
     const std::vector<int> &order() const { return _order; }
 
     /// Calls `visit(first)` with the place in order() of the first point of each leaf
-    /// that may have a point that blocks the triangle, until one returns true.
+    /// that may have a point that blocks the triangle, until one returns true. Where
+    /// there are very many, some leaves are visited more than once.
     /// \return whether one did.
     template <typename Visit>
     bool anyLeaf(const CornerTriangle &triangle, const TriangleReach &reach, Visit visit) const;
@@ -48,7 +50,20 @@ private:
 
     int addNode(int *first, int *last);
     void addChild(int parent, int *first, int *last);
-    int *split(int *first, int *last);
+    int *split(int *first, int *last, bool isAcross);
+
+    /// One bit per child: set where it may hold a point that blocks.
+    static unsigned childrenWithin(const Node &node, const TriangleReach &reach,
+                                   const TriangleWindow &window)
+    {
+        const unsigned all = (1u << node.childCount) - 1u;
+        return reach.boxesWithin(node.boxes) & window.boxesWithin(node.boxes) & all;
+    }
+
+    static int push(const Node &node, unsigned children, const TriangleWindow &window, int *waiting,
+                    int count);
+    int leafAtRandom(const TriangleReach &reach, const TriangleWindow &window,
+                     QuickRandom &random) const;
 
     const QVector2D *_points = nullptr;
     std::vector<int> _order;
@@ -56,36 +71,48 @@ private:
     std::vector<Node> _nodes;
 };
 
+/// Visits the leaves from the nearest on.
+///
+/// Where the corners of a ring lie on a line but for rounding, half of them may be within
+/// the reach of a triangle, and whether one blocks is as good as random, but differs
+/// from one end of the line to the other: the nearest thousands may all pass by, and
+/// those far off all block. So after some leaves as many are visited at random. When a
+/// share p of all leaves within reach has a point that blocks, about 1 / p visits find
+/// one, wherever it is, and a triangle that nothing blocks costs twice the visits.
 template <typename Visit>
 bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &reach,
                         Visit visit) const
 {
+    constexpr int ManyLeaves = 64;
+    constexpr int Growth = 3;
     const TriangleWindow window(triangle);
     // A split halves, so that the depth is that of the number of points in base 4, and
     // every level leaves at most three children waiting.
     int waiting[Fanout * 16];
     int count = 0;
     waiting[count++] = 0;
+    QuickRandom random;
+    int visits = 0;
+    int visitsInOrder = ManyLeaves;
     while (count > 0) {
         const int next = waiting[--count];
-        if (next < 0) {
-            if (visit(LeafSize * ~next))
-                return true;
+        if (next >= 0) {
+            const Node &node = _nodes[static_cast<size_t>(next)];
+            const unsigned children = childrenWithin(node, reach, window);
+            if (children != 0)
+                count = push(node, children, window, waiting, count);
             continue;
         }
-        const Node &node = _nodes[static_cast<size_t>(next)];
-        const unsigned within = reach.boxesWithin(node.boxes) & window.boxesWithin(node.boxes);
-        for (int child = node.childCount - 1; child >= 0; --child) {
-            if ((within >> child & 1u) == 0)
-                continue;
-            const bool isPoint =
-                node.boxes.along[child] == 0.0f && node.boxes.across[child] == 0.0f;
-            // All points of the box coincide with a corner of the triangle.
-            if (isPoint &&
-                triangle.hasCornerAt({node.boxes.centreX[child], node.boxes.centreY[child]}))
-                continue;
-            waiting[count++] = node.children[child];
+        if (visit(LeafSize * ~next))
+            return true;
+        if (++visits < visitsInOrder || count == 0)
+            continue;
+        for (int i = 0; i < visits; ++i) {
+            const int leaf = leafAtRandom(reach, window, random);
+            if (leaf >= 0 && visit(LeafSize * leaf))
+                return true;
         }
+        visitsInOrder *= Growth;
     }
     return false;
 }

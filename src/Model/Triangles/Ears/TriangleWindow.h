@@ -51,13 +51,19 @@ public:
     /// One bit per box: set where the box may hold a point that blocks.
     unsigned boxesWithin(const Boxes4 &boxes) const
     {
-        const Float4 axisX = absolute(boxes.axisX);
-        const Float4 axisY = absolute(boxes.axisY);
-        const Float4 halfX = _x.half + Slack * (boxes.along * axisX + boxes.across * axisY);
-        const Float4 halfY = _y.half + Slack * (boxes.along * axisY + boxes.across * axisX);
+        const Float4 halfX = _x.half + Slack * boxes.extentX;
+        const Float4 halfY = _y.half + Slack * boxes.extentY;
         return ~lanesOf((absolute(boxes.centreX - _x.middle) > halfX) |
                         (absolute(boxes.centreY - _y.middle) > halfY)) &
                0xfu;
+    }
+
+    /// How far each box is from the middle of the triangle, about: less than 0 where it
+    /// surrounds the middle.
+    Float4 distances(const Boxes4 &boxes) const
+    {
+        return absolute(boxes.centreX - _middleX) - boxes.extentX +
+               (absolute(boxes.centreY - _middleY) - boxes.extentY);
     }
 
 private:
@@ -72,8 +78,15 @@ private:
 
     TriangleWindow(QVector2D first, QVector2D second, QVector2D third, double extension)
         : _x(range(first.x(), second.x(), third.x(), extension)),
-          _y(range(first.y(), second.y(), third.y(), extension))
+          _y(range(first.y(), second.y(), third.y(), extension)),
+          _middleX(four(mean(first.x(), second.x(), third.x()))),
+          _middleY(four(mean(first.y(), second.y(), third.y())))
     {}
+
+    static float mean(float first, float second, float third)
+    {
+        return (first + second + third) / 3.0f;
+    }
 
     static Range range(float first, float second, float third, double extension)
     {
@@ -115,6 +128,8 @@ private:
 
     Range _x;
     Range _y;
+    Float4 _middleX;
+    Float4 _middleY;
 };
 
 } // namespace Halvard::Orv

@@ -130,9 +130,10 @@ bool hasPointWithin(const CornerTriangle &triangle, QVector2D point)
 Boxes4 boxesOf(const OrientedBox &box)
 {
     constexpr float Far = 1e30f;
-    return {Float4{Far, box.centre.x(), Far, Far},  Float4{Far, box.centre.y(), Far, Far},
-            Float4{1.0f, box.axis.x(), 1.0f, 1.0f}, Float4{0.0f, box.axis.y(), 0.0f, 0.0f},
-            Float4{1.0f, box.along, 1.0f, 1.0f},    Float4{1.0f, box.across, 1.0f, 1.0f}};
+    return {Float4{Far, box.centre.x(), Far, Far},   Float4{Far, box.centre.y(), Far, Far},
+            Float4{1.0f, box.axis.x(), 1.0f, 1.0f},  Float4{0.0f, box.axis.y(), 0.0f, 0.0f},
+            Float4{1.0f, box.along, 1.0f, 1.0f},     Float4{1.0f, box.across, 1.0f, 1.0f},
+            Float4{1.0f, box.extentX(), 1.0f, 1.0f}, Float4{1.0f, box.extentY(), 1.0f, 1.0f}};
 }
 
 TEST(CornerTriangle, NormalisesAsQtDoes)
@@ -277,8 +278,9 @@ TEST(TriangleReach, PassesOverWhatIsClearlyOutside)
     } cases[] = {
         {"inside", {0.25f, 0.25f}, true},
         {"upon an edge", {0.5f, 0.0f}, true},
-        {"a little outside", {0.5f, -1e-7f}, true},
-        {"outside by more than rounding", {0.5f, -1e-6f}, false},
+        {"a little outside of an edge along an axis", {0.5f, -1e-7f}, false},
+        {"a little outside of a diagonal", {0.5f, 0.5f + 0x1p-23f}, true},
+        {"outside by more than rounding", {0.5f, 0.5f + 0x1p-20f}, false},
         {"hardly apart from a corner", {0.0f, -1e-6f}, true},
         {"near a corner", {0.0f, -4e-6f}, false},
         {"beyond the diagonal", {0.6f, 0.6f}, false},

@@ -1,0 +1,160 @@
+#include "Triangles/Ears/NodeSplit.h"
+
+#include "Triangles/Ears/OrientedBox.h"
+#include "Triangles/Ears/Sampling.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Halvard::Orv {
+
+namespace {
+
+/// How many points are looked at, about.
+constexpr ptrdiff_t SampleSize = 32;
+
+ptrdiff_t sampleStep(ptrdiff_t count)
+{
+    return std::max<ptrdiff_t>(1, count / SampleSize);
+}
+
+float sizeOf(const OrientedBox &box)
+{
+    return box.along + box.across;
+}
+
+float areaOf(const OrientedBox &box)
+{
+    return box.along * box.across;
+}
+
+/// Some of a node's points.
+struct Sample
+{
+    Sample(const int *first, const int *last)
+    {
+        for (SampledNumbers i(sampleStep(last - first), last - first); !i.isAtEnd(); ++i)
+            numbers[count++] = first[*i];
+    }
+
+    OrientedBox boxAround(const QVector2D *points) const
+    {
+        return OrientedBox::around(points, numbers, numbers + count);
+    }
+
+    int numbers[2 * SampleSize];
+    int count = 0;
+};
+
+/// The first points of a ring and the last.
+struct HalvesInRingOrder
+{
+    HalvesInRingOrder(const QVector2D *points, const int *first, const int *middle, const int *last)
+    {
+        const ptrdiff_t step = sampleStep(last - first);
+        const OrientedBox firstBox = OrientedBox::around(points, first, middle, step);
+        const OrientedBox secondBox = OrientedBox::around(points, middle, last, step);
+        for (SampledNumbers i(step, middle - first); !i.isAtEnd(); ++i)
+            strays += secondBox.holds(points[first[*i]]) ? 1 : 0;
+        for (SampledNumbers i(step, last - middle); !i.isAtEnd(); ++i)
+            strays += firstBox.holds(points[middle[*i]]) ? 1 : 0;
+        size = sizeOf(firstBox) + sizeOf(secondBox);
+    }
+
+    /// Points of one half in the box of the other.
+    int strays = 0;
+    /// Extents of the two boxes.
+    float size;
+};
+
+/// The lower points along an axis and the higher ones.
+struct HalvesInSpace
+{
+    HalvesInSpace(const QVector2D *points, QVector2D direction, Sample sample)
+        : axis(points, direction)
+    {
+        int *const first = sample.numbers;
+        int *const last = first + sample.count;
+        int *const middle = first + sample.count / 2;
+        std::nth_element(first, middle, last, axis);
+        median = *middle;
+        const OrientedBox lower = OrientedBox::around(points, first, middle);
+        const OrientedBox higher = OrientedBox::around(points, middle, last);
+        size = sizeOf(lower) + sizeOf(higher);
+        area = areaOf(lower) + areaOf(higher);
+    }
+
+    /// How many neighbours in the ring are parted.
+    int partedNeighbours(const int *first, const int *last) const
+    {
+        int parted = 0;
+        for (SampledNumbers i(sampleStep(last - first), last - first - 1); !i.isAtEnd(); ++i) {
+            const int *const at = first + *i;
+            if (at[1] == at[0] + 1 && axis(at[0], median) != axis(at[1], median))
+                ++parted;
+        }
+        return parted;
+    }
+
+    AlongAxis axis;
+    int median;
+    float size;
+    float area;
+};
+
+/// Whether the box is wide enough that comparisons in floats tell its two long sides
+/// from each other, see TriangleReach.
+bool hasTwoSides(const OrientedBox &box)
+{
+    constexpr float Products = 4e-6f;
+    constexpr float Least = 1e-12f;
+    const float products = Products * std::fabs(box.axis.x() * box.axis.y());
+    return box.across > (products + Least) * box.along;
+}
+
+/// Along a box that is about as wide as long, boxes along the axes of the plane are as
+/// good, and closer to squares. A thin strip is split along or across. Two arcs upon
+/// each other want to be parted across: a triangle between the two then meets neither.
+HalvesInSpace halvesInSpace(const QVector2D *points, const OrientedBox &box, const Sample &sample,
+                            bool isAcross)
+{
+    constexpr float Thin = 0.25f;
+    if (box.across > Thin * box.along) {
+        const bool isHigh = box.extentY() > box.extentX();
+        return {points, isHigh ? QVector2D(0.0f, 1.0f) : QVector2D(1.0f, 0.0f), sample};
+    }
+    const HalvesInSpace along(points, box.axis, sample);
+    if (!hasTwoSides(box))
+        return along;
+    constexpr float ClearlyLess = 0.8f;
+    const HalvesInSpace across(points, {-box.axis.y(), box.axis.x()}, sample);
+    const bool isBetter = across.area < ClearlyLess * along.area;
+    const bool isWorse = along.area < ClearlyLess * across.area;
+    return isBetter || (isAcross && !isWorse) ? across : along;
+}
+
+} // namespace
+
+/// A split in space has to be worth it, since the ring's neighbours ask for each other
+/// again and again: fewer triangles must meet both halves, or the boxes must be by far
+/// smaller, so that long slivers from elsewhere miss them.
+std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, const int *middle,
+                                     const int *last, bool isAcross)
+{
+    constexpr float HardlyLarger = 1.5f;
+    constexpr float MuchLarger = 4.0f;
+    constexpr int ManyStrays = SampleSize / 4;
+    const HalvesInRingOrder inRingOrder(points, first, middle, last);
+    const Sample sample(first, last);
+    const OrientedBox box = sample.boxAround(points);
+    if (inRingOrder.strays == 0 && inRingOrder.size <= HardlyLarger * sizeOf(box))
+        return {};
+    const HalvesInSpace inSpace = halvesInSpace(points, box, sample, isAcross);
+    if (inRingOrder.strays <= ManyStrays &&
+        inRingOrder.strays <= inSpace.partedNeighbours(first, last) &&
+        inRingOrder.size <= MuchLarger * inSpace.size)
+        return {};
+    return inSpace.axis;
+}
+
+} // namespace Halvard::Orv

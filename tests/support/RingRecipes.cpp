@@ -1,0 +1,204 @@
+#include "RingRecipes.h"
+
+#include <cmath>
+#include <numeric>
+#include <sstream>
+
+namespace OrvTest {
+
+namespace {
+
+constexpr double Pi = 3.141592653589793;
+
+struct Place
+{
+    double x;
+    double y;
+};
+
+Place onCircle(double angle, double radius = 1.0)
+{
+    return {radius * std::cos(angle), radius * std::sin(angle)};
+}
+
+Place onLens(double u, double bend)
+{
+    const double x = u < 0.5 ? 2.0 * u : 2.0 - 2.0 * u;
+    const double height = 2.0 * bend * x * (1.0 - x);
+    return {x, u < 0.5 ? -height : height};
+}
+
+/// Place `i` of `count` of the shape.
+Place placeOn(const RingRecipe &recipe, int i, int count)
+{
+    const double u = static_cast<double>(i) / count;
+    switch (recipe.shape) {
+    case RingRecipe::Lens:
+        return onLens(u, recipe.bend);
+    case RingRecipe::Arc:
+        return onCircle(recipe.bend * u);
+    case RingRecipe::Polygon:
+        return onCircle(2.0 * Pi * (i % recipe.period) / recipe.period);
+    case RingRecipe::Fan:
+        return i % 2 == 0 ? Place{0.0, 0.0} : onCircle(2.0 * Pi * u);
+    case RingRecipe::Zigzag:
+        return {u, i % 2 == 0 ? 0.0 : recipe.bend};
+    case RingRecipe::Turns:
+        return onCircle(2.0 * Pi * u * recipe.period);
+    default:
+        return {u, 0.0};
+    }
+}
+
+/// Which place of the shape each corner takes.
+std::vector<int> placesInOrder(const RingRecipe &recipe, int count, Dice &dice)
+{
+    std::vector<int> places(static_cast<std::size_t>(count));
+    std::iota(places.begin(), places.end(), 0);
+    for (int i = 0; i < count; ++i) {
+        int &place = places[static_cast<std::size_t>(i)];
+        switch (recipe.order) {
+        case RingRecipe::Backward:
+            place = count - 1 - i;
+            break;
+        case RingRecipe::Shuffled:
+            std::swap(place, places[static_cast<std::size_t>(dice.below(i + 1))]);
+            break;
+        case RingRecipe::OutsideIn:
+            place = i % 2 == 0 ? i / 2 : count - 1 - i / 2;
+            break;
+        case RingRecipe::Strided:
+            place = static_cast<int>(static_cast<long long>(i) * recipe.period % count);
+            break;
+        default:
+            break;
+        }
+    }
+    return places;
+}
+
+/// The places of a shape that is random by itself.
+std::vector<Place> randomPlaces(const RingRecipe &recipe, int count, Dice &dice)
+{
+    std::vector<Place> places;
+    Place walker{0.0, 0.0};
+    for (int i = 0; i < count; ++i) {
+        if (recipe.shape == RingRecipe::Square) {
+            places.push_back(Place{dice.real(-1.0, 1.0), dice.real(-1.0, 1.0)});
+            continue;
+        }
+        walker.x += dice.real(-recipe.bend, recipe.bend);
+        walker.y += dice.real(-recipe.bend, recipe.bend);
+        places.push_back(walker);
+    }
+    return places;
+}
+
+std::vector<Place> placesOf(const RingRecipe &recipe, int count, Dice &dice)
+{
+    if (recipe.shape == RingRecipe::Square || recipe.shape == RingRecipe::Walk)
+        return randomPlaces(recipe, count, dice);
+    std::vector<Place> places;
+    for (const int place : placesInOrder(recipe, count, dice))
+        places.push_back(placeOn(recipe, place, count));
+    return places;
+}
+
+/// One of 0, 1, and powers of ten between `low` and 1.
+double anyMagnitude(Dice &dice, int lowestPower)
+{
+    return dice.oneIn(4) ? 0.0 : std::pow(10.0, dice.real(lowestPower, 0.0));
+}
+
+} // namespace
+
+std::vector<QVector2D> ringOf(const RingRecipe &recipe, int count, Dice &dice)
+{
+    const int repeats = std::max(1, recipe.repeats);
+    const double cosine = std::cos(recipe.tilt);
+    const double sine = std::sin(recipe.tilt);
+    std::vector<QVector2D> points;
+    for (Place place : placesOf(recipe, (count + repeats - 1) / repeats, dice)) {
+        place.x += dice.real(-recipe.noiseX, recipe.noiseX);
+        place.y += dice.real(-recipe.noiseY, recipe.noiseY);
+        const double x = cosine * place.x - sine * place.y;
+        const double y = sine * place.x + cosine * place.y;
+        const QVector2D point(static_cast<float>(recipe.scale * x + recipe.offset),
+                              static_cast<float>(recipe.scale * y + recipe.offset));
+        for (int i = 0; i < repeats && static_cast<int>(points.size()) < count; ++i)
+            points.push_back(point);
+    }
+    return points;
+}
+
+RingRecipe anyRecipe(Dice &dice)
+{
+    RingRecipe recipe;
+    recipe.shape = static_cast<RingRecipe::Shape>(dice.below(RingRecipe::ShapeCount));
+    recipe.order = static_cast<RingRecipe::Order>(dice.below(RingRecipe::OrderCount));
+    recipe.bend = std::pow(10.0, dice.real(-7.0, 0.5));
+    recipe.period = dice.oneIn(2) ? dice.between(2, 7) : dice.between(2, 200);
+    recipe.noiseX = dice.oneIn(2) ? 0.0 : anyMagnitude(dice, -8);
+    recipe.noiseY = dice.oneIn(2) ? 0.0 : anyMagnitude(dice, -8);
+    recipe.repeats = dice.oneIn(4) ? dice.between(2, 4) : 1;
+    recipe.tilt = dice.oneIn(2) ? 0.0 : dice.real(0.0, 2.0 * Pi);
+    recipe.scale = dice.oneIn(3) ? std::pow(10.0, dice.real(-6.0, 6.0)) : 1.0;
+    recipe.offset = dice.oneIn(4) ? std::pow(10.0, dice.real(-3.0, 3.0)) : 0.0;
+    return recipe;
+}
+
+std::string written(const RingRecipe &recipe)
+{
+    std::ostringstream text;
+    text << "shape " << recipe.shape << ", order " << recipe.order << ", bend " << recipe.bend
+         << ", period " << recipe.period << ", noise " << recipe.noiseX << ' ' << recipe.noiseY
+         << ", repeats " << recipe.repeats << ", tilt " << recipe.tilt << ", scale " << recipe.scale
+         << ", offset " << recipe.offset;
+    return text.str();
+}
+
+namespace {
+
+RingRecipe with(RingRecipe::Shape shape, RingRecipe::Order order, double bend = 1.0, int period = 3,
+                double noiseX = 0.0, double noiseY = 0.0, double tilt = 0.0)
+{
+    RingRecipe recipe;
+    recipe.shape = shape;
+    recipe.order = order;
+    recipe.bend = bend;
+    recipe.period = period;
+    recipe.noiseX = noiseX;
+    recipe.noiseY = noiseY;
+    recipe.tilt = tilt;
+    return recipe;
+}
+
+} // namespace
+
+const std::vector<RingFamily> &hostileRings()
+{
+    using R = RingRecipe;
+    static const std::vector<RingFamily> families = {
+        {"three points", with(R::Polygon, R::Forward, 1.0, 3)},
+        {"four points", with(R::Polygon, R::Forward, 1.0, 4)},
+        {"97 points", with(R::Polygon, R::Forward, 1.0, 97)},
+        {"flat lens", with(R::Lens, R::Forward, 1e-3)},
+        {"flatter lens", with(R::Lens, R::Forward, 1e-5)},
+        {"tilted lens", with(R::Lens, R::Forward, 1e-3, 3, 0.0, 0.0, 0.4)},
+        {"line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 0.0, 0.35)},
+        {"noisy line", with(R::Line, R::Forward, 1.0, 3, 0.0, 1e-7)},
+        {"noisy line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 1e-7)},
+        {"two clusters", with(R::Polygon, R::Forward, 1.0, 2, 1e-6, 1e-6)},
+        {"two tiny clusters", with(R::Polygon, R::Forward, 1.0, 2, 1e-7, 1e-7)},
+        {"half circle chords", with(R::Arc, R::Shuffled, Pi)},
+        {"fan", with(R::Fan, R::Forward)},
+        {"fan in random order", with(R::Fan, R::Shuffled)},
+        {"crossing", with(R::Square, R::Forward)},
+        {"random walk", with(R::Walk, R::Forward, 1e-2)},
+        {"zigzag", with(R::Zigzag, R::Forward, 1e-3)},
+        {"turns", with(R::Turns, R::Forward, 1.0, 10)},
+    };
+    return families;
+}
+
+} // namespace OrvTest
