@@ -3,7 +3,11 @@
 //
 // Both results are compared up to 10,000 corners; above that the loops would take
 // minutes, and the number of triangles is checked.
+//
+// The rings named "hostile" are degenerate, few of them can be cut: they are there for how
+// the time grows from 65,536 to 1,048,576 corners.
 #include "support/RandomRings.h"
+#include "support/RingRecipes.h"
 
 #include <OrvModel/Triangulate2D.h>
 
@@ -150,6 +154,46 @@ BENCHMARK_SHAPE(spiral);
 BENCHMARK_SHAPE(circle);
 BENCHMARK_SHAPE(winding);
 
+void hostile(benchmark::State &state, const RingRecipe &recipe)
+{
+    Dice dice(1);
+    const int count = static_cast<int>(state.range(0));
+    const Ring ring{"hostile", OrvTest::ringOf(recipe, count, dice)};
+    QVector<int> triangles;
+    for (auto _ : state)
+        triangles = triangulated(ring);
+    if (!triangles.isEmpty() && triangles.size() != 3 * (count - 2))
+        state.SkipWithError("wrong number of triangles");
+    if (count <= MostForTheLoops && triangles != triangulatedByLoops(ring))
+        state.SkipWithError("other triangles than defined");
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+/// Each once: a ring of a million corners takes a second or more.
+void registerHostileRings()
+{
+    for (const RingFamily &family : hostileRings()) {
+        const std::string name = std::string("hostile/") + family.name;
+        benchmark::RegisterBenchmark(name.c_str(), hostile, family.recipe)
+            ->Arg(4096)
+            ->RangeMultiplier(2)
+            ->Range(1 << 16, 1 << 20)
+            ->Iterations(1)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
+/// That a ring cannot be cut is what is measured; a line each time would be, too.
+void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &) {}
+
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char **argv)
+{
+    qInstallMessageHandler(ignoreMessage);
+    registerHostileRings();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -3,6 +3,7 @@
 // their triangles alone would tell little.
 #include "support/Coordinates.h"
 #include "support/Fuzzing.h"
+#include "support/Recipes.h"
 
 #include "support/PlainGeometry.h"
 
@@ -91,10 +92,16 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Input input(data, size);
-    std::vector<std::uint16_t> calls(input.below(48));
+    const unsigned options = input.byte();
+    std::vector<std::uint16_t> calls(options % 48);
     for (std::uint16_t &call : calls)
         call = input.take<std::uint16_t>();
-    Ring ring(takePoints(input, FewestCorners + input.below(MoreCorners)));
+    const int count = FewestCorners + static_cast<int>(input.below(MoreCorners));
+    // Of a byte, one value of four.
+    const bool isByRecipe = options / 48 >= 4;
+    // A recipe may repeat corners, and the search looks at distinct points only.
+    Ring ring(isByRecipe ? takeRingByRecipe(input, 4 * count)
+                         : takePoints(input, static_cast<std::size_t>(count)));
     for (const std::uint16_t call : calls) {
         const int corner = ring.corner(call >> 1);
         if (call & 1u)

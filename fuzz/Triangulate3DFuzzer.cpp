@@ -2,6 +2,7 @@
 // library and by the plain algorithm.
 #include "support/Coordinates.h"
 #include "support/Fuzzing.h"
+#include "support/Recipes.h"
 
 #include "support/MessageCapture.h"
 #include "support/PlainGeometry.h"
@@ -45,10 +46,26 @@ SpaceFace takeFace(Input &input)
     return face;
 }
 
-/// Along an axis, or anything: what is no unit vector has a defined result, too.
-QVector3D takeNormal(Input &input)
+/// A ring by a recipe, in a plane that the input turns in space.
+SpaceFace takeFaceByRecipe(Input &input)
 {
-    switch (input.below(4)) {
+    constexpr int Fewest = 260;
+    const float slopeX = input.take<std::int8_t>();
+    const float slopeY = input.take<std::int8_t>();
+    const int count = Fewest + static_cast<int>(input.below(64));
+    SpaceFace face;
+    for (const QVector2D point : takeRingByRecipe(input, count)) {
+        face.corners.push_back(static_cast<int>(face.corners.size()));
+        const float z = (slopeX * point.x() + slopeY * point.y()) / 32.0f;
+        face.positions.insert(face.positions.end(), {point.x(), point.y(), z});
+    }
+    return face;
+}
+
+/// Along an axis, or anything: what is no unit vector has a defined result, too.
+QVector3D takeNormal(Input &input, unsigned kind)
+{
+    switch (kind) {
     case 0:
         return {0.0f, 0.0f, 1.0f};
     case 1:
@@ -93,8 +110,12 @@ void compare(const SpaceFace &face, const QVector3D *normal, const std::vector<i
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Input input(data, size);
-    const QVector3D given = takeNormal(input);
-    const SpaceFace face = takeFace(input);
+    constexpr unsigned NormalKinds = 4;
+    const unsigned options = input.byte();
+    const QVector3D given = takeNormal(input, options % NormalKinds);
+    // One of eight, since it takes as long as many small faces.
+    const bool isByRecipe = options / NormalKinds % 8 == 7;
+    const SpaceFace face = isByRecipe ? takeFaceByRecipe(input) : takeFace(input);
     const bool isFace = face.corners.size() >= 3;
 
     const OrvTest::MessageCapture capture;

@@ -1,5 +1,6 @@
 #include "RingRecipes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <sstream>
@@ -104,7 +105,7 @@ std::vector<Place> placesOf(const RingRecipe &recipe, int count, Dice &dice)
     return places;
 }
 
-/// One of 0, 1, and powers of ten between `low` and 1.
+/// 0, or anything from ten to the power of `lowestPower` up to 1.
 double anyMagnitude(Dice &dice, int lowestPower)
 {
     return dice.oneIn(4) ? 0.0 : std::pow(10.0, dice.real(lowestPower, 0.0));
@@ -147,6 +148,19 @@ RingRecipe anyRecipe(Dice &dice)
     return recipe;
 }
 
+RingRecipe variationOf(const RingRecipe &recipe, Dice &dice)
+{
+    RingRecipe variation = recipe;
+    variation.bend *= dice.real(0.1, 10.0);
+    variation.noiseX = dice.oneIn(3) ? anyMagnitude(dice, -8) : recipe.noiseX * dice.real(0.0, 2.0);
+    variation.noiseY = dice.oneIn(3) ? anyMagnitude(dice, -8) : recipe.noiseY * dice.real(0.0, 2.0);
+    variation.repeats = dice.oneIn(4) ? 2 : 1;
+    variation.tilt = dice.oneIn(2) ? recipe.tilt : dice.real(0.0, 2.0 * Pi);
+    variation.scale = dice.oneIn(3) ? std::pow(10.0, dice.real(-6.0, 6.0)) : recipe.scale;
+    variation.offset = dice.oneIn(3) ? dice.real(-10.0, 10.0) : recipe.offset;
+    return variation;
+}
+
 std::string written(const RingRecipe &recipe)
 {
     std::ostringstream text;
@@ -181,6 +195,7 @@ const std::vector<RingFamily> &hostileRings()
     static const std::vector<RingFamily> families = {
         {"three points", with(R::Polygon, R::Forward, 1.0, 3)},
         {"four points", with(R::Polygon, R::Forward, 1.0, 4)},
+        {"36 points in random order", with(R::Polygon, R::Shuffled, 1.0, 36)},
         {"97 points", with(R::Polygon, R::Forward, 1.0, 97)},
         {"flat lens", with(R::Lens, R::Forward, 1e-3)},
         {"flatter lens", with(R::Lens, R::Forward, 1e-5)},

@@ -69,6 +69,9 @@ std::vector<QVector2D> ringOf(const RingRecipe &recipe, int count, Dice &dice);
 /// Anything that a recipe can say.
 RingRecipe anyRecipe(Dice &dice);
 
+/// The same shape in the same order: turned, moved, scaled, and with more noise or less.
+RingRecipe variationOf(const RingRecipe &recipe, Dice &dice);
+
 /// For messages.
 std::string written(const RingRecipe &recipe);
 

@@ -1,6 +1,7 @@
 #include "support/MessageCapture.h"
 #include "support/PlainGeometry.h"
 #include "support/RandomRings.h"
+#include "support/RingRecipes.h"
 
 #include <OrvModel/Triangulate2D.h>
 
@@ -21,8 +22,10 @@ constexpr std::uint32_t Seed = 20240917;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int LargeRing = 1200;
+constexpr int MiddleRing = 500;
 #else
 constexpr int LargeRing = 2500;
+constexpr int MiddleRing = 1200;
 #endif
 
 /// What the environment asks for, to test more than there is time for every day.
@@ -69,7 +72,7 @@ bool expectPlainResult(const Ring &ring, bool clockwise)
 }
 
 /// Rings and outcomes by their kind, so that no kind can be always sound or always
-/// degenerate without anybody noticing.
+/// stuck without anybody noticing.
 struct Tally
 {
     int sound = 0;
@@ -137,6 +140,36 @@ TEST(Triangulate2DReference, AgreesOnDegenerateRingsOfManyCorners)
     const int rings = countFrom("ORV_TEST_DEGENERATE_RINGS", 150);
     for (int i = 0; i < rings && !HasFailure(); ++i)
         expectPlainResult(anyRing(dice, dice.between(257, 400)), dice.oneIn(3));
+}
+
+/// Every family as it is, and many rings like it.
+TEST(Triangulate2DReference, AgreesOnHostileFamilies)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    const int variations = countFrom("ORV_TEST_VARIATIONS", 4);
+    for (const RingFamily &family : hostileRings()) {
+        expectPlainResult({family.name, ringOf(family.recipe, MiddleRing, dice)}, false);
+        expectPlainResult({family.name, ringOf(family.recipe, MiddleRing, dice)}, true);
+        for (int i = 0; i < variations && !HasFailure(); ++i) {
+            const RingRecipe recipe = variationOf(family.recipe, dice);
+            const std::string name = std::string(family.name) + ", " + written(recipe);
+            const int count = dice.between(257, 400);
+            expectPlainResult({name, ringOf(recipe, count, dice)}, dice.oneIn(2));
+        }
+    }
+}
+
+TEST(Triangulate2DReference, AgreesOnRingsByAnyRecipe)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    const int rings = countFrom("ORV_TEST_RECIPES", 200);
+    for (int i = 0; i < rings && !HasFailure(); ++i) {
+        const RingRecipe recipe = anyRecipe(dice);
+        const int count = dice.oneIn(10) ? dice.between(257, MiddleRing) : dice.between(257, 400);
+        expectPlainResult({written(recipe), ringOf(recipe, count, dice)}, dice.oneIn(2));
+    }
 }
 
 long long twiceTheArea(const Points &points, int first, int second, int third)
