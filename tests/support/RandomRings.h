@@ -1,5 +1,5 @@
 /// \file
-/// Rings of every shape, degenerate ones too, from a fixed seed.
+/// Rings of every shape, sound and degenerate, from a fixed seed.
 #pragma once
 
 #include <QtGui/QVector2D>
