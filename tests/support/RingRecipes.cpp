@@ -200,6 +200,7 @@ const std::vector<RingFamily> &hostileRings()
         {"flat lens", with(R::Lens, R::Forward, 1e-3)},
         {"flatter lens", with(R::Lens, R::Forward, 1e-5)},
         {"tilted lens", with(R::Lens, R::Forward, 1e-3, 3, 0.0, 0.0, 0.4)},
+        {"lens in random order", with(R::Lens, R::Shuffled, 1e-3)},
         {"line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 0.0, 0.35)},
         {"noisy line", with(R::Line, R::Forward, 1.0, 3, 0.0, 1e-7)},
         {"noisy line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 1e-7)},
@@ -208,9 +209,11 @@ const std::vector<RingFamily> &hostileRings()
         {"half circle chords", with(R::Arc, R::Shuffled, Pi)},
         {"fan", with(R::Fan, R::Forward)},
         {"fan in random order", with(R::Fan, R::Shuffled)},
+        {"fan from outside in", with(R::Fan, R::OutsideIn)},
         {"crossing", with(R::Square, R::Forward)},
         {"random walk", with(R::Walk, R::Forward, 1e-2)},
         {"zigzag", with(R::Zigzag, R::Forward, 1e-3)},
+        {"zigzag from outside in", with(R::Zigzag, R::OutsideIn, 2e-6)},
         {"turns", with(R::Turns, R::Forward, 1.0, 10)},
     };
     return families;

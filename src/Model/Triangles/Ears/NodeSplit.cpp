@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Halvard::Orv {
 
@@ -68,18 +69,27 @@ struct HalvesInRingOrder
 };
 
 /// The lower points along an axis and the higher ones.
+///
+/// The points in the middle are left out of the boxes: where two arcs lie apart, a sample
+/// has some more of the one, and these would make the box of the other as large as both.
 struct HalvesInSpace
 {
     HalvesInSpace(const QVector2D *points, QVector2D direction, Sample sample)
         : axis(points, direction)
     {
-        int *const first = sample.numbers;
-        int *const last = first + sample.count;
-        int *const middle = first + sample.count / 2;
-        std::nth_element(first, middle, last, axis);
+        std::pair<double, int> placed[2 * SampleSize];
+        for (int i = 0; i < sample.count; ++i)
+            placed[i] = {axis.at(sample.numbers[i]), sample.numbers[i]};
+        std::sort(placed, placed + sample.count);
+        for (int i = 0; i < sample.count; ++i)
+            sample.numbers[i] = placed[i].second;
+        const int *const first = sample.numbers;
+        const int *const last = first + sample.count;
+        const int *const middle = first + sample.count / 2;
+        const ptrdiff_t leftOut = sample.count / 8;
         median = *middle;
-        const OrientedBox lower = OrientedBox::around(points, first, middle);
-        const OrientedBox higher = OrientedBox::around(points, middle, last);
+        const OrientedBox lower = OrientedBox::around(points, first, middle - leftOut);
+        const OrientedBox higher = OrientedBox::around(points, middle + leftOut, last);
         size = sizeOf(lower) + sizeOf(higher);
         area = areaOf(lower) + areaOf(higher);
     }

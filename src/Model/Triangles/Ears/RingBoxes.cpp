@@ -81,16 +81,20 @@ int RingBoxes::push(const Node &node, unsigned children, const TriangleWindow &w
                     int count)
 {
     const Float4 distances = window.distances(node.boxes);
-    while (children != 0) {
-        int farthest = -1;
-        for (int child = 0; child < node.childCount; ++child) {
-            if ((children >> child & 1u) != 0 &&
-                (farthest < 0 || distances[child] >= distances[farthest]))
-                farthest = child;
+    int nearest = -1;
+    for (int child = 0; child < node.childCount; ++child) {
+        if ((children >> child & 1u) == 0)
+            continue;
+        if (nearest >= 0 && !(distances[child] < distances[nearest])) {
+            waiting[count++] = node.children[child];
+            continue;
         }
-        children &= ~(1u << farthest);
-        waiting[count++] = node.children[farthest];
+        if (nearest >= 0)
+            waiting[count++] = node.children[nearest];
+        nearest = child;
     }
+    if (nearest >= 0)
+        waiting[count++] = node.children[nearest];
     return count;
 }
 

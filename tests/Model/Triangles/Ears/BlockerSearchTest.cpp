@@ -222,6 +222,35 @@ TEST(RingBoxes, LooksAtFewLeavesOfHostileRings)
     }
 }
 
+/// Corners that go from the one side of a circle to the other: in ring order, every leaf
+/// would be a strip from side to side, and spikes from the centre would meet half of them.
+TEST(RingBoxes, LooksAtFewLeavesForSpikesAcrossHalvesInRingOrder)
+{
+    constexpr double TwoPi = 6.283185307179586;
+    constexpr int Spikes = 200;
+    Dice dice(Seed);
+    RingRecipe recipe;
+    recipe.shape = RingRecipe::Arc;
+    recipe.order = RingRecipe::OutsideIn;
+    recipe.bend = TwoPi;
+    const std::vector<QVector2D> points = ringOf(recipe, 8000, dice);
+    RingBoxes boxes;
+    boxes.build(points);
+    const auto onCircle = [](double angle) {
+        return QVector2D(static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)));
+    };
+    int visits = 0;
+    for (int i = 0; i < Spikes; ++i) {
+        const double angle = TwoPi * i / Spikes;
+        const CornerTriangle spike({0, 0}, onCircle(angle), onCircle(angle + 1e-3));
+        boxes.anyLeaf(spike, TriangleReach(spike), [&](int) {
+            ++visits;
+            return false;
+        });
+    }
+    EXPECT_LT(visits, 12 * Spikes);
+}
+
 /// The shapes that boxes along the axes, in ring order or in space, do badly with.
 TEST(RingBoxes, LooksAtFewLeavesOfRingsOfManyCorners)
 {
