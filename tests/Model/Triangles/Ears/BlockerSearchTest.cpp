@@ -3,6 +3,7 @@
 #include "support/RandomRings.h"
 #include "support/RingRecipes.h"
 
+#include "Triangles/Ears/NodeSplit.h"
 #include "Triangles/Ears/RingBoxes.h"
 
 #include <gtest/gtest.h>
@@ -60,6 +61,31 @@ Ring byAnyRecipe(Dice &dice, int count)
 {
     const RingRecipe recipe = anyRecipe(dice);
     return {written(recipe), ringOf(recipe, count, dice)};
+}
+
+/// The ring goes from the one side to the other and on to the right:
+///
+///     0   2   4   6 ...        1 up
+///       1   3   5              1 down
+///
+/// with 36 corners above and 28 below, so that the median has some from above on both sides.
+TEST(NodeSplit, PartsTwoArcsOfDifferentSize)
+{
+    constexpr int Count = 64;
+    std::vector<QVector2D> points;
+    for (int i = 0; i < Count; ++i) {
+        const bool isAbove = i % 2 == 0 || i % 16 == 15;
+        points.emplace_back(1e-3f * static_cast<float>(i), isAbove ? 1.0f : -1.0f);
+    }
+    std::vector<int> order(Count);
+    std::iota(order.begin(), order.end(), 0);
+    const int *const first = order.data();
+    for (const bool isAcross : {false, true}) {
+        const std::optional<AlongAxis> axis =
+            axisToSplit(points.data(), first, first + Count / 2, first + Count, isAcross);
+        ASSERT_TRUE(axis) << "strips from side to side";
+        EXPECT_GT(std::fabs(axis->at(1) - axis->at(0)), 1.0) << "along, not across";
+    }
 }
 
 TEST(RingBoxes, HasEveryPointOnce)
