@@ -13,5 +13,6 @@ ExitStatus renderCommand(const QStringList &arguments);
 ExitStatus infoCommand(const QStringList &arguments);
 ExitStatus dumpCommand(const QStringList &arguments);
 ExitStatus checkCommand(const QStringList &arguments);
+ExitStatus fixCommand(const QStringList &arguments);
 
 } // namespace Halvard::Orv::Cli

@@ -28,6 +28,7 @@ constexpr Subcommand Subcommands[] = {
     {"info", "say what is in the model", Cli::infoCommand},
     {"dump", "print the model as it lies on the GPU, as JSON", Cli::dumpCommand},
     {"check", "say what in the model will not do what is expected", Cli::checkCommand},
+    {"fix", "write a model that does what the author of this one meant", Cli::fixCommand},
 };
 
 QString usage()

@@ -261,6 +261,10 @@ void FaceCheck::finishIndices(const Attribute &attribute, const char *name)
         tally.severity = FindingSeverity::Hint;
         tally.detail = QStringLiteral("none");
     }
+    // A position that nothing gives cannot be made up.
+    Tally *const tally = _findings.find(Code::IndexSelectsNothing, subject);
+    if (tally && attribute.values > 0 && &attribute != &_v)
+        tally->isFixable = true;
 }
 
 bool FaceCheck::comesAfterFaces(const Attribute &attribute) const

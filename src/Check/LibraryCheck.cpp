@@ -51,6 +51,14 @@ bool isAllZero(const QString &rest)
     return true;
 }
 
+/// Whether a map line can name a path.
+bool isOneWord(const QString &path)
+{
+    return std::none_of(path.cbegin(), path.cend(), [](QChar character) {
+        return character.isSpace() || character == QLatin1Char('#');
+    });
+}
+
 } // namespace
 
 bool LibraryCheck::read(const Reference &reference)
@@ -152,7 +160,7 @@ void LibraryCheck::openSection(const MTLLines &lines)
         _names.addCut(_section.name, full, line, _file);
     if (_section.name.contains(QChar::ReplacementCharacter) &&
         lines.text().transcodedFrom().isNull())
-        tell(Code::Encoding, _section.name, line);
+        tell(Code::Encoding, _section.name, line).isFixable = false; // nobody knows the letters
 }
 
 /// What the loader does at the next "newmtl", and at the end of the file.
@@ -180,8 +188,10 @@ void LibraryCheck::closeSection()
         } else if (_section.opacityLine == 0 && _section.transparency > 0.0f) {
             Tally &tally = tell(Code::OpacityInverted, _section.name, _section.transparencyLine);
             tally.detail = QString::number(double(_section.transparency));
-            if (_section.transparency >= 1.0f)
+            if (_section.transparency >= 1.0f) { // many mean an opacity of 1 by it
                 tally.severity = FindingSeverity::Hint;
+                tally.isFixable = false;
+            }
         }
     }
     _section = {};
@@ -260,17 +270,20 @@ void LibraryCheck::takeMap(const MTLLines &lines)
         break;
     }
     case TextureTrouble::Backslash:
-        tellTexture(Code::TexturePathBackslash, rest);
+        tellTexture(Code::TexturePathBackslash, rest).isFixable = isOneWord(state.found);
         break;
     case TextureTrouble::OtherCase:
-        tellTexture(Code::TexturePathCase, rest);
+        tellTexture(Code::TexturePathCase, rest).isFixable = isOneWord(state.found);
         break;
     case TextureTrouble::Options:
         tellTexture(Code::TextureOptions, rest);
         break;
-    case TextureTrouble::CutAtBlank:
-        tellTexture(Code::NameCutAtBlank, rest).detail = lines.word();
+    case TextureTrouble::CutAtBlank: {
+        Tally &tally = tellTexture(Code::NameCutAtBlank, rest);
+        tally.detail = lines.word();
+        tally.isFixable = tally.isFixable && tally.count > 1; // a material may have that name, too
         break;
+    }
     }
 }
 

@@ -6,6 +6,7 @@ void NameCuts::addCut(const QString &word, const QString &full, qint64 line, int
 {
     const QString simple = full.simplified();
     Tally &tally = _findings.at(Code::NameCutAtBlank, simple, file);
+    tally.isFixable = true;
     if (tally.add(line))
         tally.detail = word;
     const auto known = _cuts.find(word);

@@ -173,6 +173,7 @@ void OBJCheck::checkFirstLine(const OBJLines &lines)
         Tally &tally = _findings.at(Code::Encoding, QStringLiteral("UTF-16"));
         tally.add(1);
         tally.severity = FindingSeverity::Error;
+        tally.isFixable = false;
         tally.detail = QStringLiteral("unmarked");
     }
 }
@@ -324,8 +325,11 @@ void OBJCheck::takeMaterial(OBJLines &lines)
     _isNamedWhole = valueCount(lines.tokens()) < 2;
     if (!_isNamedWhole)
         _names.addCut(name, textBehindKeyword(lines.tokens()), line, 0);
-    if (name.contains(QChar::ReplacementCharacter) && lines.text().transcodedFrom().isNull())
-        _findings.at(Code::Encoding, name).add(line);
+    if (name.contains(QChar::ReplacementCharacter) && lines.text().transcodedFrom().isNull()) {
+        Tally &tally = _findings.at(Code::Encoding, name);
+        tally.add(line);
+        tally.isFixable = false; // nobody knows the letters
+    }
 }
 
 /// Notes that a face uses the selected material. Materials without faces are not kept: a file may

@@ -1,0 +1,110 @@
+#include "CheckReport.h"
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Progress.h"
+
+#include <OrvCheck/ModelCheck.h>
+#include <OrvCheck/ModelRepair.h>
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <new>
+
+namespace Halvard::Orv::Cli {
+
+namespace {
+
+/// One line for each change, as those of orv check.
+QString changeLines(const RepairResult &result, bool isDryRun)
+{
+    QString text;
+    for (const RepairChange &change : result.changes) {
+        QString message = printableText(change.message);
+        if (change.count > 1)
+            message += QStringLiteral(" (%1 times)").arg(change.count);
+        text += QStringLiteral("%1:%2: %3: %4 [%5]\n")
+                    .arg(printableText(change.file), QString::number(change.line),
+                         isDryRun ? QStringLiteral("to fix") : QStringLiteral("fixed"), message,
+                         change.code);
+    }
+    return text;
+}
+
+/// Says what is left, of errors and warnings: nobody has to look at the result to know.
+/// \return whether errors are.
+bool tellLeft(const QString &fileName, bool isDryRun)
+{
+    ModelFindings left;
+    QString reason;
+    CheckOptions options;
+    options.decodeTextures = false;
+    if (checkModel(fileName, left, reason, options) != CheckStatus::Done)
+        return true;
+    const auto matters = [isDryRun](const Finding &finding) {
+        return finding.severity != FindingSeverity::Hint && !(isDryRun && finding.fixable);
+    };
+    QVector<Finding> findings;
+    std::copy_if(left.findings.cbegin(), left.findings.cend(), std::back_inserter(findings),
+                 matters);
+    left.findings = findings;
+    printOut(findingLines(left, 0));
+    return left.has(FindingSeverity::Error);
+}
+
+ExitStatus fix(const QString &fileName, const QString &outputName, bool isDryRun)
+{
+    const Progress progress(QStringLiteral("fixing ") + QFileInfo(fileName).fileName());
+    RepairOptions options;
+    options.dryRun = isDryRun;
+    RepairResult result;
+    QString reason;
+    const RepairStatus status = repairModel(fileName, outputName, result, reason, options);
+    if (status != RepairStatus::Done) {
+        printError(QStringLiteral("Cannot fix '%1': %2.")
+                       .arg(printableText(fileName), printableText(reason)));
+        return CannotRun;
+    }
+    printOut(changeLines(result, isDryRun));
+    return tellLeft(isDryRun ? fileName : outputName, isDryRun) ? FileAtFault : Fine;
+}
+
+/// Where a dry run without an output pretends to write to.
+QString supposedOutput(const QString &fileName)
+{
+    const QFileInfo info(fileName);
+    return info.path() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral("_fixed.obj");
+}
+
+} // namespace
+
+ExitStatus fixCommand(const QStringList &arguments)
+{
+    CommandLine line(
+        QStringLiteral("fix"), QStringLiteral("MODEL -o OUT.obj [options]"),
+        QStringLiteral("Writes a model that does what the author of MODEL meant, with its material "
+                       "library beside it, and says what it changed and what it could not mend. "
+                       "Everything else stays byte by byte as it is."));
+    line.addOption({{QStringLiteral("o"), QStringLiteral("output")},
+                    QStringLiteral("Write the model to this file. Needed but for --dry-run."),
+                    QStringLiteral("FILE")});
+    line.addOption({QStringLiteral("dry-run"),
+                    QStringLiteral("Only say what would be changed, and write nothing.")});
+    if (const auto status = line.parse(arguments))
+        return *status;
+    const bool isDryRun = line.isSet(QStringLiteral("dry-run"));
+    QString output = line.value(QStringLiteral("output"));
+    if (output.isEmpty() && (!isDryRun || line.isSet(QStringLiteral("output"))))
+        return line.wrongUsage(QStringLiteral("The output file has no name: give '-o OUT.obj'."));
+    if (output.isEmpty())
+        output = supposedOutput(line.model());
+    try {
+        return fix(line.model(), output, isDryRun);
+    } catch (const std::bad_alloc &) {
+        printError(QStringLiteral("Cannot fix '%1': there is not enough memory for it.")
+                       .arg(printableText(line.model())));
+        return CannotRun;
+    }
+}
+
+} // namespace Halvard::Orv::Cli

@@ -1,0 +1,91 @@
+/// \file
+/// Mends a model file, so that the loader makes of it what its author meant.
+#pragma once
+
+#include <OrvCheck/OrvCheckExport.h>
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVector>
+
+#include <functional>
+
+namespace Halvard::Orv {
+
+/// One kind of change: all its occurrences together.
+///
+/// Texts are as those of a Finding: names from the file stand in them as they are.
+struct RepairChange
+{
+    QString code;     ///< Of the finding that it mends, or "library-copied".
+    QString file;     ///< The input file that it is about: the model, or a library that it names.
+    qint64 line = 0;  ///< Of the first occurrence in that file, counted from 1.
+    qint64 count = 0; ///< Number of occurrences: lines, faces or values.
+    QString subject;  ///< As the finding's.
+    QString message;  ///< What is done at the first occurrence, in one sentence without a stop.
+};
+
+/// How a repair is done.
+struct RepairOptions
+{
+    /// Tells what would be changed, and writes nothing.
+    bool dryRun = false;
+    /// Called on the calling thread with the fraction of the work that is done, in [0, 1], never
+    /// falling; false stops the work, and nothing is written then. May be null.
+    std::function<bool(double fraction)> progress;
+};
+
+/// How a repair ended.
+enum class RepairStatus
+{
+    Done,
+    Unreadable, ///< The model cannot be read to its end.
+    Unwritable, ///< An output cannot be written, or is one of the inputs.
+    Stopped     ///< `progress` returned false.
+};
+
+/// What a repair did.
+struct RepairResult
+{
+    /// Sorted by file (the model's own first, then libraries as they are loaded), line and code.
+    QVector<RepairChange> changes;
+    /// What was written: the model first, then libraries. With RepairOptions::dryRun, what would
+    /// be written.
+    QStringList written;
+};
+
+/// Writes a model that does what the author of `fileName` meant, with its library beside it.
+///
+/// It works from text to text: every byte that no repair is about is as it was, and a model that
+/// needs no repair comes out identical. What it writes it leaves unchanged another time. These
+/// findings of checkModel() it mends: those that say `fixable`.
+///
+///     before                          after
+///     mtllib a.mtl                    mtllib OUT.mtl
+///     v 0,5 0 0                       v 0.5 0 0
+///     vn 0 0 1                        vn 0 0 1
+///     usemtl red paint                usemtl red_paint
+///     f 1//1 2 \                      f 1//1 2//2 3//2
+///       3
+///
+/// A library stays where it is, and the model goes on naming it, as long as it lies in the folder
+/// of the output and needs no change. Otherwise a copy of it is written beside the output, under
+/// its own name in another folder and under the output's name with the suffix "mtl" in the
+/// same one; a number is added where that is the name of an input. Paths of textures in a copy
+/// lead to where the textures lie; textures are not copied.
+///
+/// Either all outputs are written or none, and none by halves; an older file of an output's name
+/// is replaced. Inputs are never written to.
+///
+/// \param outputName the OBJ file to write. Not read in a dry run, but names libraries there, too.
+/// \param result assigned when the status is Done.
+/// \param reason a sentence without a full stop, assigned when the status is Unreadable or
+///        Unwritable.
+/// Any file ends in one of the four ways; std::bad_alloc where memory ends. Memory is in
+/// proportion to the number of values in the file, of libraries to their size. Safe on any thread.
+/// Needs no OpenGL.
+ORVCHECK_EXPORT RepairStatus repairModel(const QString &fileName, const QString &outputName,
+                                         RepairResult &result, QString &reason,
+                                         const RepairOptions &options = {});
+
+} // namespace Halvard::Orv

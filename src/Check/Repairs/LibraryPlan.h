@@ -1,0 +1,104 @@
+/// \file
+/// The libraries of a model: which files they are, what is written of them, and how the model
+/// names them from now on.
+#pragma once
+
+#include "Repairs/LibraryRepair.h"
+#include "Repairs/MaterialNames.h"
+#include "Repairs/OBJRewrite.h"
+#include "Repairs/OBJSurvey.h"
+#include "Repairs/RepairLog.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QSet>
+#include <QtCore/QString>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Halvard::Orv::Checking {
+
+class LibraryPlan
+{
+public:
+    /// A library to write.
+    struct Output
+    {
+        QString path;
+        std::string text;
+    };
+
+    /// \param fileName the model. \param outputName where it goes.
+    /// \param file number of the model in the log.
+    LibraryPlan(const QString &fileName, const QString &outputName, const OBJSurvey &survey,
+                const MendedText &source, RepairLog &log, int file);
+
+    /// Finds the libraries, and settles everything.
+    void make();
+
+    const MaterialNames &names() const { return _names; }
+    const LibraryLines &lines() const { return _lines; }
+    const std::vector<Output> &outputs() const { return _outputs; }
+    /// Whether a path leads to the model or to one of its libraries.
+    bool isInput(const QString &path) const;
+
+private:
+    /// A name of a library in the model.
+    struct Reference
+    {
+        qint64 line;
+        int library;
+        QString written;
+        QString name;   ///< For the same file; another than `written` where that is wrong.
+        QString target; ///< Name in the output.
+    };
+
+    struct Library
+    {
+        std::unique_ptr<LibraryRepair> repair;
+        QStringList definitions; ///< To add.
+        QString output;          ///< Path to write to; null where it stays where it is.
+    };
+
+    void findLibraries();
+    void findOnLine(const LibraryLine &line);
+    bool addReference(qint64 line, const QString &written, const QString &name);
+    QString meant(const QString &name);
+    void settleNames();
+    void settleMaterials();
+    int libraryOf(const QString &material) const;
+    void settleOutputs();
+    void mendLibrary(int number);
+    bool takeOwnName(int number, const Reference &reference);
+    void takeOutputName(int number);
+    void addDefinitions(const QStringList &definitions);
+    std::string textFor(int number, const QString &path, RepairLog &log);
+    QString freeOutput();
+    void settleLines();
+    QString pathOf(const QString &name) const;
+    QString shown(const QString &name) const;
+    void tell(Code code, qint64 line, const QString &subject, const QString &message);
+
+    const QString _fileName;
+    const QString _outputName;
+    const OBJSurvey &_survey;
+    const MendedText &_source;
+    RepairLog &_log;
+    const int _file;
+    const QDir _directory;       // of the model
+    const QDir _outputDirectory; // of the output
+    bool _staysInPlace;          // both are one
+    MaterialNames _names;
+    LibraryLines _lines;
+    std::vector<Library> _libraries;
+    std::vector<Reference> _references;
+    QHash<QString, int> _numbers; // of libraries, by canonical path
+    QHash<QString, int> _owners;  // first reference that defines a material
+    QSet<qint64> _late;           // lines of references that move
+    std::vector<Output> _outputs;
+    QString _newLibrary; // name of one made for definitions alone
+    int _searches = 0;
+};
+
+} // namespace Halvard::Orv::Checking

@@ -1,0 +1,49 @@
+#include "Repairs/RepairLog.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace Halvard::Orv::Checking {
+
+int RepairLog::file(const QString &name)
+{
+    const int known = _files.indexOf(name);
+    if (known >= 0)
+        return known;
+    _files.append(name);
+    return _files.size() - 1;
+}
+
+void RepairLog::add(QLatin1String code, int file, qint64 line, const QString &subject,
+                    const QString &message)
+{
+    ++_count;
+    const auto key = qMakePair(QString(code), qMakePair(file, subject));
+    const auto known = _numbers.constFind(key);
+    if (known == _numbers.constEnd()) {
+        _numbers.insert(key, _entries.size());
+        _entries.append({{code, _files.at(file), line, 1, subject, message}, file});
+        return;
+    }
+    RepairChange &change = _entries[*known].change;
+    ++change.count;
+    if (line < change.line) {
+        change.line = line;
+        change.message = message;
+    }
+}
+
+QVector<RepairChange> RepairLog::changes() const
+{
+    QVector<Entry> sorted = _entries;
+    std::sort(sorted.begin(), sorted.end(), [](const Entry &a, const Entry &b) {
+        return std::tie(a.file, a.change.line, a.change.code, a.change.subject) <
+               std::tie(b.file, b.change.line, b.change.code, b.change.subject);
+    });
+    QVector<RepairChange> changes;
+    for (const Entry &entry : sorted)
+        changes.append(entry.change);
+    return changes;
+}
+
+} // namespace Halvard::Orv::Checking
