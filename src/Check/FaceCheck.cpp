@@ -309,8 +309,10 @@ void FaceCheck::finishTexCoords()
     const auto wantsThem = [](const Material &material) {
         return material.hasMap && material.lacksTexCoords && material.drawnFaces > 0;
     };
-    if (std::none_of(_materials.all().cbegin(), _materials.all().cend(), wantsThem))
+    if (std::none_of(_materials.all().cbegin(), _materials.all().cend(), wantsThem)) {
         tally.severity = FindingSeverity::Hint;
+        tally.isFixable = false; // it would be work for nothing
+    }
 }
 
 void FaceCheck::countUnused()

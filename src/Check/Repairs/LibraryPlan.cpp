@@ -188,6 +188,8 @@ void LibraryPlan::settleNames()
             const QString name = _names.ofDefinition(written);
             if (!_owners.contains(name))
                 _owners.insert(name, static_cast<int>(i));
+            if (_libraries[library].repair->textured().contains(written))
+                _textured.insert(name);
         }
     }
 }
@@ -202,6 +204,7 @@ void LibraryPlan::settleMaterials()
         const QString name = _names.ofUse(use.written);
         if (use.firstFace == 0 || name == DefaultMaterial)
             continue;
+        _wantsTexCoords = _wantsTexCoords || (use.lacksTexCoords && _textured.contains(name));
         const auto owner = _owners.constFind(name);
         if (owner != _owners.constEnd()) {
             isLate = isLate || _references[static_cast<size_t>(*owner)].line > use.firstFace;

@@ -5,13 +5,15 @@
 
 #include "Repairs/LibraryRepair.h"
 #include "Repairs/MaterialNames.h"
-#include "Repairs/OBJRewrite.h"
+#include "Repairs/MendedText.h"
 #include "Repairs/OBJSurvey.h"
 #include "Repairs/RepairLog.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QHash>
 #include <QtCore/QSet>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <string>
@@ -19,6 +21,23 @@
 
 namespace Halvard::Orv::Checking {
 
+/// What becomes of the "mtllib" lines.
+struct LibraryLines
+{
+    /// What stands in place of one of them.
+    struct Rewrite
+    {
+        bool isComment = false; ///< The line stays, as a comment.
+        bool isRemoved = false;
+        QStringList names;   ///< To load, one in a line each.
+        QStringList missing; ///< To name in comments behind them.
+    };
+
+    QHash<qint64, Rewrite> rewrites; ///< By line; lines that are not in it stay.
+    QStringList early;               ///< Names to load before the first face, in order.
+};
+
+/// Finds the libraries that a model names, and settles what becomes of them.
 class LibraryPlan
 {
 public:
@@ -40,6 +59,8 @@ public:
     const MaterialNames &names() const { return _names; }
     const LibraryLines &lines() const { return _lines; }
     const std::vector<Output> &outputs() const { return _outputs; }
+    /// Whether a face with a texture has a corner without a texture coordinate.
+    bool wantsTexCoords() const { return _wantsTexCoords; }
     /// Whether a path leads to the model or to one of its libraries.
     bool isInput(const QString &path) const;
 
@@ -95,9 +116,11 @@ private:
     std::vector<Reference> _references;
     QHash<QString, int> _numbers; // of libraries, by canonical path
     QHash<QString, int> _owners;  // first reference that defines a material
+    QSet<QString> _textured;      // names of materials
     QSet<qint64> _late;           // lines of references that move
     std::vector<Output> _outputs;
     QString _newLibrary; // name of one made for definitions alone
+    bool _wantsTexCoords = false;
     int _searches = 0;
 };
 

@@ -106,6 +106,8 @@ bool LibraryRepair::readNames()
             _names.append(lines.rest().simplified());
         } else if (lines.type() == MTLReader::LINE_D && lines.isRead()) {
             hasOpacity = true;
+        } else if (isMap(lines.type()) && lines.isRead() && hasSection) {
+            _textured.insert(_names.last());
         } else if (lines.hasContent() && lines.keyword() == QLatin1String("Tr")) {
             transparencyLine = lines.line().number;
             opacity = opacityFor(lines);

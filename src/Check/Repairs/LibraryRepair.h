@@ -10,6 +10,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -39,6 +40,8 @@ public:
     bool readNames();
     /// As written, one for each "newmtl" line, in order.
     const QStringList &names() const { return _names; }
+    /// Those of them whose section has a texture.
+    const QSet<QString> &textured() const { return _textured; }
 
     /// Lines that define a material in the default material's colours.
     static QString definition(const QString &name);
@@ -69,6 +72,7 @@ private:
     const QString _path;
     const QString _shown;
     QStringList _names;
+    QSet<QString> _textured;
     QHash<qint64, QString> _opacities; // for "Tr" lines, by number
     TextureProbe _textures{false};
 

@@ -254,7 +254,7 @@ void Repair::write(const LibraryPlan &plan, const FaceNormals &normals)
     } else {
         TextSink sink(model);
         pass(3, nullptr, [&](OBJLines &lines, const MendedText &text) {
-            OBJRewrite rewrite(_survey, normals, plan.lines(), plan.names(), _log, _number, sink);
+            OBJRewrite rewrite(_survey, normals, plan, _log, _number, sink);
             rewrite.write(lines, text);
         });
         sink.flush();
@@ -270,7 +270,9 @@ void Repair::write(const LibraryPlan &plan, const FaceNormals &normals)
         QSaveFile *const file = outputs.open(output.path);
         if (!file)
             throw Ending{RepairStatus::Unwritable, outputs.reason()};
-        TextSink(file).write(output.text.data(), output.text.size());
+        TextSink sink(file);
+        sink.write(output.text.data(), output.text.size());
+        sink.flush();
     }
     if (!_options.dryRun && !outputs.commit())
         throw Ending{RepairStatus::Unwritable, outputs.reason()};

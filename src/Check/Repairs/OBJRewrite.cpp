@@ -26,14 +26,18 @@ bool beginsLate(const AttributeSurvey &attribute)
 
 } // namespace
 
-OBJRewrite::OBJRewrite(const OBJSurvey &survey, const FaceNormals &normals,
-                       const LibraryLines &libraries, const MaterialNames &names, RepairLog &log,
-                       int file, TextSink &sink)
-    : _survey(survey), _normals(normals), _libraries(libraries), _names(names), _log(log),
-      _file(file), _sink(sink), _v{"v", survey.v, beginsLate(survey.v), false, 0},
+OBJRewrite::OBJRewrite(const OBJSurvey &survey, const FaceNormals &normals, const LibraryPlan &plan,
+                       RepairLog &log, int file, TextSink &sink)
+    : _survey(survey), _normals(normals), _libraries(plan.lines()),
+      _wantsTexCoords(plan.wantsTexCoords()), _names(plan.names()), _log(log), _file(file),
+      _sink(sink), _v{"v", survey.v, beginsLate(survey.v), false, 0},
       _vn{"vn", survey.vn, beginsLate(survey.vn) && !isUnusedNormal(survey), isUnusedNormal(survey),
           static_cast<qint64>(normals.lines().size())},
-      _vt{"vt", survey.vt, beginsLate(survey.vt), false, survey.vt.isIncomplete() ? 1 : 0}
+      _vt{"vt", survey.vt, beginsLate(survey.vt), false,
+          survey.vt.selecting > 0 &&
+                  (survey.vt.selectsNothing() || (_wantsTexCoords && survey.vt.absent > 0))
+              ? 1
+              : 0}
 {}
 
 void OBJRewrite::write(OBJLines &lines, const MendedText &source)
@@ -239,9 +243,8 @@ void OBJRewrite::takeFace(OBJLines &lines)
     const bool isFace = corners.size() >= FewestCorners;
     const bool wantsNormals = _normals.isWanted(corners);
     const bool wantsTexCoords =
-        isFace && _vt.added > 0 &&
-        std::any_of(corners.cbegin(), corners.cend(),
-                    [this](const Corner &corner) { return !_survey.vt.has(corner.vt); });
+        isFace && std::any_of(corners.cbegin(), corners.cend(),
+                              [this](const Corner &corner) { return wantsTexCoord(corner); });
     const bool isTurned = splitsWrongly(corners);
     const bool isShifted = shiftAt(_v) > 0 || shiftAt(_vn) > 0 || shiftAt(_vt) > 0;
     if (!wantsNormals && !wantsTexCoords && !isTurned && !isShifted)
@@ -260,6 +263,12 @@ void OBJRewrite::takeFace(OBJLines &lines)
             std::memcmp(token.begin, _corners[i].constData(), token.size()) != 0)
             _edits.replace(token.begin, token.end, _corners[i]);
     }
+}
+
+bool OBJRewrite::wantsTexCoord(const Corner &corner) const
+{
+    return _vt.added > 0 && !_survey.vt.has(corner.vt) &&
+           (_wantsTexCoords || corner.vt != Corner::Absent);
 }
 
 /// Whether a quad's diagonal leaves it, and would not if it began with another corner. Told of

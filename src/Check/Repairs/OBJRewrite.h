@@ -4,6 +4,7 @@
 
 #include "FaceShapes.h"
 #include "Repairs/FaceNormals.h"
+#include "Repairs/LibraryPlan.h"
 #include "Repairs/MaterialNames.h"
 #include "Repairs/MendedText.h"
 #include "Repairs/OBJSurvey.h"
@@ -17,28 +18,12 @@
 
 namespace Halvard::Orv::Checking {
 
-/// What becomes of the "mtllib" lines.
-struct LibraryLines
-{
-    /// What stands in place of one of them.
-    struct Rewrite
-    {
-        bool isComment = false; ///< The line stays, as a comment.
-        bool isRemoved = false;
-        QStringList names;   ///< To load, one in a line each.
-        QStringList missing; ///< To name in comments behind them.
-    };
-
-    QHash<qint64, Rewrite> rewrites; ///< By line; lines that are not in it stay.
-    QStringList early;               ///< Names to load before the first face, in order.
-};
-
 class OBJRewrite
 {
 public:
     /// \param source what `lines` reads.
-    OBJRewrite(const OBJSurvey &survey, const FaceNormals &normals, const LibraryLines &libraries,
-               const MaterialNames &names, RepairLog &log, int file, TextSink &sink);
+    OBJRewrite(const OBJSurvey &survey, const FaceNormals &normals, const LibraryPlan &plan,
+               RepairLog &log, int file, TextSink &sink);
 
     void write(OBJLines &lines, const MendedText &source);
 
@@ -60,6 +45,7 @@ private:
     void takeMaterial();
     void takeFace(OBJLines &lines);
     bool splitsWrongly(const std::vector<Corner> &corners);
+    bool wantsTexCoord(const Corner &corner) const;
     QByteArray rewritten(const Token &token, const Corner &corner, int normal);
     QByteArray shifted(const Attribute &attribute, const char *begin, const char *end, int index);
     qint64 shiftAt(const Attribute &attribute) const;
@@ -70,6 +56,7 @@ private:
     const OBJSurvey &_survey;
     const FaceNormals &_normals;
     const LibraryLines &_libraries;
+    const bool _wantsTexCoords; // where a corner has none
     const MaterialNames &_names;
     RepairLog &_log;
     const int _file;

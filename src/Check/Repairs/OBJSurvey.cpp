@@ -121,6 +121,8 @@ void OBJSurvey::takeFace(OBJLines &lines)
     for (const Corner &corner : read) {
         countIndex(vn, corner.vn);
         countIndex(vt, corner.vt);
+        if (corner.vt == Corner::Absent && _material >= 0)
+            materials[static_cast<size_t>(_material)].lacksTexCoords = true;
     }
 }
 
@@ -136,7 +138,7 @@ void OBJSurvey::takeMaterial(const OBJLines &lines)
     }
     _material = static_cast<int>(materials.size());
     _numbers.insert(written, _material);
-    materials.push_back({written, lines.line().number, 0});
+    materials.push_back({written, lines.line().number, 0, false});
 }
 
 } // namespace Halvard::Orv::Checking

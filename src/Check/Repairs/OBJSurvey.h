@@ -31,11 +31,15 @@ struct AttributeSurvey
     bool hasNegativeIndex = false; ///< After it is resolved.
     /// @}
 
+    /// Whether a corner selects a value that is not there.
+    bool selectsNothing() const
+    {
+        return values > 0 && (hasNegativeIndex || largestIndex >= values);
+    }
     /// Whether a corner lacks a value that others have.
     bool isIncomplete() const
     {
-        return selecting > 0 && values > 0 &&
-               (absent > 0 || hasNegativeIndex || largestIndex >= values);
+        return selecting > 0 && values > 0 && (absent > 0 || selectsNothing());
     }
     bool has(int index) const { return index >= 0 && index < values; }
 };
@@ -53,7 +57,8 @@ struct MaterialUse
 {
     QString written;
     qint64 firstLine = 0;
-    qint64 firstFace = 0; ///< Line of the first face with it; 0 where there is none.
+    qint64 firstFace = 0;        ///< Line of the first face with it; 0 where there is none.
+    bool lacksTexCoords = false; ///< Of a corner of its faces, at least.
 };
 
 struct OBJSurvey
