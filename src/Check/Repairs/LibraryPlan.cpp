@@ -241,10 +241,11 @@ void LibraryPlan::addDefinitions(const QStringList &definitions)
     }
     Output output;
     output.path = freeOutput();
+    constexpr int MibUTF8 = 106;
+    if (QTextCodec::codecForLocale()->mibEnum() != MibUTF8)
+        output.text = "\xEF\xBB\xBF"; // otherwise it is read in the locale's encoding
     for (const QString &name : definitions)
-        output.text += QTextCodec::codecForLocale()
-                           ->fromUnicode(LibraryRepair::definition(name))
-                           .toStdString();
+        output.text += LibraryRepair::definition(name).toStdString();
     _newLibrary = QFileInfo(output.path).fileName();
     _outputs.push_back(std::move(output));
 }

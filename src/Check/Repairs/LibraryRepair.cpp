@@ -133,11 +133,8 @@ bool LibraryRepair::mend(const MaterialNames &names, const Wishes &wishes, Repai
     TextSink sink(text);
     text.clear();
     bool isOpen = false;
-    bool isFirst = true;
+    sink.write("\xEF\xBB\xBF", static_cast<size_t>(lines.text().markBytes()));
     while (lines.next()) {
-        if (isFirst)
-            sink.write("\xEF\xBB\xBF", static_cast<size_t>(lines.text().markBytes()));
-        isFirst = false;
         isOpen = lines.line().isOpen();
         _line = source.sourceLine(lines.line().number);
         _edits.clear();
@@ -197,7 +194,7 @@ void LibraryRepair::mendTexture(const MTLLines &lines)
     QString path = rest;
     TextureState state = _textures.look(_directory, lines.word(), rest);
     if (state.trouble == TextureTrouble::Options) {
-        path = state.found;
+        path = withoutMapOptions(rest.simplified());
         tell(Code::TextureOptions, rest, QStringLiteral("options of the texture removed"));
         if (path.isEmpty()) { // without a path nothing is left to read
             _edits.replace(lines.line().begin, lines.line().begin, "# ");

@@ -43,11 +43,8 @@ OBJRewrite::OBJRewrite(const OBJSurvey &survey, const FaceNormals &normals, cons
 void OBJRewrite::write(OBJLines &lines, const MendedText &source)
 {
     _lines = &lines;
-    bool isFirst = true;
+    _sink.write("\xEF\xBB\xBF", static_cast<size_t>(lines.text().markBytes()));
     while (lines.next()) {
-        if (isFirst)
-            _sink.write("\xEF\xBB\xBF", static_cast<size_t>(lines.text().markBytes()));
-        isFirst = false;
         _number = lines.line().number;
         _sourceLine = source.sourceLine(_number);
         takeLine(lines);

@@ -94,9 +94,10 @@ int expectPromises(const char *folder)
         Halvard::Orv::checkModel(output, left, reason);
         // Every face is drawn that has three corners and an area, and can be triangulated.
         for (const Halvard::Orv::Finding &finding : left.findings) {
-            if (finding.faces > 0)
-                EXPECT_EQ(finding.code, QStringLiteral("face-not-triangulable"))
-                    << file.toStdString() << ": " << finding.message.toStdString();
+            if (finding.faces == 0)
+                continue;
+            EXPECT_EQ(finding.code, QStringLiteral("face-not-triangulable"))
+                << file.toStdString() << ": " << finding.message.toStdString();
         }
         ++models;
     }

@@ -53,6 +53,20 @@ bool isFixable(const Finding &finding)
     return finding.fixable;
 }
 
+/// Whether positions are mended: a face that was drawn with wrong ones may be none with the right
+/// ones.
+bool hasOtherPositions(const ModelFindings &findings)
+{
+    return std::any_of(
+        findings.findings.cbegin(), findings.findings.cend(), [](const Finding &finding) {
+            const bool isOfPositions = finding.subject == QLatin1String("v");
+            return finding.code == QLatin1String("carriage-returns") ||
+                   (isOfPositions && (finding.code == QLatin1String("attribute-begins-late") ||
+                                      finding.code == QLatin1String("number-decimal-comma") ||
+                                      finding.code == QLatin1String("line-continued")));
+        });
+}
+
 class Promises
 {
 public:
@@ -75,7 +89,7 @@ public:
         const ModelFindings after = findingsOf(_output);
         for (const Finding &finding : after.findings)
             expect(!finding.fixable, "fixable is left: " + described(finding));
-        expect(after.facesDrawn >= before.facesDrawn,
+        expect(after.facesDrawn >= before.facesDrawn || hasOtherPositions(before),
                "faces drawn before: " + std::to_string(before.facesDrawn) +
                    ", after: " + std::to_string(after.facesDrawn));
         expect(after.faces >= before.faces, "faces are gone");
