@@ -1,6 +1,7 @@
 #include "CheckReport.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "FixReport.h"
 #include "Progress.h"
 
 #include <OrvCheck/ModelCheck.h>
@@ -14,22 +15,6 @@
 namespace Halvard::Orv::Cli {
 
 namespace {
-
-/// One line for each change, as those of orv check.
-QString changeLines(const RepairResult &result, bool isDryRun)
-{
-    QString text;
-    for (const RepairChange &change : result.changes) {
-        QString message = printableText(change.message);
-        if (change.count > 1)
-            message += QStringLiteral(" (%1 times)").arg(change.count);
-        text += QStringLiteral("%1:%2: %3: %4 [%5]\n")
-                    .arg(printableText(change.file), QString::number(change.line),
-                         isDryRun ? QStringLiteral("to fix") : QStringLiteral("fixed"), message,
-                         change.code);
-    }
-    return text;
-}
 
 /// Says what is left, of errors and warnings: nobody has to look at the result to know.
 /// \return whether errors are.

@@ -22,7 +22,7 @@ struct RepairChange
     qint64 line = 0;  ///< Of the first occurrence in that file, counted from 1.
     qint64 count = 0; ///< Number of occurrences: lines, faces or values.
     QString subject;  ///< As the finding's.
-    QString message;  ///< What is done at the first occurrence, in one sentence without a stop.
+    QString message;  ///< What is done at the first occurrence, in one sentence.
 };
 
 /// How a repair is done.

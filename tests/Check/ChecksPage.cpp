@@ -36,6 +36,10 @@ void takeBox(CheckExample &example, const QStringList &words, const QByteArray &
     const QString kind = words.value(0);
     if (kind == QLatin1String("findings")) {
         example.findings = QString::fromUtf8(contents);
+    } else if (kind == QLatin1String("changes")) {
+        example.changes = QString::fromUtf8(contents);
+    } else if (kind == QLatin1String("fixed")) {
+        example.fixed.push_back({words.value(1), contents, false});
     } else if (kind == QLatin1String("image")) {
         example.files.push_back({words.value(1), {}, true});
     } else if (kind == QLatin1String("obj") || kind == QLatin1String("mtl") ||

@@ -23,6 +23,8 @@ struct CheckExample
     QString code;
     std::vector<ExampleFile> files; ///< Empty where no small file shows it.
     QString findings;               ///< What `orv check model.obj` prints.
+    QString changes;                ///< What `orv fix model.obj -o fixed.obj` says it changes.
+    std::vector<ExampleFile> fixed; ///< What that writes; empty where it changes nothing.
 
     /// Writes the files into a directory.
     void write(const QString &directory) const;

@@ -104,7 +104,7 @@ void LibraryPlan::findOnLine(const LibraryLine &line)
                            addReference(line.line, line.full, line.full);
     if (isOneFile) {
         tell(Code::NameCutAtBlank, line.line, line.full,
-             QStringLiteral("library '%1' gets a name without blanks").arg(line.full));
+             QStringLiteral("The library %1 gets a name without blanks.").arg(quoted(line.full)));
     } else {
         for (const QString &name : line.names) {
             if (addReference(line.line, name, name))
@@ -112,22 +112,22 @@ void LibraryPlan::findOnLine(const LibraryLine &line)
             const QString found = meant(name);
             if (!found.isNull() && addReference(line.line, name, found)) {
                 tell(Code::LibraryMissing, line.line, name,
-                     QStringLiteral("library '%1' becomes '%2'").arg(name, found));
+                     QStringLiteral("The library %1 becomes %2.").arg(quoted(name), quoted(found)));
                 continue;
             }
             rewrite.missing.append(name);
             if (_references.size() == before)
                 tell(Code::LibraryMissing, line.line, name,
-                     QStringLiteral("library '%1' is not there: its name becomes a comment")
-                         .arg(name));
+                     QStringLiteral("The library %1 is not there: its name becomes a comment.")
+                         .arg(quoted(name)));
         }
         if (line.names.size() > 1)
             tell(Code::LibraryFurtherNames, line.line, line.full,
-                 QStringLiteral("libraries get lines of their own"));
+                 QStringLiteral("Each library gets a line of its own."));
     }
     if (line.names.isEmpty())
         tell(Code::LibraryMissing, line.line, {},
-             QStringLiteral("line without a library turned into a comment"));
+             QStringLiteral("The line names no library, and becomes a comment."));
     rewrite.isComment = _references.size() == before;
     if (rewrite.isComment || line.names.size() > 1)
         _lines.rewrites.insert(line.line, rewrite);
@@ -212,8 +212,8 @@ void LibraryPlan::settleMaterials()
             defined.insert(name);
             definitions.append(name);
             tell(Code::MaterialUndefined, use.firstLine, name,
-                 QStringLiteral("material '%1' defined, in the default material's colours")
-                     .arg(name));
+                 QStringLiteral("The material %1 is defined, in the default material's colours.")
+                     .arg(quoted(name)));
         }
     }
     // All that come behind the first face move, so that their order stays: of two definitions of
@@ -222,7 +222,8 @@ void LibraryPlan::settleMaterials()
         if (isLate && reference.line > _survey.firstMaterialLine) {
             _late.insert(reference.line);
             tell(Code::LibraryLate, reference.line, reference.written,
-                 QStringLiteral("library '%1' moved before the first face").arg(reference.written));
+                 QStringLiteral("The library %1 moves before the first face.")
+                     .arg(quoted(reference.written)));
         }
     }
     addDefinitions(definitions);
@@ -288,7 +289,7 @@ void LibraryPlan::mendLibrary(int number)
     _outputs.push_back(std::move(output));
     if (!isChanged)
         _log.add(Copied, _log.file(library.repair->shown()), 1, {},
-                 QStringLiteral("library copied to '%1'").arg(library.output));
+                 QStringLiteral("The library is copied to %1.").arg(quoted(library.output)));
 }
 
 /// Keeps the name of a library in another folder.

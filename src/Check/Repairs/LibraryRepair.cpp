@@ -181,10 +181,11 @@ void LibraryRepair::mendName(const MTLLines &lines, const MaterialNames &names)
         return;
     replaceRest(lines, name);
     if (written.isEmpty())
-        tell(Code::MaterialEmptyName, {}, QStringLiteral("material named '%1'").arg(name));
+        tell(Code::MaterialEmptyName, {},
+             QStringLiteral("The material gets the name %1.").arg(quoted(name)));
     else
         tell(Code::NameCutAtBlank, written,
-             QStringLiteral("material '%1' renamed '%2'").arg(written, name));
+             QStringLiteral("The material %1 is renamed %2.").arg(quoted(written), quoted(name)));
 }
 
 /// Puts the path right that the loader reads, and leads it to another directory.
@@ -195,7 +196,7 @@ void LibraryRepair::mendTexture(const MTLLines &lines)
     TextureState state = _textures.look(_directory, lines.word(), rest);
     if (state.trouble == TextureTrouble::Options) {
         path = withoutMapOptions(rest.simplified());
-        tell(Code::TextureOptions, rest, QStringLiteral("options of the texture removed"));
+        tell(Code::TextureOptions, rest, QStringLiteral("The options of the texture are removed."));
         if (path.isEmpty()) { // without a path nothing is left to read
             _edits.replace(lines.line().begin, lines.line().begin, "# ");
             return;
@@ -205,7 +206,7 @@ void LibraryRepair::mendTexture(const MTLLines &lines)
     const bool isBackslash = state.trouble == TextureTrouble::Backslash;
     if ((isBackslash || state.trouble == TextureTrouble::OtherCase) && isOneWord(state.found)) {
         tell(isBackslash ? Code::TexturePathBackslash : Code::TexturePathCase, rest,
-             QStringLiteral("texture '%1' becomes '%2'").arg(path, state.found));
+             QStringLiteral("The texture %1 becomes %2.").arg(quoted(path), quoted(state.found)));
         path = state.found;
     }
     if (!_newDirectory.isNull() && QDir::isRelativePath(path) && !isDrivePath(path)) {
@@ -241,7 +242,9 @@ void LibraryRepair::mendTransparency(const MTLLines &lines)
     _edits.replace(keyword.begin, keyword.end, "d");
     _edits.replace(rest.begin, std::min(lines.tokens()[1].end, rest.end), opacity.toLatin1());
     tell(Code::OpacityInverted, {},
-         QStringLiteral("'Tr %1' becomes 'd %2'").arg(lines.rest(), opacity));
+         QStringLiteral("%1 becomes %2.")
+             .arg(quoted(QLatin1String("Tr ") + lines.rest()),
+                  quoted(QLatin1String("d ") + opacity)));
 }
 
 } // namespace Halvard::Orv::Checking

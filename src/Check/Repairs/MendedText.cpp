@@ -107,7 +107,7 @@ void MendedText::begin()
         _ready.append(Mark, static_cast<int>(_lines->markBytes()));
         return;
     }
-    tell(Code::Encoding, 1, QString::fromLatin1(from), "turned into UTF-8");
+    tell(Code::Encoding, 1, QString::fromLatin1(from), "The text is turned into UTF-8.");
     _isChanged = true;
     // Without a mark the loader takes the text for one in the locale's encoding.
     if (QTextCodec::codecForLocale()->mibEnum() != MibUTF8)
@@ -128,7 +128,7 @@ void MendedText::takeLine(const TextLine &line)
 void MendedText::takePieces(const TextLine &line)
 {
     static const char Feed[] = "\n";
-    tell(Code::CarriageReturns, _sourceLine + 1, {}, "carriage returns turned into line feeds");
+    tell(Code::CarriageReturns, _sourceLine + 1, {}, "Carriage returns become line feeds.");
     _isChanged = true;
     const char *begin = line.begin;
     while (begin < line.next) {
@@ -189,7 +189,8 @@ void MendedText::takePiece(const TextLine &piece)
         _joinedLine = _sourceLine;
     if (_wishes.format == Format::OBJ && isContinuable(piece)) {
         const char *const backslash = _tokens[_tokens.size() - 1].end - 1;
-        tell(Code::LineContinued, _sourceLine, {}, "joined with the line that continues it");
+        tell(Code::LineContinued, _sourceLine, {},
+             "The line is joined with the one that continues it.");
         _isChanged = true;
         _isJoining = true;
         _joined.append(piece.begin, static_cast<int>(backslash - piece.begin));
@@ -271,7 +272,7 @@ bool MendedText::mendCommas(const TextLine &line)
         _ready.append(from, static_cast<int>(comma - from));
         _ready.append('.');
         from = comma + 1;
-        tell(Code::NumberDecimalComma, _joinedLine, keyword, "decimal comma turned into a point");
+        tell(Code::NumberDecimalComma, _joinedLine, keyword, "The decimal comma becomes a point.");
     }
     _ready.append(from, static_cast<int>(line.next - from));
     _isChanged = true;

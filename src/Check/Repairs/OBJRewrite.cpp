@@ -152,12 +152,12 @@ void OBJRewrite::takeValue(const Attribute &attribute)
     if (isFirst && attribute.isMoved) {
         const bool isBehindAll = attribute.survey.cornersBefore == _survey.corners;
         tell(isBehindAll ? Code::AttributeAfterFaces : Code::AttributeBeginsLate, keyword,
-             QStringLiteral("line moved before the first face"));
+             QStringLiteral("The first %1 line moves before the first face.").arg(quoted(keyword)));
         if (attribute.survey.firstLine != attribute.survey.lastLine)
             return;
     } else {
         if (attribute.isUnused) {
-            tell(Code::NormalsUnused, {}, QStringLiteral("line turned into a comment"));
+            tell(Code::NormalsUnused, {}, QStringLiteral("The line becomes a comment."));
             _edits.replace(_lines->line().begin, _lines->line().begin, "# ");
         }
         writeLine();
@@ -211,13 +211,14 @@ void OBJRewrite::takeMaterial()
     else
         _edits.replace(tokens[1].begin, tokens[nameCount(tokens)].end, text);
     if (written.isEmpty())
-        tell(Code::MaterialEmptyName, {}, QStringLiteral("material named '%1'").arg(name));
+        tell(Code::MaterialEmptyName, {},
+             QStringLiteral("The material gets the name %1.").arg(quoted(name)));
     else if (nameCount(tokens) > 1)
         tell(Code::NameCutAtBlank, written,
-             QStringLiteral("material '%1' becomes '%2'").arg(written, name));
+             QStringLiteral("The material %1 becomes %2.").arg(quoted(written), quoted(name)));
     else
         tell(Code::MaterialUndefined, written,
-             QStringLiteral("material '%1' becomes '%2'").arg(written, name));
+             QStringLiteral("The material %1 becomes %2.").arg(quoted(written), quoted(name)));
 }
 
 /// By how much the number of values before the line has grown.
@@ -252,7 +253,8 @@ void OBJRewrite::takeFace(OBJLines &lines)
         _corners.push_back(rewritten(lines.tokens()[static_cast<int>(i) + 1], corners[i], normal));
     if (isTurned) {
         std::rotate(_corners.begin(), _corners.begin() + 1, _corners.end());
-        tell(Code::QuadSplitWrongly, {}, QStringLiteral("face begins with its second corner now"));
+        tell(Code::QuadSplitWrongly, {},
+             QStringLiteral("The face begins with its second corner now."));
     }
     for (size_t i = 0; i < corners.size(); ++i) {
         const Token &token = lines.tokens()[static_cast<int>(i) + 1];
@@ -316,11 +318,12 @@ QByteArray OBJRewrite::rewritten(const Token &token, const Corner &corner, int n
     if (_vt.added > 0 && _lines->corners().size() >= FewestCorners && !_survey.vt.has(corner.vt)) {
         vt = QByteArray::number(_survey.vt.values + 1);
         tell(Code::CornerWithoutTexCoord, {},
-             QStringLiteral("corner gets the texture coordinate 0 0"));
+             QStringLiteral("The corner gets the texture coordinate 0 0."));
     }
     if (normal >= 0 && !_survey.vn.has(corner.vn)) {
         vn = QByteArray::number(_survey.vn.values + 1 + normal);
-        tell(Code::CornerWithoutNormal, {}, QStringLiteral("corner gets the normal of its face"));
+        tell(Code::CornerWithoutNormal, {},
+             QStringLiteral("The corner gets the normal of its face."));
     }
     const QByteArray rest(ends[Parts - 1], static_cast<int>(token.end - ends[Parts - 1]));
     if (!vn.isEmpty() || written.parts >= Parts)

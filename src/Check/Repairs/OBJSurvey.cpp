@@ -98,7 +98,7 @@ void OBJSurvey::takePosition(const OBJLines &lines)
         for (int i = 0; i < Components; ++i)
             values[i] = readNumber(lines.tokens(), i + 1).value;
     }
-    positions.append(values);
+    positions.append(values[0], values[1], values[2]);
 }
 
 void OBJSurvey::takeFace(OBJLines &lines)

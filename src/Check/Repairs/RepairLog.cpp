@@ -5,6 +5,15 @@
 
 namespace Halvard::Orv::Checking {
 
+QString quoted(const QString &name)
+{
+    constexpr int MostNameCharacters = 200;
+    const QString shown = name.size() > MostNameCharacters
+                              ? name.left(MostNameCharacters) + QStringLiteral("...")
+                              : name;
+    return QLatin1Char('"') + shown + QLatin1Char('"');
+}
+
 int RepairLog::file(const QString &name)
 {
     const int known = _files.indexOf(name);

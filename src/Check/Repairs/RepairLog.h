@@ -14,6 +14,9 @@
 
 namespace Halvard::Orv::Checking {
 
+/// A name in quotes, cut where it is long.
+QString quoted(const QString &name);
+
 /// The changes of one repair, by code, file and subject.
 class RepairLog
 {
