@@ -161,7 +161,7 @@ bool MendedText::isContinuable(const TextLine &line)
         return false;
     _tokens.split(line);
     return !_tokens.isEmpty() && _tokens[_tokens.size() - 1].endsWith('\\') &&
-           (_tokens.is(0, "f") || numberCount() > 0);
+           (_isJoining || _tokens.is(0, "f") || numberCount() > 0);
 }
 
 /// Whether a line stands for itself, whatever stands at the end of the line before it.
