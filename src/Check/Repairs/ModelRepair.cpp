@@ -103,9 +103,13 @@ private:
     void refuseInputs(const LibraryPlan *plan) const;
     template <typename Work>
     void pass(int number, RepairLog *log, const Work &work);
-    void copy(QIODevice *device);
+    void copy(TextSink &sink);
+    QSaveFile *openOutput(const QString &path);
+    void finish(TextSink &sink, const QSaveFile *file);
+    [[noreturn]] void failToWrite() const;
     void repair();
-    void write(const LibraryPlan &plan, const FaceNormals &normals);
+    void writeModel(const LibraryPlan *plan, const FaceNormals &normals);
+    void writeLibraries(const LibraryPlan &plan);
 
     const QString _fileName;
     const QString _outputName;
@@ -117,6 +121,7 @@ private:
     bool _hasReturns = false;
     qint64 _bytes = -1; // of the file, as the first pass read it
     OBJSurvey _survey;
+    OutputFiles _outputs;
     RepairResult _result;
 };
 
@@ -183,14 +188,13 @@ void Repair::pass(int number, RepairLog *log, const Work &work)
 }
 
 /// Writes the bytes of the model as they are.
-void Repair::copy(QIODevice *device)
+void Repair::copy(TextSink &sink)
 {
     constexpr qint64 BlockBytes = qint64(1) << 18;
     QFile file(_fileName);
     if (!openInputFile(file))
         throw unreadable(QStringLiteral("it cannot be read again"));
     file.setTextModeEnabled(false);
-    TextSink sink(device);
     std::vector<char> block(static_cast<size_t>(BlockBytes));
     for (;;) {
         const qint64 count = file.read(block.data(), BlockBytes);
@@ -203,79 +207,91 @@ void Repair::copy(QIODevice *device)
             break;
     }
     _progress.endPass();
-    sink.flush();
+}
+
+void Repair::failToWrite() const
+{
+    throw Ending{RepairStatus::Unwritable, _outputs.reason()};
+}
+
+/// \return null in a dry run.
+QSaveFile *Repair::openOutput(const QString &path)
+{
+    _result.written.append(path);
+    if (_options.dryRun)
+        return nullptr;
+    QSaveFile *const file = _outputs.open(path);
+    if (!file)
+        failToWrite();
+    return file;
+}
+
+/// Hands on the last of what is written.
+void Repair::finish(TextSink &sink, const QSaveFile *file)
+{
+    if (sink.flush())
+        return;
+    _outputs.fail(*file);
+    failToWrite();
 }
 
 void Repair::repair()
 {
-    const auto isSameFolder = [this]() {
-        return isSameFile(QFileInfo(_fileName).absolutePath(),
-                          QFileInfo(_outputName).absolutePath());
-    };
     FaceNormals normals(_survey);
-    if (!_isFixable && isSameFolder()) {
-        OutputFiles outputs;
-        if (!_options.dryRun) {
-            QSaveFile *const file = outputs.open(_outputName);
-            if (file)
-                copy(file);
-            if (!file || !outputs.commit())
-                throw Ending{RepairStatus::Unwritable, outputs.reason()};
-        }
-        _result.written.append(_outputName);
-        return;
-    }
+    const bool staysInPlace =
+        isSameFile(QFileInfo(_fileName).absolutePath(), QFileInfo(_outputName).absolutePath());
+    // A file that is there might be a library of the model: only a survey tells.
+    const bool isPlainCopy = !_isFixable && staysInPlace && !QFileInfo::exists(_outputName);
     std::unique_ptr<LibraryPlan> plan;
-    pass(1, &_log, [&](OBJLines &lines, const MendedText &text) {
-        _survey.read(lines);
-        plan = std::make_unique<LibraryPlan>(_fileName, _outputName, _survey, text, _log, _number);
-        plan->make();
-    });
-    if (!_options.dryRun)
-        refuseInputs(plan.get());
-    if (_survey.vn.isIncomplete())
-        pass(2, nullptr, [&normals](OBJLines &lines, const MendedText &) { normals.read(lines); });
-    write(*plan, normals);
+    if (!isPlainCopy) {
+        pass(1, &_log, [&](OBJLines &lines, const MendedText &text) {
+            _survey.read(lines);
+            plan =
+                std::make_unique<LibraryPlan>(_fileName, _outputName, _survey, text, _log, _number);
+            plan->make();
+        });
+        if (!_options.dryRun)
+            refuseInputs(plan.get());
+        if (_survey.vn.isIncomplete())
+            pass(2, nullptr,
+                 [&normals](OBJLines &lines, const MendedText &) { normals.read(lines); });
+    }
+    writeModel(plan.get(), normals);
+    if (plan)
+        writeLibraries(*plan);
+    if (!_options.dryRun && !_outputs.commit())
+        failToWrite();
 }
 
-void Repair::write(const LibraryPlan &plan, const FaceNormals &normals)
+/// \param plan null where the model is to be copied.
+void Repair::writeModel(const LibraryPlan *plan, const FaceNormals &normals)
 {
-    OutputFiles outputs;
-    QSaveFile *model = nullptr;
-    if (!_options.dryRun) {
-        model = outputs.open(_outputName);
-        if (!model)
-            throw Ending{RepairStatus::Unwritable, outputs.reason()};
-    }
-    const bool isPlainCopy =
-        !_isFixable && plan.lines().rewrites.isEmpty() && plan.lines().early.isEmpty();
-    if (isPlainCopy) {
-        copy(model);
-    } else {
-        TextSink sink(model);
+    QSaveFile *const file = openOutput(_outputName);
+    TextSink sink(file);
+    const bool namesStay =
+        !plan || (plan->lines().rewrites.isEmpty() && plan->lines().early.isEmpty());
+    if (!_isFixable && namesStay)
+        copy(sink);
+    else
         pass(3, nullptr, [&](OBJLines &lines, const MendedText &text) {
-            OBJRewrite rewrite(_survey, normals, plan, _log, _number, sink);
+            OBJRewrite rewrite(_survey, normals, *plan, _log, _number, sink);
             rewrite.write(lines, text);
         });
-        sink.flush();
-    }
-    _result.written.append(_outputName);
+    finish(sink, file);
+}
+
+void Repair::writeLibraries(const LibraryPlan &plan)
+{
     for (const LibraryPlan::Output &output : plan.outputs()) {
-        _result.written.append(output.path);
-        if (_options.dryRun)
-            continue;
-        if (!QDir().mkpath(QFileInfo(output.path).absolutePath()))
+        const QString directory = QFileInfo(output.path).absolutePath();
+        if (!_options.dryRun && !QDir().mkpath(directory))
             throw Ending{RepairStatus::Unwritable,
-                         QStringLiteral("cannot make the directory of '%1'").arg(output.path)};
-        QSaveFile *const file = outputs.open(output.path);
-        if (!file)
-            throw Ending{RepairStatus::Unwritable, outputs.reason()};
+                         QStringLiteral("cannot make the directory '%1'").arg(directory)};
+        QSaveFile *const file = openOutput(output.path);
         TextSink sink(file);
         sink.write(output.text.data(), output.text.size());
-        sink.flush();
+        finish(sink, file);
     }
-    if (!_options.dryRun && !outputs.commit())
-        throw Ending{RepairStatus::Unwritable, outputs.reason()};
 }
 
 } // namespace

@@ -315,7 +315,7 @@ QByteArray OBJRewrite::rewritten(const Token &token, const Corner &corner, int n
     QByteArray v = shifted(_v, parts[0], ends[0], written.v);
     QByteArray vt = shifted(_vt, parts[1], ends[1], written.vt);
     QByteArray vn = shifted(_vn, parts[2], ends[2], written.vn);
-    if (_vt.added > 0 && _lines->corners().size() >= FewestCorners && !_survey.vt.has(corner.vt)) {
+    if (_lines->corners().size() >= FewestCorners && wantsTexCoord(corner)) {
         vt = QByteArray::number(_survey.vt.values + 1);
         tell(Code::CornerWithoutTexCoord, {},
              QStringLiteral("The corner gets the texture coordinate 0 0."));

@@ -38,14 +38,18 @@ public:
     /// \return false when something could not be written, now or before.
     bool flush()
     {
-        if (_device && !_hasFailed) {
-            const auto size = static_cast<qint64>(_block.size());
-            _hasFailed = _device->write(_block.data(), size) != size;
+        const char *text = _block.data();
+        auto left = static_cast<qint64>(_block.size());
+        // On a full disk a part is written first: only another try learns why the rest cannot be.
+        while (_device && left > 0 && !_hasFailed) {
+            const qint64 count = _device->write(text, left);
+            _hasFailed = count <= 0;
+            text += count;
+            left -= count;
         }
         _block.clear();
         return !_hasFailed;
     }
-    bool hasFailed() const { return _hasFailed; }
 
 private:
     static constexpr size_t BlockBytes = size_t(1) << 18;
