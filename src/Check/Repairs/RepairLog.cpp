@@ -26,12 +26,20 @@ int RepairLog::file(const QString &name)
 void RepairLog::add(QLatin1String code, int file, qint64 line, const QString &subject,
                     const QString &message)
 {
-    ++_count;
-    const auto key = qMakePair(QString(code), qMakePair(file, subject));
-    const auto known = _numbers.constFind(key);
+    auto key = qMakePair(QString(code), qMakePair(file, subject));
+    auto known = _numbers.constFind(key);
+    if (known == _numbers.constEnd()) {
+        int &subjects = _subjects[qMakePair(key.first, file)];
+        if (subjects < MostSubjects) {
+            ++subjects;
+        } else {
+            key.second.second = QString();
+            known = _numbers.constFind(key);
+        }
+    }
     if (known == _numbers.constEnd()) {
         _numbers.insert(key, _entries.size());
-        _entries.append({{code, _files.at(file), line, 1, subject, message}, file});
+        _entries.append({{code, _files.at(file), line, 1, key.second.second, message}, file});
         return;
     }
     RepairChange &change = _entries[*known].change;

@@ -17,10 +17,13 @@ namespace Halvard::Orv::Checking {
 /// A name in quotes, cut where it is long.
 QString quoted(const QString &name);
 
-/// The changes of one repair, by code, file and subject.
+/// The changes of one repair, by code, file and subject. A file may hold millions of names: beyond
+/// MostSubjects of a code in a file, all further ones share a change.
 class RepairLog
 {
 public:
+    static constexpr int MostSubjects = 1000;
+
     /// \return the number of a file, which is that of its first mention.
     int file(const QString &name);
 
@@ -31,8 +34,6 @@ public:
     void add(QLatin1String code, int file, qint64 line, const QString &subject,
              const QString &message);
 
-    /// Number of occurrences so far.
-    qint64 count() const { return _count; }
     /// All changes, sorted.
     QVector<RepairChange> changes() const;
 
@@ -46,7 +47,7 @@ private:
     QStringList _files;
     QVector<Entry> _entries;
     QHash<QPair<QString, QPair<int, QString>>, int> _numbers;
-    qint64 _count = 0;
+    QHash<QPair<QString, int>, int> _subjects; // how many, by code and file
 };
 
 } // namespace Halvard::Orv::Checking
