@@ -71,7 +71,7 @@ mkdir -p "$findings_dir"
 # kind_of TARGET: what its inputs are. Targets of one kind share seeds and a dictionary.
 kind_of() {
   case $1 in
-    CheckAgreement | OBJReader | Loader | LoaderPaths) echo OBJ ;;
+    CheckAgreement | OBJReader | Loader | LoaderPaths | Repair) echo OBJ ;;
     MTLReader) echo MTL ;;
     *) echo "$1" ;;
   esac
