@@ -1,6 +1,7 @@
 #include "CheckReport.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "ConfinedCheck.h"
 #include "Confinement.h"
 #include "Messages.h"
 #include "OutputFile.h"
@@ -14,27 +15,13 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-/// How a model is checked within the directory of --within.
-CheckOptions confinedOptions()
-{
-    CheckOptions options;
-    if (!Confinement::isSet())
-        return options;
-    options.openLibrary = [](const QString &path) {
-        QString refused; // to the check it is missing
-        return Confinement::openInside(path, refused);
-    };
-    options.mayLookAt = Confinement::isInside;
-    return options;
-}
-
 /// Checks a model. Says why where it cannot be read.
 bool check(const QString &fileName, ModelFindings &findings)
 {
     QString reason = Confinement::objection(fileName);
     if (reason.isEmpty()) {
         const Progress progress(QStringLiteral("checking ") + QFileInfo(fileName).fileName());
-        if (checkModel(fileName, findings, reason, confinedOptions()) == CheckStatus::Done) {
+        if (checkModel(fileName, findings, reason, confinedCheckOptions()) == CheckStatus::Done) {
             findings.file = Confinement::relative(findings.file);
             for (Finding &finding : findings.findings)
                 finding.file = Confinement::relative(finding.file);

@@ -1,16 +1,16 @@
 #include "CheckReport.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "ConfinedCheck.h"
+#include "Confinement.h"
 #include "FixReport.h"
+#include "Messages.h"
 #include "Progress.h"
 
 #include <OrvCheck/ModelCheck.h>
 #include <OrvCheck/ModelRepair.h>
 
 #include <QtCore/QFileInfo>
-
-#include <algorithm>
-#include <new>
 
 namespace Halvard::Orv::Cli {
 
@@ -22,7 +22,7 @@ bool tellLeft(const QString &fileName, bool isDryRun)
 {
     ModelFindings left;
     QString reason;
-    CheckOptions options;
+    CheckOptions options = confinedCheckOptions();
     options.decodeTextures = false;
     if (checkModel(fileName, left, reason, options) != CheckStatus::Done)
         return true;
@@ -30,26 +30,43 @@ bool tellLeft(const QString &fileName, bool isDryRun)
         return finding.severity != FindingSeverity::Hint && !(isDryRun && finding.fixable);
     };
     QVector<Finding> findings;
-    std::copy_if(left.findings.cbegin(), left.findings.cend(), std::back_inserter(findings),
-                 matters);
+    for (Finding &finding : left.findings) {
+        finding.file = Confinement::relative(finding.file);
+        if (matters(finding))
+            findings.append(finding);
+    }
     left.findings = findings;
     printOut(findingLines(left, 0));
     return left.has(FindingSeverity::Error);
 }
 
-ExitStatus fix(const QString &fileName, const QString &outputName, bool isDryRun)
+/// \param reason assigned where nothing is done.
+bool repair(const QString &fileName, const QString &outputName, bool isDryRun, RepairResult &result,
+            QString &reason)
 {
+    reason = Confinement::objection(fileName);
+    if (!reason.isEmpty())
+        return false;
     const Progress progress(QStringLiteral("fixing ") + QFileInfo(fileName).fileName());
+    const CheckOptions confined = confinedCheckOptions();
     RepairOptions options;
     options.dryRun = isDryRun;
+    options.openLibrary = confined.openLibrary;
+    options.mayLookAt = confined.mayLookAt;
+    return repairModel(fileName, outputName, result, reason, options) == RepairStatus::Done;
+}
+
+ExitStatus fix(const QString &fileName, const QString &outputName, bool isDryRun)
+{
     RepairResult result;
     QString reason;
-    const RepairStatus status = repairModel(fileName, outputName, result, reason, options);
-    if (status != RepairStatus::Done) {
-        printError(QStringLiteral("Cannot fix '%1': %2.")
-                       .arg(printableText(fileName), printableText(reason)));
+    if (!repair(fileName, outputName, isDryRun, result, reason)) {
+        Messages::flush();
+        printError(QStringLiteral("'%1' cannot be fixed: %2.").arg(fileName, reason));
         return CannotRun;
     }
+    for (RepairChange &change : result.changes)
+        change.file = Confinement::relative(change.file);
     printOut(changeLines(result, isDryRun));
     return tellLeft(isDryRun ? fileName : outputName, isDryRun) ? FileAtFault : Fine;
 }
@@ -83,13 +100,7 @@ ExitStatus fixCommand(const QStringList &arguments)
         return line.wrongUsage(QStringLiteral("The output file has no name: give '-o OUT.obj'."));
     if (output.isEmpty())
         output = supposedOutput(line.model());
-    try {
-        return fix(line.model(), output, isDryRun);
-    } catch (const std::bad_alloc &) {
-        printError(QStringLiteral("Cannot fix '%1': there is not enough memory for it.")
-                       .arg(printableText(line.model())));
-        return CannotRun;
-    }
+    return fix(line.model(), output, isDryRun);
 }
 
 } // namespace Halvard::Orv::Cli

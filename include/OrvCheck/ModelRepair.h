@@ -9,6 +9,9 @@
 #include <QtCore/QVector>
 
 #include <functional>
+#include <memory>
+
+class QIODevice;
 
 namespace Halvard::Orv {
 
@@ -33,6 +36,11 @@ struct RepairOptions
     /// Called on the calling thread with the fraction of the work that is done, in [0, 1], never
     /// falling; false stops the work, and nothing is written then. May be null.
     std::function<bool(double fraction)> progress;
+    /// Opens a material library; null where it cannot be opened. Without it libraries are files.
+    std::function<std::unique_ptr<QIODevice>(const QString &path)> openLibrary;
+    /// Whether a texture may be looked at, or a directory in which a missing file may have
+    /// another name. Paths that lead to what may not stay as they are. Without it all may.
+    std::function<bool(const QString &path)> mayLookAt;
 };
 
 /// How a repair ended.

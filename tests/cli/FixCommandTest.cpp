@@ -96,9 +96,9 @@ TEST_F(FixCommandTest, SaysWhyItCannotWrite)
     const OrvRun run = runOrv({Fix, _broken, Output, _broken});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err.toStdString(), "orv: Cannot fix '" + _broken.toStdString() +
-                                         "': cannot write '" + _broken.toStdString() +
-                                         "': it is a file of the input.\n");
+    EXPECT_EQ(run.err.toStdString(), "orv: '" + _broken.toStdString() +
+                                         "' cannot be fixed: cannot write '" +
+                                         _broken.toStdString() + "': it is a file of the input.\n");
     const OrvRun gone = runOrv({Fix, _files.path(QStringLiteral("gone.obj")), Output, _output});
     EXPECT_EQ(gone.status, 2);
     EXPECT_THAT(gone.err.toStdString(), HasSubstr("no such file"));
@@ -110,9 +110,9 @@ TEST_F(FixCommandTest, LeavesAnOlderOutputOnAFullDisk)
     write("output.obj", "# an older one\n");
     const OrvRun run = runOrvWithSmallFiles({Fix, large, Output, _output});
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err.toStdString(), "orv: Cannot fix '" + large.toStdString() +
-                                         "': cannot write '" + _output.toStdString() +
-                                         "': File too large.\n");
+    EXPECT_EQ(run.err.toStdString(), "orv: '" + large.toStdString() +
+                                         "' cannot be fixed: cannot write '" +
+                                         _output.toStdString() + "': File too large.\n");
     EXPECT_EQ(contents(_output), "# an older one\n");
 }
 
@@ -124,6 +124,25 @@ TEST_F(FixCommandTest, PrintsNoControlCharacters)
     EXPECT_EQ(run.out.toStdString(),
               line(model, ":4: fixed: The material \"\\x1b[31mred\" is defined, in the default "
                           "material's colours. [material-undefined]"));
+}
+
+TEST_F(FixCommandTest, LooksAtNoLibraryOutsideOfWithin)
+{
+    const QString model =
+        write("inside/model.obj", "mtllib ../P.mtl\n" + _triangle + "usemtl red\nf 1 2 3\n");
+    write("p.mtl", "newmtl red\nTr 0.5\n");
+    const QStringList within{QStringLiteral("--within"), _files.path(QStringLiteral("inside"))};
+    const QString output = _files.path(QStringLiteral("inside/output.obj"));
+    const OrvRun run = runOrv(QStringList{Fix, model, Output, output} + within);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out.toStdString(),
+              "model.obj:1: fixed: The library \"../P.mtl\" is not there: its name becomes a "
+              "comment. [library-missing]\n"
+              "model.obj:5: fixed: The material \"red\" is defined, in the default material's "
+              "colours. [material-undefined]\n");
+    const OrvRun outside = runOrv(QStringList{Fix, _broken, Output, output} + within);
+    EXPECT_EQ(outside.status, 2);
+    EXPECT_THAT(outside.err.toStdString(), HasSubstr("cannot be fixed"));
 }
 
 TEST_F(FixCommandTest, WantsAnOutput)

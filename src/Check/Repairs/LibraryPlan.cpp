@@ -46,10 +46,11 @@ QString asFileName(QString name)
 } // namespace
 
 LibraryPlan::LibraryPlan(const QString &fileName, const QString &outputName,
-                         const OBJSurvey &survey, const MendedText &source, RepairLog &log,
-                         int file)
-    : _fileName(fileName), _outputName(outputName), _survey(survey), _source(source), _log(log),
-      _file(file), _directory(directoryOf(fileName)), _outputDirectory(directoryOf(outputName)),
+                         const OBJSurvey &survey, const MendedText &source,
+                         const RepairOptions &options, RepairLog &log, int file)
+    : _fileName(fileName), _outputName(outputName), _survey(survey), _source(source),
+      _options(options), _log(log), _file(file), _directory(directoryOf(fileName)),
+      _outputDirectory(directoryOf(outputName)),
       _staysInPlace(isSameFile(_directory.path(), _outputDirectory.path()))
 {}
 
@@ -100,7 +101,7 @@ void LibraryPlan::findOnLine(const LibraryLine &line)
 {
     LibraryLines::Rewrite rewrite;
     const size_t before = _references.size();
-    const bool isOneFile = line.names.size() > 1 && isRegularFile(pathOf(line.full)) &&
+    const bool isOneFile = line.names.size() > 1 && isThere(pathOf(line.full)) &&
                            addReference(line.line, line.full, line.full);
     if (isOneFile) {
         tell(Code::NameCutAtBlank, line.line, line.full,
@@ -142,7 +143,7 @@ bool LibraryPlan::addReference(qint64 line, const QString &written, const QStrin
     const QString canonical = QFileInfo(path).canonicalFilePath();
     auto number = _numbers.constFind(canonical);
     if (canonical.isEmpty() || number == _numbers.constEnd()) {
-        auto repair = std::make_unique<LibraryRepair>(path, shown(name));
+        auto repair = std::make_unique<LibraryRepair>(path, shown(name), _options);
         if (!repair->readNames())
             return false;
         number = _numbers.insert(canonical, static_cast<int>(_libraries.size()));
@@ -150,6 +151,11 @@ bool LibraryPlan::addReference(qint64 line, const QString &written, const QStrin
     }
     _references.push_back({line, *number, written, name, name});
     return true;
+}
+
+bool LibraryPlan::isThere(const QString &path) const
+{
+    return (!_options.mayLookAt || _options.mayLookAt(path)) && isRegularFile(path);
 }
 
 /// The library that is meant by a name that leads to none; null where none is found.
@@ -160,9 +166,11 @@ QString LibraryPlan::meant(const QString &name)
         return {};
     QString slashed = name;
     slashed.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    if (isRegularFile(pathOf(slashed)))
+    if (isThere(pathOf(slashed)))
         return slashed;
     const QLatin1String suffix("mtl");
+    if (_options.mayLookAt && !_options.mayLookAt(pathOf(slashed)))
+        return {};
     QString found = fileOfOtherCase(pathOf(slashed));
     if (found.isNull()) {
         found = fileOfOtherSuffix(pathOf(slashed), suffix);

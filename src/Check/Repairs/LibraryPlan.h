@@ -49,9 +49,9 @@ public:
     };
 
     /// \param fileName the model. \param outputName where it goes.
-    /// \param file number of the model in the log.
+    /// \param options must outlive the object. \param file number of the model in the log.
     LibraryPlan(const QString &fileName, const QString &outputName, const OBJSurvey &survey,
-                const MendedText &source, RepairLog &log, int file);
+                const MendedText &source, const RepairOptions &options, RepairLog &log, int file);
 
     /// Finds the libraries, and settles everything.
     void make();
@@ -86,6 +86,7 @@ private:
     void findOnLine(const LibraryLine &line);
     bool addReference(qint64 line, const QString &written, const QString &name);
     QString meant(const QString &name);
+    bool isThere(const QString &path) const;
     void settleNames();
     void settleMaterials();
     int libraryOf(const QString &material) const;
@@ -105,6 +106,7 @@ private:
     const QString _outputName;
     const OBJSurvey &_survey;
     const MendedText &_source;
+    const RepairOptions &_options;
     RepairLog &_log;
     const int _file;
     const QDir _directory;       // of the model

@@ -5,6 +5,7 @@
 #include <Libraries/InputFile.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextCodec>
 
@@ -40,6 +41,14 @@ bool isDrivePath(const QString &path)
 bool isOneWord(const QString &path)
 {
     return !path.isEmpty() && firstWord(path) == path && !path.contains(QLatin1Char('#'));
+}
+
+CheckOptions probeOptions(const RepairOptions &options)
+{
+    CheckOptions probe;
+    probe.decodeTextures = false;
+    probe.mayLookAt = options.mayLookAt;
+    return probe;
 }
 
 struct Range
@@ -82,12 +91,28 @@ QString LibraryRepair::definition(const QString &name)
     return QLatin1String("newmtl ") + name + QLatin1Char('\n') + QLatin1String(DefaultColours);
 }
 
+LibraryRepair::LibraryRepair(const QString &path, const QString &shown,
+                             const RepairOptions &options)
+    : _path(path), _shown(shown), _options(options), _textures(probeOptions(options))
+{}
+
+/// \return null where it cannot be opened.
+std::unique_ptr<QIODevice> LibraryRepair::open() const
+{
+    if (_options.openLibrary)
+        return _options.openLibrary(_path);
+    auto file = std::make_unique<QFile>(_path);
+    if (!openInputFile(*file))
+        file.reset();
+    return file;
+}
+
 bool LibraryRepair::readNames()
 {
-    QFile file(_path);
-    if (!openInputFile(file))
+    const std::unique_ptr<QIODevice> device = open();
+    if (!device)
         return false;
-    MendedText text(file, {MendedText::Format::MTL, true}, nullptr, 0);
+    MendedText text(*device, {MendedText::Format::MTL, true}, nullptr, 0);
     MTLLines lines(text);
     bool hasSection = false;
     bool hasOpacity = false;
@@ -120,15 +145,15 @@ bool LibraryRepair::readNames()
 bool LibraryRepair::mend(const MaterialNames &names, const Wishes &wishes, RepairLog &log,
                          std::string &text)
 {
-    QFile file(_path);
-    if (!openInputFile(file))
+    const std::unique_ptr<QIODevice> device = open();
+    if (!device)
         throw LibraryUnreadable{_shown};
     _log = &log;
     _file = log.file(_shown);
     _directory = QFileInfo(_path).dir().absolutePath();
     _newDirectory = wishes.directory;
     _isRepaired = false;
-    MendedText source(file, {MendedText::Format::MTL, true}, &log, _file);
+    MendedText source(*device, {MendedText::Format::MTL, true}, &log, _file);
     MTLLines lines(source);
     TextSink sink(text);
     text.clear();
@@ -148,7 +173,9 @@ bool LibraryRepair::mend(const MaterialNames &names, const Wishes &wishes, Repai
             mendTransparency(lines);
         _edits.write(lines.line().begin, lines.line().next, sink);
     }
-    if (source.lineTooLong() || lines.text().lineTooLong() || file.error() != QFileDevice::NoError)
+    const auto *const file = qobject_cast<const QFileDevice *>(device.get());
+    const bool hasFailed = file && file->error() != QFileDevice::NoError;
+    if (source.lineTooLong() || lines.text().lineTooLong() || hasFailed)
         throw LibraryUnreadable{_shown};
     if (isOpen && !wishes.definitions.isEmpty())
         sink.write("\n");

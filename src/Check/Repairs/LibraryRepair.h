@@ -8,12 +8,12 @@
 #include "Repairs/TextSink.h"
 #include "TextureProbe.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QHash>
 #include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <memory>
 #include <string>
 
 namespace Halvard::Orv::Checking {
@@ -30,7 +30,7 @@ class LibraryRepair
 public:
     /// \param path as the loader opens it.
     /// \param shown as changes name it.
-    LibraryRepair(const QString &path, const QString &shown) : _path(path), _shown(shown) {}
+    LibraryRepair(const QString &path, const QString &shown, const RepairOptions &options);
 
     const QString &path() const { return _path; }
     const QString &shown() const { return _shown; }
@@ -62,6 +62,7 @@ public:
     bool mend(const MaterialNames &names, const Wishes &wishes, RepairLog &log, std::string &text);
 
 private:
+    std::unique_ptr<QIODevice> open() const;
     void mendName(const MTLLines &lines, const MaterialNames &names);
     void mendTexture(const MTLLines &lines);
     void mendTransparency(const MTLLines &lines);
@@ -74,7 +75,8 @@ private:
     QStringList _names;
     QSet<QString> _textured;
     QHash<qint64, QString> _opacities; // for "Tr" lines, by number
-    TextureProbe _textures{false};
+    const RepairOptions &_options;
+    TextureProbe _textures;
 
     // While it is mended.
     RepairLog *_log = nullptr;

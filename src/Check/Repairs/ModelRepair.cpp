@@ -145,6 +145,8 @@ void Repair::check()
 {
     CheckOptions options;
     options.decodeTextures = false;
+    options.openLibrary = _options.openLibrary;
+    options.mayLookAt = _options.mayLookAt;
     options.progress = [this](double fraction) { return _progress.reach(fraction); };
     ModelFindings findings;
     QString reason;
@@ -246,8 +248,8 @@ void Repair::repair()
     if (!isPlainCopy) {
         pass(1, &_log, [&](OBJLines &lines, const MendedText &text) {
             _survey.read(lines);
-            plan =
-                std::make_unique<LibraryPlan>(_fileName, _outputName, _survey, text, _log, _number);
+            plan = std::make_unique<LibraryPlan>(_fileName, _outputName, _survey, text, _options,
+                                                 _log, _number);
             plan->make();
         });
         if (!_options.dryRun)
