@@ -4,7 +4,7 @@
 //
 // For each file and number of threads, in turns: wall and CPU milliseconds of reading and of
 // preparing, the least of N rounds, and the stages' wall time in the fastest round. Nothing
-// is uploaded. What is prepared is compared with what one thread makes.
+// is uploaded. What is prepared must be the same for all numbers of threads.
 #include "Libraries/MaterialLibraries.h"
 #include "Preparing/GeometryPreparing.h"
 #include "Reports/CurrentReport.h"
@@ -164,7 +164,7 @@ int main(int argc, char *argv[])
     for (const QString &file : qAsConst(files)) {
         std::map<int, Times> times;
         Times unused;
-        const quint64 expected = load(file, 1, unused);
+        const quint64 expected = load(file, threadCounts.front(), unused);
         for (int round = 0; round < rounds; ++round) {
             for (const int threads : threadCounts)
                 same = load(file, threads, times[threads]) == expected && same;

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <numeric>
 #include <stdexcept>
 #include <thread>
@@ -101,15 +102,14 @@ TEST(Work, MayBeDoneOnTheOnlyThreadOfThePool)
 {
     QThreadPool pool;
     pool.setMaxThreadCount(1);
-    std::vector<int> counts;
-    QSemaphore done;
+    std::promise<std::vector<int>> counts;
     pool.start([&] {
         Work work(&pool);
-        counts = countsOfTasks(work, 100);
-        done.release();
+        counts.set_value(countsOfTasks(work, 100));
     });
-    ASSERT_TRUE(done.tryAcquire(1, 20000));
-    EXPECT_EQ(counts, std::vector<int>(100, 1));
+    std::future<std::vector<int>> result = counts.get_future();
+    ASSERT_EQ(result.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    EXPECT_EQ(result.get(), std::vector<int>(100, 1));
 }
 
 TEST(Work, ThrowsWhatATaskThrows)
