@@ -180,6 +180,8 @@ StreamPointer allocateNormals(const ModelBuilderState &state, int vertexCount)
 bool computeNormals(ModelBuilderState &state, const VertexAttribute &positions)
 {
     const StageTimer timer(&PreparationReport::Stages::normals);
+    if (!state.gpuIndices) // dropped by an upload that failed, and no group has faces now
+        return false;
     const bool isNew = !state.vertexAttributes.contains(state.normalsAttribute);
     VertexAttribute &attribute = state.vertexAttributes[state.normalsAttribute];
     const auto vertexCount = static_cast<int>(positions.gpuValues->size() /
