@@ -9,9 +9,9 @@
 # ORV_FUZZ_JOBS at once. What a target finds worth keeping stays in build/fuzz-corpora/X for the
 # next run; the seeds in fuzz/corpora are only read.
 #
-# --replay runs every seed and everything ever found (fuzz/regressions), and then each target
-# for 20 seconds from its seeds, as many at once as there are processors. scripts/test.sh does
-# so.
+# --replay runs every seed and everything ever found (fuzz/regressions), and then some thousand
+# inputs made from the seeds, the same ones each time, for 20 seconds at most and on all
+# processors: a change is not held up by what it did not break. scripts/test.sh does so.
 #
 # Prints a table. Stops at the first finding, with the file and a non-zero exit status. Builds
 # with clang in build/fuzz, and installs the packages that are missing first.
@@ -20,6 +20,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 replay_seconds=20
+replay_options=(-seed=1 -runs=3000)
 # Beyond these an input is a finding, too.
 limits=(-timeout=10 -rss_limit_mb=2048)
 # Long inputs are slow ones; long lines and large counts have tests of their own.
@@ -47,11 +48,13 @@ done
 case $mode in
   --replay)
     seconds=$replay_seconds
+    mode_options=("${replay_options[@]}")
     jobs=$(job_count)
     ;;
   *)
     [[ $mode =~ ^[1-9][0-9]{0,4}$ ]] || wrong_usage "MINUTES is '$mode': a number above 0"
     seconds=$((60 * mode))
+    mode_options=()
     jobs=${ORV_FUZZ_JOBS:-1}
     [[ $jobs =~ ^[1-9][0-9]?$ ]] || wrong_usage "ORV_FUZZ_JOBS is '$jobs': a number above 0"
     ;;
@@ -97,7 +100,7 @@ fuzz() {
   done
   [[ ! -e $repository/fuzz/$kind.dict ]] || options+=("-dict=$repository/fuzz/$kind.dict")
   { time TMPDIR=$logs "$build_dir/fuzz/${target}Fuzzer" "${limits[@]}" "${options[@]}" \
-    -max_len="$most_bytes" -max_total_time="$seconds" -print_final_stats=1 \
+    -max_len="$most_bytes" -max_total_time="$seconds" "${mode_options[@]}" -print_final_stats=1 \
     -artifact_prefix="$findings_dir/$target-" \
     "$corpus" "${inputs[@]}" >"$logs/$target" 2>&1 </dev/null; } 2>"$logs/$target.time"
 }

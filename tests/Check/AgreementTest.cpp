@@ -1,11 +1,12 @@
 // What a check predicts is what the loader does.
 #include "Check/Agreement.h"
-#include "Check/ChecksPage.h"
+
 #include "reference/ModelGenerator.h"
 #include "reference/Shrinking.h"
-
 #include "support/GLTest.h"
 #include "support/TemporaryModel.h"
+
+#include "Check/ChecksPage.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QHashFunctions>

@@ -5,14 +5,14 @@
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
-#include <FindingCodes.h>
-
 #include <orv/CheckReport.h>
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QSet>
+
+#include <FindingCodes.h>
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include "support/WorkThreads.h"
 
 #include "OBJPreparing.h"
-
 #include <OrvModel/ModelPreparing.h>
 
 #include <gmock/gmock.h>

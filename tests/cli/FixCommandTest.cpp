@@ -1,5 +1,4 @@
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,5 @@
 // Ctrl-C, threads, and models from standard input, as a shell sees them.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

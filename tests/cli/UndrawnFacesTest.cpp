@@ -1,6 +1,5 @@
 // Why faces of a file are not drawn, and in which line the first of them is.
 #include "cli/OrvProcess.h"
-
 #include "support/TemporaryModel.h"
 
 #include <gmock/gmock.h>

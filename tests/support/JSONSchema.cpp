@@ -48,9 +48,9 @@ private:
     void checkKeyword(const QJsonValue &value, const QString &keyword, const QJsonValue &rule,
                       const QString &path)
     {
-        static const QSet<QString> descriptive{
-            QStringLiteral("$schema"), QStringLiteral("$defs"), QStringLiteral("title"),
-            QStringLiteral("description")};
+        static const QSet<QString> descriptive{QStringLiteral("$schema"), QStringLiteral("$defs"),
+                                               QStringLiteral("title"),
+                                               QStringLiteral("description")};
         if (descriptive.contains(keyword))
             return;
         if (keyword == QLatin1String("$ref"))

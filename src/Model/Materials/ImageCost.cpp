@@ -134,21 +134,26 @@ bool hasTooManyScans(QIODevice &device)
     return false;
 }
 
-/// Whether a PNG, which begins at `start`, unpacks much else than its pixels.
-bool hasTooMuchText(QIODevice &device, qint64 start)
+/// What makes a PNG, which begins at `start`, take much for anything but its pixels; null where
+/// there is nothing.
+const char *excessOfPNG(QIODevice &device, qint64 start)
 {
+    const char *const tooMuch = "has more compressed text, or more chunks, than an image needs";
     int texts = 0;
     qint64 position = start + PNGSignatureSize;
     for (int chunks = 0; chunks < MostChunks; ++chunks) {
         const QByteArray head = bytesAt(device, position, 8);
         if (head.size() < 8 || head.endsWith("IEND"))
-            return false;
+            return nullptr;
         if ((head.endsWith("zTXt") || head.endsWith("iTXt") || head.endsWith("iCCP")) &&
             ++texts > MostCompressedTexts)
-            return true;
+            return tooMuch;
         position += 12 + qint64(qFromBigEndian<quint32>(head.constData()));
+        // Pixels are read in pieces; for anything else libpng has memory ready before it reads.
+        if (position > device.size() && !head.endsWith("IDAT"))
+            return "ends before its data do";
     }
-    return true;
+    return tooMuch;
 }
 
 /// Whether what an entry of an icon's directory points to is larger than the entry says.
@@ -163,7 +168,7 @@ bool isLargerThanItsEntry(QIODevice &device, const uchar *entry)
     if (head.startsWith(PNGSignature))
         return qFromBigEndian<quint32>(head.constData() + 16) > quint32(width) ||
                qFromBigEndian<quint32>(head.constData() + 20) > quint32(height) ||
-               hasTooMuchText(device, start);
+               excessOfPNG(device, start) != nullptr;
     // A bitmap, twice as high as the picture: its mask lies below.
     return std::abs(qint64(qFromLittleEndian<qint32>(head.constData() + 4))) > width ||
            std::abs(qint64(qFromLittleEndian<qint32>(head.constData() + 8))) > 2 * height;
@@ -188,8 +193,8 @@ const char *excessOfKind(QIODevice &device)
     const QByteArray head = bytesAt(device, 0, PNGSignatureSize);
     if (head.startsWith("\xff\xd8") && hasTooManyScans(device))
         return "has more scans than an image of its size needs";
-    if (head.startsWith(PNGSignature) && hasTooMuchText(device, 0))
-        return "has more compressed text, or more chunks, than an image needs";
+    if (head.startsWith(PNGSignature))
+        return excessOfPNG(device, 0);
     const bool isIcon = head.size() >= 6 && (std::memcmp(head.constData(), "\0\0\1\0", 4) == 0 ||
                                              std::memcmp(head.constData(), "\0\0\2\0", 4) == 0);
     if (isIcon && hasLargerEntries(device))

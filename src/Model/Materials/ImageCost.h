@@ -8,7 +8,7 @@ namespace Halvard::Orv {
 
 /// Looks for what makes decoding an image take far more time or memory than the size that
 /// it claims: images within icons that are larger than the icon, JPEGs of very many scans,
-/// PNGs of very much compressed text. Each reader of these formats has a limit of its own for
+/// PNGs of very much compressed text, or of data that they do not have. Each reader of these formats has a limit of its own for
 /// everything else.
 ///
 /// Look before any reader does: some read half the file before they say how large it is.

@@ -1,11 +1,10 @@
 // What repairs promise holds for random models, sound and slightly broken, and for real ones.
-#include "Check/Agreement.h"
-#include "Check/Repairs/RepairProperties.h"
 #include "reference/ModelGenerator.h"
 #include "reference/Shrinking.h"
-
 #include "support/GLTest.h"
 
+#include "Check/Agreement.h"
+#include "Check/Repairs/RepairProperties.h"
 #include <OrvCheck/ModelCheck.h>
 #include <OrvCheck/ModelRepair.h>
 

@@ -12,13 +12,12 @@
 #include <QtGui/QImage>
 
 #include <algorithm>
-#include <map>
-#include <vector>
-
 #include <csignal>
+#include <map>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 

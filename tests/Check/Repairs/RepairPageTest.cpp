@@ -1,12 +1,10 @@
 // docs/checks.md: what orv fix makes of the smallest file for each code.
-#include "Check/ChecksPage.h"
-
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
+#include "Check/ChecksPage.h"
 #include <OrvCheck/ModelCheck.h>
 #include <OrvCheck/ModelRepair.h>
-
 #include <orv/FixReport.h>
 
 #include <gtest/gtest.h>

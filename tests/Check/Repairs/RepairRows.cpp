@@ -1,9 +1,8 @@
 #include "Check/Repairs/RepairRows.h"
 
-#include "Check/Repairs/RepairProperties.h"
-
 #include "support/TemporaryModel.h"
 
+#include "Check/Repairs/RepairProperties.h"
 #include <OrvCheck/ModelRepair.h>
 
 #include <gtest/gtest.h>

@@ -189,6 +189,21 @@ TEST_F(TexturePreparing, AScanForEachOfALotOfThingsIsTooMany)
     EXPECT_FALSE(prepared(file).isNull());
 }
 
+TEST_F(TexturePreparing, DataThatAreNotThereTakeNoMemory)
+{
+    // libpng has as many bytes ready as a text says that it has, before it reads the first.
+    constexpr int HeaderEnd = 8 + 25; // the signature, and the chunk of the size
+    for (const char *type : {"zTXt", "iTXt", "iCCP", "tEXt", "eXIf"}) {
+        QByteArray file = encoded(plain(5, 3), "PNG");
+        file.insert(HeaderEnd, QByteArray("\x74\x00\x00\x0f", 4) + type);
+        EXPECT_EQ(reason(file, Trouble::Hostile), "ends before its data do") << type;
+    }
+    // Pixels that are cut off are the reader's business.
+    const QByteArray whole = encoded(plain(50, 30), "PNG");
+    const QByteArray cut = whole.left(whole.indexOf("IDAT") + 10);
+    EXPECT_NE(int(prepared(cut).trouble), int(Trouble::Hostile));
+}
+
 TEST_F(TexturePreparing, CompressedTextsAreCounted)
 {
     EXPECT_FALSE(prepared(pngOfChunks("tEXt", 500)).isNull());

@@ -1,6 +1,4 @@
 // Models prepared by several threads in small tasks against the same models on one thread.
-#include "Preparing/GeometryPreparing.h"
-
 #include "support/MessageCapture.h"
 #include "support/PlainGeometry.h"
 #include "support/PlainModel.h"
@@ -8,6 +6,8 @@
 #include "support/RandomModel.h"
 #include "support/StreamContents.h"
 #include "support/WorkThreads.h"
+
+#include "Preparing/GeometryPreparing.h"
 
 #include <gmock/gmock.h>
 
