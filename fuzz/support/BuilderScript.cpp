@@ -128,23 +128,20 @@ void BuilderScript::addValues()
         for (char &byte : bytes)
             byte = _input.take<char>();
     }
-    _builder.addValuesToVertexAttribute(name, isHuge() ? hugeCount(type) : count, bytes.constData(),
-                                        type);
+    _builder.addValuesToVertexAttribute(name, count, bytes.constData(), type);
 }
 
 void BuilderScript::addIndices()
 {
     const QString name = attributeName();
     const std::vector<unsigned> indices = takeNumbers(_input);
-    _builder.addIndicesToVertexAttribute(
-        name, isHuge() ? hugeCount(GL_UNSIGNED_INT) : indices.size(), indices.data());
+    _builder.addIndicesToVertexAttribute(name, indices.size(), indices.data());
 }
 
 void BuilderScript::addFaces()
 {
     const std::vector<unsigned> counts = takeNumbers(_input);
-    _builder.addVertexCountsToFaces(isHuge() ? hugeCount(GL_UNSIGNED_INT) : counts.size(),
-                                    counts.data());
+    _builder.addVertexCountsToFaces(counts.size(), counts.data());
 }
 
 void BuilderScript::createGroup()
@@ -161,8 +158,7 @@ void BuilderScript::addFacesToGroup()
     const std::vector<unsigned> faces = takeNumbers(_input);
     const QString objectNames[] = {QString(), QStringLiteral(""), QStringLiteral("x")};
     const QString &objectName = objectNames[_input.below(3)];
-    _builder.addFacesToMaterialGroup(name, isHuge() ? hugeCount(GL_UNSIGNED_INT) : faces.size(),
-                                     faces.data(), objectName);
+    _builder.addFacesToMaterialGroup(name, faces.size(), faces.data(), objectName);
 }
 
 /// What a loader does for a face: calls that chance alone rarely brings together.
