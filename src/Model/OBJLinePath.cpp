@@ -181,7 +181,7 @@ private:
     OBJCounts _counts;
     /// By name; filled only for a report. Ordered: names can be made up that collide in a hash table.
     QMap<QString, UndrawnFaces> _withoutMaterial;
-    QVarLengthArray<unsigned, 64> _indices; // one face's, kept to spare its memory
+    QVarLengthArray<unsigned, 64> _indices; // one face's, kept for its memory
 };
 
 } // namespace
