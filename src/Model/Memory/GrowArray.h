@@ -87,15 +87,16 @@ public:
         _size = count;
     }
 
-    /// The same memory as elements of another type of the same size.
+    /// The same memory as elements of another type, which divides this one.
     template <typename U>
     GrowArray<U> recast() &&
     {
-        static_assert(sizeof(U) == sizeof(T) && alignof(U) == alignof(T));
+        static_assert(sizeof(T) % sizeof(U) == 0 && alignof(T) % alignof(U) == 0);
+        constexpr size_t parts = sizeof(T) / sizeof(U);
         GrowArray<U> other;
         other._data = reinterpret_cast<U *>(std::exchange(_data, nullptr));
-        other._size = std::exchange(_size, 0);
-        other._capacity = std::exchange(_capacity, 0);
+        other._size = parts * std::exchange(_size, 0);
+        other._capacity = parts * std::exchange(_capacity, 0);
         return other;
     }
 

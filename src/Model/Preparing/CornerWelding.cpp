@@ -236,8 +236,7 @@ private:
         const auto tupleCount = static_cast<quint32>(vertexOfTuple.size());
         if (!_inParallel)
             return numberRows(rows, tupleCount, vertexOfTuple.data());
-        const quint32 count =
-            numberRowsInParallel(rows, tupleCount, vertexOfTuple.data(), _work, _sizes);
+        const quint32 count = numberRowsInParallel(rows, vertexOfTuple, _work, _sizes);
         if (count < tupleCount) {
             GrowArray<quint32> *const all[] = {&indices.positions, &indices.normals,
                                                &indices.texCoords};

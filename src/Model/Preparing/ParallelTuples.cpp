@@ -67,13 +67,18 @@ class Nodes
 public:
     static constexpr size_t TakenAtOnce = 512;
 
-    Nodes(size_t mostTuples, unsigned threads)
-        : _nodes(mostTuples + (threads + 1) * 2 * TakenAtOnce)
-    {}
+    /// \param takers each of which may leave nodes that it has taken.
+    Nodes(size_t mostTuples, size_t takers) : _nodes(mostTuples + (takers + 1) * TakenAtOnce) {}
 
     size_t take() { return _taken.fetch_add(TakenAtOnce); }
     size_t taken() const { return std::min(_taken.load(), _nodes.size()); }
     Node<Others> &operator[](size_t i) { return _nodes[i]; }
+
+    /// The memory of the nodes, of which a part has been used.
+    GrowArray<quint32> intoMemory() &&
+    {
+        return std::move(_nodes).intoArray().template recast<quint32>();
+    }
 
 private:
     ZeroedArray<Node<Others>> _nodes;
@@ -93,11 +98,14 @@ class SharedChains
 public:
     using Indices = std::array<quint32, Others>;
 
-    SharedChains(quint32 positionCount, size_t cornerCount, unsigned threads)
-        : _heads(static_cast<size_t>(positionCount) + 1), _nodes(cornerCount, threads)
+    SharedChains(quint32 positionCount, size_t cornerCount, size_t takers)
+        : _heads(static_cast<size_t>(positionCount) + 1), _nodes(cornerCount, takers + 1)
     {}
 
-    void prefetch(quint32 position) const { __builtin_prefetch(_heads.data() + position); }
+    Q_ALWAYS_INLINE void prefetch(quint32 position) const
+    {
+        __builtin_prefetch(_heads.data() + position);
+    }
 
     /// The node of a tuple that `corner` has.
     quint32 find(quint32 position, const Indices &others, quint32 corner, NodeSupply &supply)
@@ -186,15 +194,12 @@ void findNodes(SharedChains<Others> &chains, GrowArray<quint32> &corners, quint3
     const size_t count = corners.size();
     const quint32 *const positionOf = corners.data();
     quint32 *const nodeOf = corners.data(); // the same memory, behind what is read
-    std::atomic<size_t> nextBlock{0};
-    const size_t size = sizes.elementsPerTask;
-    WorkSteps steps{Finding, TaskRange::taskCount(size, count)};
-    work.together(work.threadCount() - 1, [&](bool) {
-        NodeSupply supply;
-        for (size_t block = nextBlock++; block < steps.count; block = nextBlock++) {
-            const TaskRange range(block, size, count);
-            for (size_t corner = range.begin; corner < range.end; ++corner) {
-                if (range.end - corner > Ahead)
+    std::vector<NodeSupply> supplies(work.partCount());
+    work.forEachInParts(
+        Finding, count, sizes.elementsPerTask, [&](size_t part, size_t begin, size_t end) {
+            NodeSupply supply = supplies[part];
+            for (size_t corner = begin; corner < end; ++corner) {
+                if (end - corner > Ahead)
                     chains.prefetch(std::min(positionOf[corner + Ahead], positionCount));
                 std::array<quint32, Others> indices;
                 for (unsigned i = 0; i < Others; ++i)
@@ -202,9 +207,8 @@ void findNodes(SharedChains<Others> &chains, GrowArray<quint32> &corners, quint3
                 nodeOf[corner] = chains.find(std::min(positionOf[corner], positionCount), indices,
                                              static_cast<quint32>(corner), supply);
             }
-            work.step(steps);
-        }
-    });
+            supplies[part] = supply;
+        });
 }
 
 template <unsigned Others>
@@ -213,14 +217,13 @@ IndexTuples numberTuples(CornerIndices &&positions, std::vector<CornerIndices> &
 {
     const size_t size = sizes.elementsPerTask;
     const size_t cornerCount = positions.indices.size();
-    SharedChains<Others> chains(positions.valueCount, cornerCount, work.threadCount());
+    SharedChains<Others> chains(positions.valueCount, cornerCount, work.partCount());
     findNodes(chains, positions.indices, positions.valueCount, others, work, sizes);
 
     Nodes<Others> &nodes = chains.nodes();
     const auto forEachNode = [&](const StagePart &part, const auto &function) {
-        work.forEach(part, TaskRange::taskCount(size, nodes.taken()), [&](size_t task) {
-            const TaskRange range(task, size, nodes.taken());
-            for (size_t i = range.begin; i < range.end; ++i) {
+        work.forEachInParts(part, nodes.taken(), size, [&](size_t, size_t begin, size_t end) {
+            for (size_t i = begin; i < end; ++i) {
                 if (nodes[i].first != 0)
                     function(nodes[i], inverted(nodes[i].first));
             }
@@ -244,11 +247,11 @@ IndexTuples numberTuples(CornerIndices &&positions, std::vector<CornerIndices> &
             tuples.others[i][number] = node.others[i];
     });
     tuples.tupleOfCorner = std::move(positions.indices);
-    work.forEach(Renumbering, TaskRange::taskCount(size, cornerCount), [&](size_t task) {
-        const TaskRange range(task, size, cornerCount);
-        for (size_t corner = range.begin; corner < range.end; ++corner)
+    work.forEachInParts(Renumbering, cornerCount, size, [&](size_t, size_t begin, size_t end) {
+        for (size_t corner = begin; corner < end; ++corner)
             tuples.tupleOfCorner[corner] = nodes[tuples.tupleOfCorner[corner]].next;
     });
+    tuples.reusable = std::move(nodes).intoMemory();
     return tuples;
 }
 
@@ -262,9 +265,8 @@ IndexTuples numberPositions(CornerIndices &&positions, Work &work, const Prepari
     quint32 *const indices = positions.indices.data();
     ZeroedArray<quint32> firstOf(positionCount); // inverted corners; then numbers
     const auto forEachCorner = [&](const StagePart &part, const auto &function) {
-        work.forEach(part, TaskRange::taskCount(size, cornerCount), [&](size_t task) {
-            const TaskRange range(task, size, cornerCount);
-            for (size_t corner = range.begin; corner < range.end; ++corner)
+        work.forEachInParts(part, cornerCount, size, [&](size_t, size_t begin, size_t end) {
+            for (size_t corner = begin; corner < end; ++corner)
                 function(static_cast<quint32>(corner), firstOf[std::min(indices[corner], nothing)]);
         });
     };
@@ -272,9 +274,8 @@ IndexTuples numberPositions(CornerIndices &&positions, Work &work, const Prepari
 
     FirstCorners firsts(cornerCount);
     const auto forEachFirst = [&](const StagePart &part, const auto &function) {
-        work.forEach(part, TaskRange::taskCount(size, positionCount), [&](size_t task) {
-            const TaskRange range(task, size, positionCount);
-            for (size_t position = range.begin; position < range.end; ++position) {
+        work.forEachInParts(part, positionCount, size, [&](size_t, size_t begin, size_t end) {
+            for (size_t position = begin; position < end; ++position) {
                 if (firstOf[position] != 0)
                     function(static_cast<quint32>(position), firstOf[position]);
             }
@@ -289,6 +290,7 @@ IndexTuples numberPositions(CornerIndices &&positions, Work &work, const Prepari
     });
     forEachCorner(Renumbering, [&](quint32 corner, quint32 &number) { indices[corner] = number; });
     tuples.tupleOfCorner = std::move(positions.indices);
+    tuples.reusable = std::move(firstOf).intoArray();
     return tuples;
 }
 

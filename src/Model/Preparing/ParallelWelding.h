@@ -28,13 +28,14 @@ constexpr quint32 NumberFlag = 1u << 31;
 /// the rows, into a table of its own: equal rows are in one table, and the first comes first.
 /// Nothing is written for rows that have no equal before them, which are nearly all.
 ///
-/// \param numbers receives the number of each row, with NumberFlag; nothing of meaning where all
-///        rows differ.
-/// \return how many numbers there are; `rowCount` where all differ.
+/// \param numbers an entry per row; receives the number of each, with NumberFlag; nothing of
+///        meaning where all rows differ.
+/// \return how many numbers there are; as many as rows where all differ.
 template <typename Rows>
-quint32 numberRowsInParallel(const Rows &rows, quint32 rowCount, quint32 *numbers, Work &work,
+quint32 numberRowsInParallel(const Rows &rows, GrowArray<quint32> &numbers, Work &work,
                              const PreparingSizes &sizes)
 {
+    const auto rowCount = static_cast<quint32>(numbers.size());
     constexpr StagePart Hashing = {WorkStage::Welding, 0.42, 0.6};
     constexpr StagePart Finding = {WorkStage::Welding, 0.6, 0.85};
     constexpr StagePart Numbering = {WorkStage::Welding, 0.85, 0.88};
@@ -46,8 +47,13 @@ quint32 numberRowsInParallel(const Rows &rows, quint32 rowCount, quint32 *number
         return static_cast<size_t>((hash & 0xffff) * shareCount >> 16);
     };
 
-    GrowArray<quint64> hashes;
-    hashes.resize(rowCount);
+    // Behind the numbers, where there is room: fresh memory would cost more.
+    GrowArray<quint64> fresh;
+    auto *hashes = reinterpret_cast<quint64 *>(numbers.data() + (rowCount + 1u) / 2 * 2);
+    if (numbers.capacity() < 3 * (size_t(rowCount) + 1)) {
+        fresh.resize(rowCount);
+        hashes = fresh.data();
+    }
     std::vector<std::atomic<size_t>> rowsOfShare(shareCount);
     work.forEach(Hashing, blockCount, [&](size_t block) {
         const TaskRange range(block, size, rowCount);
@@ -64,40 +70,64 @@ quint32 numberRowsInParallel(const Rows &rows, quint32 rowCount, quint32 *number
             rowsOfShare[share] += counts[share];
     });
 
-    std::atomic<quint32> repeated{0};
+    // In lists, since threads that write to neighbouring numbers would hinder each other.
+    struct Repeated
+    {
+        quint32 row;
+        quint32 first;
+    };
+    std::vector<std::vector<Repeated>> repeatedOfShare(shareCount);
+    std::atomic<size_t> repeatedCount{0};
     WorkSteps steps{Finding, shareCount * blockCount};
     work.forEach(Finding, shareCount, [&](size_t share) {
         RowSlots table(rowCount, rowsOfShare[share]);
-        quint32 waiting[Ahead];
-        quint32 begun = 0; // rows of this share so far: entry i % Ahead waits for its turn
-        quint32 done = 0;
-        quint32 equal = 0;
-        const auto finish = [&](quint32 row) {
+        std::vector<Repeated> repeated;
+        const auto find = [&](quint32 row) {
             const quint32 first = table.findOrInsert(
                 hashes[row], row, [&](quint32 known) { return rows.areEqual(known, row); });
-            if (first != row) {
-                numbers[row] = first;
-                ++equal;
-            }
+            if (first != row)
+                repeated.push_back({row, first});
         };
+        std::vector<quint32> own(std::min<size_t>(size, 4096) + 1);
         for (size_t block = 0; block < blockCount; ++block) {
             const TaskRange range(block, size, rowCount);
-            for (size_t row = range.begin; row < range.end; ++row) {
-                if (shareOf(hashes[row]) != share)
-                    continue;
-                if (begun - done == Ahead)
-                    finish(waiting[done++ % Ahead]);
-                table.prefetch(hashes[row]);
-                waiting[begun++ % Ahead] = static_cast<quint32>(row);
+            for (size_t begin = range.begin; begin < range.end; begin += own.size() - 1) {
+                // No branch, since whose row it is cannot be predicted: every row is written to
+                // the list, and counted if it is this share's.
+                const size_t end = std::min(begin + own.size() - 1, range.end);
+                size_t count = 0;
+                for (size_t row = begin; row < end; ++row) {
+                    own[count] = static_cast<quint32>(row);
+                    count += shareOf(hashes[row]) == share ? 1 : 0;
+                }
+                const bool manyRepeat = repeated.size() > begin / shareCount / 8;
+                // Inlined by force: the compiler leaves out calls of what only fetches.
+                const auto lookAhead = [&](size_t i) __attribute__((always_inline))
+                {
+                    table.prefetch(hashes[own[i]]);
+                    if (manyRepeat) // few values are looked at otherwise
+                        rows.prefetch(own[i]);
+                };
+                for (size_t i = 0; i < std::min<size_t>(count, Ahead); ++i)
+                    lookAhead(i);
+                for (size_t i = 0; i < count; ++i) {
+                    if (count - i > Ahead)
+                        lookAhead(i + Ahead);
+                    find(own[i]);
+                }
             }
             work.step(steps);
         }
-        while (done != begun)
-            finish(waiting[done++ % Ahead]);
-        repeated += equal;
+        repeatedCount += repeated.size();
+        repeatedOfShare[share] = std::move(repeated);
     });
-    if (repeated == 0)
+    if (repeatedCount == 0)
         return rowCount;
+    for (const std::vector<Repeated> &repeated : repeatedOfShare) {
+        for (const Repeated &entry : repeated)
+            numbers[entry.row] = entry.first;
+    }
+    repeatedOfShare.clear();
 
     // The first of equal rows get their numbers, then the others theirs.
     std::vector<quint32> before(blockCount + 1);

@@ -169,6 +169,19 @@ void Work::tell(WorkStage stage, double fraction)
         throw WorkStopped();
 }
 
+void Work::forEachInParts(const StagePart &part, size_t count, size_t size, const PartTask &task)
+{
+    WorkSteps steps{part, TaskRange::taskCount(size, count)};
+    forEach(part, partCount(), [&](size_t number) {
+        const EqualRange tasks(number, partCount(), steps.count);
+        for (size_t i = tasks.begin; i < tasks.end; ++i) {
+            const TaskRange range(i, size, count);
+            task(number, range.begin, range.end);
+            step(steps);
+        }
+    });
+}
+
 void Work::step(WorkSteps &steps)
 {
     disturb();
@@ -194,8 +207,9 @@ void Work::together(unsigned helperCount, const std::function<void(bool isCaller
         const Helpers helpers(*_pool, crew, helperCount);
         crew->run(true);
     }
-    if (crew->failure)
-        std::rethrow_exception(crew->failure);
+    // Taken out: a helper that comes late deletes the crew on its thread.
+    if (const std::exception_ptr failure = std::exchange(crew->failure, nullptr))
+        std::rethrow_exception(failure);
 }
 
 void Work::forEachAlone(const StagePart &part, size_t count,

@@ -32,7 +32,10 @@ public:
     bool isFull() const { return _room == 0; }
 
     /// Starts fetching the group where the search for `hash` begins.
-    void prefetch(quint64 hash) const { __builtin_prefetch(_groups.data() + home(hash), 1); }
+    Q_ALWAYS_INLINE void prefetch(quint64 hash) const
+    {
+        __builtin_prefetch(_groups.data() + home(hash), 1);
+    }
 
     /// The number of the row that equals the one sought; `candidate`, which then
     /// stands for it, when there is none.
