@@ -69,6 +69,8 @@ void FaceCheck::addFace(qint64 line, const std::vector<Corner> &corners, int mat
     }
     _corners += face.corners;
     takeWaiting(false);
+    if (hasPositionsLate) // what was examined is another face
+        _wasExamined = false;
 
     for (const Corner &corner : corners)
         countIndex(_v, "v", corner.v, line);

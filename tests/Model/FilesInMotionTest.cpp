@@ -133,7 +133,7 @@ TEST_F(FilesChangedInTheMiddle, ALibraryThatIsReplacedWhileItIsWaitedForIsReadAs
             GTEST_SKIP() << "no leases on the files of this system";
         EXPECT_EQ(outcome.error, UploadedModel::untouchedError());
         EXPECT_THAT(differences(before, outcome),
-                    ElementsAre("materials, record 0: number of members: expected 1, got 2"));
+                    ElementsAre("materials, record 1: number of members: expected 1, got 2"));
         EXPECT_THAT(differences(loadByPath(fileName, path), outcome), IsEmpty());
     }
 }

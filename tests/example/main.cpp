@@ -1,7 +1,6 @@
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/HeadlessContext.h>
 #include <OrvModel/ModelLoading.h>
-
 #include <QtCore/QtDebug>
 
 using namespace Halvard::Orv;

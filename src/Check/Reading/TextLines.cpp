@@ -4,6 +4,7 @@
 #include <QtCore/QTextCodec>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace Halvard::Orv::Checking {
@@ -31,6 +32,23 @@ bool isSingleByteASCII(const QTextCodec &codec)
             return false;
     }
     return true;
+}
+
+/// Bytes at the end of a text in UTF-8 that begin a character without ending it: a decoder
+/// waits for the rest, and drops them.
+std::ptrdiff_t unfinishedBytes(const char *begin, const char *end)
+{
+    constexpr std::ptrdiff_t LongestBegin = 3;
+    for (std::ptrdiff_t i = 1; i <= std::min(LongestBegin, end - begin); ++i) {
+        const auto byte = static_cast<unsigned char>(end[-i]);
+        if (byte < 0x80)
+            return 0;
+        if (byte >= 0xc0) {
+            const std::ptrdiff_t length = byte < 0xe0 ? 2 : byte < 0xf0 ? 3 : 4;
+            return length > i ? i : 0;
+        }
+    }
+    return 0;
 }
 
 /// Turns the text mode of a device off while it lives.
@@ -178,6 +196,8 @@ bool TextLines::next(TextLine &line)
     line.begin = _buffer.data() + _begin;
     line.next = feed ? feed + 1 : _buffer.data() + _end;
     line.end = feed ? feed : line.next;
+    if (!feed && isUTF8())
+        line.end -= unfinishedBytes(line.begin, line.end);
     while (line.end > line.begin && line.end[-1] == '\r')
         --line.end;
     line.offset = _offset;

@@ -5,6 +5,8 @@
 
 #include <QtCore/QTextCodec>
 
+#include <memory>
+
 namespace {
 
 using OrvTest::expectRows;
@@ -15,7 +17,8 @@ const QByteArray Triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
 /// Text in an encoding, with its byte-order mark.
 QByteArray encoded(const char *codec, const QByteArray &text)
 {
-    return QTextCodec::codecForName(codec)->makeEncoder()->fromUnicode(QString::fromUtf8(text));
+    const std::unique_ptr<QTextEncoder> encoder(QTextCodec::codecForName(codec)->makeEncoder());
+    return encoder->fromUnicode(QString::fromUtf8(text));
 }
 
 TEST(TextRepair, JoinsContinuedLines)

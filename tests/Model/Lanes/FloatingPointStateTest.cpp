@@ -316,6 +316,8 @@ using FloatingPointStateOfTextures = GLTest;
 TEST_F(FloatingPointStateOfTextures, AreLoadedInEveryState)
 {
     const TemporaryModel directory;
+    // They live as long as the process, and the leak sanitizer is to find them.
+    static std::vector<Texture *> textures;
     for (const HostState &host : hostStates()) {
         const QString path = directory.path(QLatin1String(host.name) + QLatin1String(".png"));
         QImage image(5, 3, QImage::Format_ARGB32);
@@ -323,6 +325,7 @@ TEST_F(FloatingPointStateOfTextures, AreLoadedInEveryState)
         ASSERT_TRUE(image.save(path));
         Texture *texture = nullptr;
         inState(host, [&] { texture = LoadTexture(path); });
+        textures.push_back(texture);
         EXPECT_NE(texture, nullptr) << host.name;
     }
 }
