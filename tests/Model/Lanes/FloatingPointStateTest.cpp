@@ -25,6 +25,7 @@
 #include <QtGui/QVector2D>
 #include <QtGui/QVector3D>
 
+#include <array>
 #include <cfenv>
 #include <cmath>
 #include <cstring>
@@ -316,8 +317,9 @@ using FloatingPointStateOfTextures = GLTest;
 TEST_F(FloatingPointStateOfTextures, AreLoadedInEveryState)
 {
     const TemporaryModel directory;
-    // They live as long as the process, and the leak sanitizer is to find them.
-    static std::vector<Texture *> textures;
+    // They live as long as the process, and the leak sanitizer is to find them at its end.
+    static std::array<Texture *, 16> textures;
+    std::size_t count = 0;
     for (const HostState &host : hostStates()) {
         const QString path = directory.path(QLatin1String(host.name) + QLatin1String(".png"));
         QImage image(5, 3, QImage::Format_ARGB32);
@@ -325,7 +327,7 @@ TEST_F(FloatingPointStateOfTextures, AreLoadedInEveryState)
         ASSERT_TRUE(image.save(path));
         Texture *texture = nullptr;
         inState(host, [&] { texture = LoadTexture(path); });
-        textures.push_back(texture);
+        textures.at(count++) = texture;
         EXPECT_NE(texture, nullptr) << host.name;
     }
 }
