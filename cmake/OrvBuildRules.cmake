@@ -1,5 +1,6 @@
 # What every target of ours is compiled with. Nothing of it reaches users of the
-# installed libraries: orv_target() applies it privately.
+# installed libraries, nor a project that this one is a part of: variables are set in this
+# directory and below, and orv_target() applies the rest privately.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -7,10 +8,15 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+# A build folder can be moved as a whole, and its paths stand in no library.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
-if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
-  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+if(PROJECT_IS_TOP_LEVEL)
+  if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+  endif()
+  # Not set in a project that this one is a part of: what holds there is that project's choice.
+  option(BUILD_SHARED_LIBS "Build shared libraries, not static ones" ON)
 endif()
 
 add_library(orv_build_rules INTERFACE)
@@ -34,4 +40,20 @@ endif()
 # orv_target(NAME): our rules for one of our targets.
 function(orv_target name)
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:orv_build_rules>)
+endfunction()
+
+# orv_add_library(NAME SHORT INCLUDE_DIR [SOURCE...]): a library that is installed, Orv::SHORT,
+# with the exported headers below INCLUDE_DIR. BUILD_SHARED_LIBS says whether it is shared; users
+# of a static one are told so by the definition NAME_STATIC, in capitals.
+function(orv_add_library name short include_dir)
+  add_library(${name} ${ARGN})
+  add_library(Orv::${short} ALIAS ${name})
+  orv_target(${name})
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${include_dir}>)
+  if(NOT BUILD_SHARED_LIBS)
+    string(TOUPPER ${name} upper_name)
+    target_compile_definitions(${name} PUBLIC ${upper_name}_STATIC)
+  endif()
+  set_target_properties(${name} PROPERTIES EXPORT_NAME ${short} LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 endfunction()

@@ -1,5 +1,10 @@
 # Every dependency is a Debian package; a missing one is named with its fix.
 
+# A project that this one is a part of links our libraries and, with them, what they link.
+if(NOT PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL ON)
+endif()
+
 # A macro, not a function: package modules leave variables behind that later calls need.
 macro(orv_require package debian)
   find_package(${package} ${ARGN} QUIET)
@@ -13,10 +18,13 @@ orv_require(FastFloat libfast-float-dev)
 
 if(ORV_PLATFORM STREQUAL "bundled")
   orv_require(PkgConfig pkg-config)
-  pkg_check_modules(EPOXY QUIET IMPORTED_TARGET epoxy)
-  if(NOT EPOXY_FOUND)
+  pkg_check_modules(ORV_EPOXY QUIET IMPORTED_TARGET GLOBAL epoxy)
+  if(NOT ORV_EPOXY_FOUND)
     message(FATAL_ERROR "libepoxy was not found: install libepoxy-dev (scripts/setup.sh does)")
   endif()
+else()
+  find_package(OrvCore REQUIRED)
+  find_package(OrvGL REQUIRED)
 endif()
 
 if(ORV_BUILD_TESTS)

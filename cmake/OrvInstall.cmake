@@ -1,26 +1,105 @@
-# Headers, libraries and the package config: find_package(OrvModel) then gives
-# Orv::Model, Orv::Check, Orv::Core and Orv::GL.
+# Libraries, headers, and what find_package and pkg-config need of them. Every installed file finds
+# the others from its own place: an installed tree can be moved.
+#
+# The components, which packages are made of:
+#
+#   orv_platform_runtime, orv_platform_development   libOrvCore and libOrvGL, where they are our own
+#   orv_runtime, orv_development                     libOrvModel and libOrvCheck
+#   orv_tools                                        the command line
 include(CMakePackageConfigHelpers)
 
-set(orv_installed OrvModel OrvCheck)
-install(DIRECTORY include/OrvModel include/OrvCheck DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+set(orv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake)
+set(orv_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH orv_bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+
+# orv_install_package(NAME COMPONENT TARGET...): the targets, and what find_package(NAME) reads.
+# COMPONENT is the beginning of the components' names.
+function(orv_install_package name component)
+  install(TARGETS ${ARGN} EXPORT ${name}Targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+      COMPONENT ${component}_runtime NAMELINK_COMPONENT ${component}_development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component}_development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  set_property(TARGET ${ARGN} APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
+
+  set(package_dir ${orv_package_dir}/${name})
+  configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/${name}Config.cmake.in
+    ${PROJECT_BINARY_DIR}/${name}Config.cmake INSTALL_DESTINATION ${package_dir}
+    NO_SET_AND_CHECK_MACRO)
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/${name}ConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+  install(EXPORT ${name}Targets NAMESPACE Orv:: DESTINATION ${package_dir}
+    COMPONENT ${component}_development)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}Config.cmake
+                ${PROJECT_BINARY_DIR}/${name}ConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT ${component}_development)
+endfunction()
+
+# orv_pc_path(VARIABLE DIRECTORY): an installation directory as .pc files name it.
+function(orv_pc_path variable directory)
+  if(IS_ABSOLUTE "${directory}")
+    set(${variable} "${directory}" PARENT_SCOPE)
+  else()
+    set(${variable} "\${prefix}/${directory}" PARENT_SCOPE)
+  endif()
+endfunction()
+
+# orv_install_pc(TARGET COMPONENT DESCRIPTION [REQUIRES...] [PRIVATE REQUIRES...] [LIBS FLAG...]):
+# TARGET.pc for pkg-config. Users of a static library need what the library needs for itself.
+function(orv_install_pc target component description)
+  cmake_parse_arguments(PARSE_ARGV 3 arg "" "" "REQUIRES;PRIVATE;LIBS")
+  if(BUILD_SHARED_LIBS)
+    set(definitions "")
+  else()
+    list(APPEND arg_REQUIRES ${arg_PRIVATE})
+    set(arg_PRIVATE "")
+    string(TOUPPER "-D${target}_STATIC" definitions)
+  endif()
+  list(JOIN arg_REQUIRES ", " requires)
+  list(JOIN arg_PRIVATE ", " requires_private)
+  list(JOIN arg_LIBS " " libs_private)
+  if(IS_ABSOLUTE "${orv_pc_dir}")
+    set(prefix "${CMAKE_INSTALL_PREFIX}")
+  else()
+    file(RELATIVE_PATH to_prefix /${orv_pc_dir} /)
+    string(REGEX REPLACE "/$" "" prefix "\${pcfiledir}/${to_prefix}")
+  endif()
+  orv_pc_path(libdir "${CMAKE_INSTALL_LIBDIR}")
+  orv_pc_path(includedir "${CMAKE_INSTALL_INCLUDEDIR}")
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/pkgconfig.pc.in ${PROJECT_BINARY_DIR}/${target}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${target}.pc DESTINATION ${orv_pc_dir} COMPONENT ${component})
+endfunction()
+
+# orv_install_headers(COMPONENT DIRECTORY...)
+function(orv_install_headers component)
+  install(DIRECTORY ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT ${component}
+          FILES_MATCHING PATTERN "*.h")
+endfunction()
+
+# orv_install_program(TARGET COMPONENT)
+function(orv_install_program target component)
+  install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
+  set_property(TARGET ${target} APPEND PROPERTY INSTALL_RPATH "$ORIGIN/${orv_bin_to_lib}")
+endfunction()
+
 if(ORV_PLATFORM STREQUAL "bundled")
-  list(APPEND orv_installed OrvCore OrvGL)
-  install(DIRECTORY platform/OrvCore/include/OrvCore platform/OrvGL/include/OrvGL
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-endif()
-install(TARGETS ${orv_installed} EXPORT OrvModelTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-if(ORV_BUILD_APPS)
-  install(TARGETS orv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  orv_install_package(OrvCore orv_platform OrvCore)
+  orv_install_package(OrvGL orv_platform OrvGL)
+  orv_install_headers(orv_platform_development
+    platform/OrvCore/include/OrvCore platform/OrvGL/include/OrvGL)
+  orv_install_pc(OrvCore orv_platform_development "Instance-data records with std430 packing"
+    REQUIRES Qt5Core)
+  orv_install_pc(OrvGL orv_platform_development "OpenGL contexts, buffers, draw bundles and textures"
+    REQUIRES OrvCore Qt5Core Qt5Gui epoxy LIBS -ldl)
 endif()
 
-set(orv_config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/OrvModel)
-install(EXPORT OrvModelTargets NAMESPACE Orv:: DESTINATION ${orv_config_dir})
-configure_package_config_file(cmake/OrvModelConfig.cmake.in
-  ${CMAKE_CURRENT_BINARY_DIR}/OrvModelConfig.cmake INSTALL_DESTINATION ${orv_config_dir})
-write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/OrvModelConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvModelConfig.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/OrvModelConfigVersion.cmake
-        DESTINATION ${orv_config_dir})
+orv_install_package(OrvModel orv OrvModel OrvCheck)
+orv_install_headers(orv_development include/OrvModel include/OrvCheck)
+orv_install_pc(OrvModel orv_development "${PROJECT_DESCRIPTION}"
+  REQUIRES OrvCore OrvGL Qt5Core Qt5Gui)
+orv_install_pc(OrvCheck orv_development "What in Wavefront OBJ/MTL files will not do what is expected"
+  REQUIRES Qt5Core Qt5Gui PRIVATE OrvModel)
+
+if(TARGET orv)
+  orv_install_program(orv orv_tools)
+endif()

@@ -6,7 +6,9 @@
 
 /// Marks what libOrvCore exports; everything else is hidden. CMake defines OrvCore_EXPORTS while
 /// the library itself is compiled.
-#ifdef OrvCore_EXPORTS
+#if defined(ORVCORE_STATIC)
+#define ORVCORE_EXPORT
+#elif defined(OrvCore_EXPORTS)
 #define ORVCORE_EXPORT Q_DECL_EXPORT
 #else
 #define ORVCORE_EXPORT Q_DECL_IMPORT
