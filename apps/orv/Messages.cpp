@@ -62,16 +62,18 @@ void hold(const QString &text)
 }
 
 /// What the PNG reader has to say of colour profiles and the like changes nothing. Where it
-/// cannot read an image, somebody else says so with the name of the file.
+/// cannot read an image, somebody else says so with the name of the file. Where no thread can be
+/// started, the calling one does the work.
 bool isOfNoConsequence(const QString &text)
 {
     return text.startsWith(QLatin1String("libpng ")) ||
-           text.startsWith(QLatin1String("QImage: out of memory"));
+           text.startsWith(QLatin1String("QImage: out of memory")) ||
+           text.startsWith(QLatin1String("QThread::start: Thread "));
 }
 
 void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
-    if (type == QtWarningMsg && isOfNoConsequence(text))
+    if ((type == QtWarningMsg || type == QtCriticalMsg) && isOfNoConsequence(text))
         type = QtDebugMsg;
     switch (type) {
     case QtDebugMsg:

@@ -13,6 +13,8 @@
 
 #include <unistd.h>
 
+#include <optional>
+
 namespace Halvard::Orv::Cli {
 
 namespace {
@@ -25,6 +27,37 @@ std::unique_ptr<PreparedModel> prepareStandardInput(QString &error, const Prepar
     error = QStringLiteral("Standard input cannot be read: %1.").arg(input.errorString());
     return nullptr;
 }
+
+/// The threads that help to prepare, for the time of one preparation.
+class Helpers
+{
+public:
+    explicit Helpers(int count) : _pool(thePool()) { _pool.setMaxThreadCount(count); }
+
+    ~Helpers()
+    {
+        // The threads have nothing more to do, and end at once. Only those are waited for in vain
+        // that could not be started.
+        constexpr int LongestWait = 100; // milliseconds
+        _pool.waitForDone(LongestWait);
+    }
+
+    Helpers(const Helpers &) = delete;
+    Helpers &operator=(const Helpers &) = delete;
+
+    QThreadPool *pool() { return &_pool; }
+
+private:
+    /// Never destroyed: Qt counts a thread that could not be started, for want of memory or of
+    /// threads, as one at work, and a pool that is destroyed waits for those without end.
+    static QThreadPool &thePool()
+    {
+        static auto *const pool = new QThreadPool;
+        return *pool;
+    }
+
+    QThreadPool &_pool;
+};
 
 } // namespace
 
@@ -47,11 +80,10 @@ std::unique_ptr<PreparedModel> prepareFile(const QString &fileName, int threads,
         };
     QString error;
     std::unique_ptr<PreparedModel> model;
-    QThreadPool helpers;
-    helpers.setMaxThreadCount(threads - 1);
-    if (threads > 1)
-        options.threadPool = &helpers;
     {
+        std::optional<Helpers> helpers;
+        if (threads > 1)
+            options.threadPool = helpers.emplace(threads - 1).pool();
         Progress progress(Progress::loadingOf(fileName));
         options.progress = [&progress](const PrepareProgress &done) {
             progress.setFraction(done.fraction);
