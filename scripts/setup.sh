@@ -30,7 +30,8 @@ build_packages=(
 )
 # OpenGL ES: what the libraries do in the context of a program that uses it. The models are those
 # that another library is tested with.
-test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels)
+# The reference is made, and JSON is held against its schemas.
+test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)

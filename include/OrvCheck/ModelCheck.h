@@ -16,6 +16,9 @@ class QIODevice;
 
 namespace Halvard::Orv {
 
+/// \addtogroup check
+/// @{
+
 /// How much a finding matters.
 enum class FindingSeverity
 {
@@ -37,7 +40,7 @@ struct Finding
     /// Stable name of the kind of finding, for example "material-undefined".
     /// docs/checks.md lists all of them.
     QString code;
-    FindingSeverity severity = FindingSeverity::Hint;
+    FindingSeverity severity = FindingSeverity::Hint; ///< How much it matters.
     /// The file that holds the first occurrence: the model, or a library that it names.
     QString file;
     /// Line of the first occurrence, counted from 1.
@@ -60,7 +63,7 @@ struct Finding
     /// MaxCorners of them.
     QVector<QVector3D> corners;
 
-    static constexpr int MaxCorners = 64;
+    static constexpr int MaxCorners = 64; ///< Most positions in `corners`.
 };
 
 /// The findings on one model and its libraries.
@@ -118,6 +121,9 @@ enum class CheckStatus
 /// \param result assigned when the status is Done.
 /// \param reason assigned why the file is unreadable, when it is: "no such file", "permission
 ///        denied" ...
+/// \param options progress, textures and libraries.
+/// \return whether `result` holds the findings; else it is untouched.
+///
 /// Any file ends in one of the three ways; std::bad_alloc where memory ends. Safe on any thread.
 ORVCHECK_EXPORT CheckStatus checkModel(const QString &fileName, ModelFindings &result,
                                        QString &reason, const CheckOptions &options = {});
@@ -126,7 +132,10 @@ ORVCHECK_EXPORT CheckStatus checkModel(const QString &fileName, ModelFindings &r
 /// control characters of C0 and C1, line and paragraph separators, and the characters that set
 /// the writing direction become "\xNN" or "\u{NNNN}". Half of a pair of characters, which stands
 /// for a byte of a file name that is no text, becomes "\xNN" too. A backslash stays as it is.
+/// \param text any.
 /// \param maxLength longer texts are cut there and end in "..."; 0 does not cut.
 ORVCHECK_EXPORT QString printableText(const QString &text, int maxLength = 0);
+
+/// @}
 
 } // namespace Halvard::Orv

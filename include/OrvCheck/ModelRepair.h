@@ -15,6 +15,9 @@ class QIODevice;
 
 namespace Halvard::Orv {
 
+/// \addtogroup check
+/// @{
+
 /// One kind of change: all its occurrences together.
 ///
 /// Texts are as those of a Finding: names from the file stand in them as they are.
@@ -85,15 +88,21 @@ struct RepairResult
 /// Either all outputs are written or none, and none by halves; an older file of an output's name
 /// is replaced. Inputs are never written to.
 ///
+/// \param fileName the OBJ file to mend.
 /// \param outputName the OBJ file to write. Not read in a dry run, but names libraries there, too.
 /// \param result assigned when the status is Done.
 /// \param reason a sentence without a full stop, assigned when the status is Unreadable or
 ///        Unwritable.
+/// \param options a dry run, progress and libraries.
+/// \return whether the outputs are written; they are in no other case.
+///
 /// Any file ends in one of the four ways; std::bad_alloc where memory ends. Memory is in
 /// proportion to the number of values in the file, of libraries to their size. Safe on any thread.
 /// Needs no OpenGL.
 ORVCHECK_EXPORT RepairStatus repairModel(const QString &fileName, const QString &outputName,
                                          RepairResult &result, QString &reason,
                                          const RepairOptions &options = {});
+
+/// @}
 
 } // namespace Halvard::Orv

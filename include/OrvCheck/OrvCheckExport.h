@@ -5,6 +5,8 @@
 
 #include <QtCore/qglobal.h>
 
+/// \def ORVCHECK_EXPORT
+/// Marks what libOrvCheck exports; everything else is hidden.
 #if defined(ORVCHECK_STATIC)
 #define ORVCHECK_EXPORT
 #elif defined(ORVCHECK_BUILD)

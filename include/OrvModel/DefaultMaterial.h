@@ -6,6 +6,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup upload
+/// @{
+
 class InstanceData;
 
 /// A light grey, opaque material: a record of the plan "OBJMaterial" with Ka
@@ -16,5 +19,7 @@ class InstanceData;
 /// this call. Needs the thread whose OpenGL context is current; without a
 /// context the two textures are null.
 ORVMODEL_EXPORT InstanceData makeDefaultMaterial();
+
+/// @}
 
 } // namespace Halvard::Orv

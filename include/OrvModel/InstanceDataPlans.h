@@ -6,6 +6,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup upload
+/// @{
+
 /// Registers the plan "InstanceInfo", the per-model record: "ModelMatrix" and
 /// "ModelNormalMatrix", each a 4x4 matrix of floats.
 ///
@@ -20,5 +23,7 @@ ORVMODEL_EXPORT void registerInstanceInfo();
 /// loadMaterialsFromMTLFile() calls it once, the first time it opens a file;
 /// another call registers a second plan of the same name. Safe on any thread.
 ORVMODEL_EXPORT void registerOBJMaterial();
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -10,6 +10,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup read
+/// @{
+
 /// Steps through a material library, tells what kind of line is at hand, and
 /// parses it on request. Knows nothing of materials.
 ///
@@ -71,17 +74,17 @@ public:
     /// \name Colour of the last parsed "Ka", "Kd" or "Ks" line
     /// All three return the same three floats.
     /// @{
-    using Floats = float[3];
-    const Floats &getKa() const;
-    const Floats &getKd() const;
-    const Floats &getKs() const;
+    using Floats = float[3];     ///< Red, green and blue, as written: not limited to [0, 1].
+    const Floats &getKa() const; ///< Of a "Ka" line.
+    const Floats &getKd() const; ///< Of a "Kd" line.
+    const Floats &getKs() const; ///< Of a "Ks" line.
     /// @}
 
     /// \name Number of the last parsed "Ns" or "d" line
     /// Both return the first of the three floats.
     /// @{
-    float getNs() const;
-    float getD() const;
+    float getNs() const; ///< Of an "Ns" line.
+    float getD() const;  ///< Of a "d" line.
     /// @}
 
     /// \name Text of the last parsed "newmtl" or map line
@@ -89,11 +92,11 @@ public:
     /// directory. Map options are not understood: "map_Kd -s 2 2 1 wood.png"
     /// names the file "-s".
     /// @{
-    const QString &getNewmtlName() const;
-    const QString &getMapKdPath() const;
-    const QString &getMapKsPath() const;
-    const QString &getMapKaPath() const;
-    const QString &getMapNsPath() const;
+    const QString &getNewmtlName() const; ///< Of a "newmtl" line.
+    const QString &getMapKdPath() const;  ///< Of a "map_Kd" line.
+    const QString &getMapKsPath() const;  ///< Of a "map_Ks" line.
+    const QString &getMapKaPath() const;  ///< Of a "map_Ka" line.
+    const QString &getMapNsPath() const;  ///< Of a "map_Ns" line.
     /// @}
 
     /// The line at hand without its comment and the blanks around it.
@@ -115,5 +118,7 @@ private:
     Floats _values;
     QString _text;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -15,6 +15,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup build
+/// @{
+
 class GPUModel;
 struct ModelBuilderState;
 
@@ -76,11 +79,13 @@ public:
     /// and takes no faces until it has been cleared again.
     void clear();
 
+    /// Whether there is a material group of that name.
     bool hasMaterialGroup(const QString &name) const;
     /// The group's id, -1 for an unknown name.
     int materialGroupId(const QString &name) const;
     /// The group's flags, 0 for an unknown name.
     quint64 materialGroupFlags(const QString &name) const;
+    /// Whether there is a vertex attribute of that name.
     bool hasVertexAttribute(const QString &name) const;
 
     /// Whether there is something to draw: a material group, a face, an
@@ -89,6 +94,7 @@ public:
     bool isValid() const;
 
     /// Makes an attribute, or starts an existing one afresh.
+    /// \param name as the shader spells it.
     /// \param components elements per value, for example 3 for a position.
     /// \param type OpenGL type of the elements.
     /// \param valueCount, indexCount elements (of unspecified value) that the
@@ -120,13 +126,16 @@ public:
     /// \name Reserved
     /// Part of the interface; they do nothing, at any time.
     /// @{
-    void removeUnusedVertices();
-    void removeDuplicateVertices();
+    void removeUnusedVertices();    ///< Does nothing.
+    void removeDuplicateVertices(); ///< Does nothing.
     /// @}
 
     /// Makes a material group, or starts an existing one afresh without faces and
     /// without an object name.
+    /// \param name by which faces are added to it.
+    /// \param instanceData the material: the record of the group's draw command.
     /// \param id when negative, the number of groups before this call.
+    /// \param flags the caller's bits; see the constructor's `flagsMask`.
     ///
     /// When the allocator throws, the group stays as it was.
     void createMaterialGroup(const QString &name, const InstanceData &instanceData, int id,
@@ -168,6 +177,7 @@ public:
     /// indirect draw command for it. upload() calls it for every group with
     /// faces; calling it outside that sequence is not supported.
     ///
+    /// \param name, group the group.
     /// \param positions GPU values of the position attribute, three floats a vertex.
     /// \param indices GPU vertex number per corner.
     /// \param faceOffsets per face the position in `indices` of its first corner.
@@ -207,10 +217,12 @@ public:
     /// What the builder holds, for the library's own sources: declared and used
     /// in there only.
     ModelBuilderState &state() { return *_state; }
-    const ModelBuilderState &state() const { return *_state; }
+    const ModelBuilderState &state() const { return *_state; } ///< The same to read.
 
 private:
     std::unique_ptr<ModelBuilderState> _state;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -9,6 +9,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup build
+/// @{
+
 /// A growable array of elements of one OpenGL element type, addressed in
 /// elements, never in bytes.
 ///
@@ -118,5 +121,7 @@ public:
 
     ModelDataStream *alloc(unsigned type, unsigned long count) override;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

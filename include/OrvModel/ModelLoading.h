@@ -8,6 +8,9 @@ class QString;
 
 namespace Halvard::Orv {
 
+/// \addtogroup read
+/// @{
+
 class GPUModel;
 class ModelBuilder;
 
@@ -49,6 +52,8 @@ ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString 
 /// Malformed lines and unknown keywords are skipped. Texture files are not
 /// opened; their paths are resolved beside the MTL file.
 ///
+/// \param fileName the MTL file.
+/// \param builder receives the groups, in the order of the file.
 /// \return false, with the builder unchanged, when the file is missing, cannot be
 ///         opened, or is no regular file; and when memory ends: the builder then
 ///         has the materials before the one that did not fit. What the builder's
@@ -56,5 +61,7 @@ ORVMODEL_EXPORT GPUModel *loadModelFromOBJFile(const QString &fileName, QString 
 ///
 /// The first call that opens a file registers the plan "OBJMaterial".
 ORVMODEL_EXPORT bool loadMaterialsFromMTLFile(const QString &fileName, ModelBuilder &builder);
+
+/// @}
 
 } // namespace Halvard::Orv

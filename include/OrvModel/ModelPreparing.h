@@ -15,6 +15,9 @@ class QThreadPool;
 
 namespace Halvard::Orv {
 
+/// \addtogroup prepare
+/// @{
+
 class ModelBuilder;
 
 /// What a preparation is busy with.
@@ -26,10 +29,11 @@ enum class PrepareStage
     Normals        ///< of the triangles, where the file has none
 };
 
+/// How far a preparation is.
 struct PrepareProgress
 {
-    PrepareStage stage;
-    double fraction; ///< of the whole work; never falls, and ends at 1
+    PrepareStage stage; ///< what it is busy with
+    double fraction;    ///< of the whole work; never falls, and ends at 1
 };
 
 /// How a model is prepared. The model is the same to the bit whatever is chosen here.
@@ -62,6 +66,7 @@ struct PrepareOptions
 /// \param errorMessage assigned when the result is null, untouched otherwise: "Failed to load OBJ
 ///        file '%1'" or "Failed to load MTL file '%1'" as by loadModelFromOBJFile(), or "Loading
 ///        of '%1' was cancelled".
+/// \param options progress, threads, libraries and reasons; nothing in it changes the result.
 /// \return null as above. A file without anything to draw gives an empty model.
 ///
 /// Safe on any thread, on several at once.
@@ -76,6 +81,11 @@ prepareModelFromOBJFile(const QString &fileName, QString &errorMessage,
 ///        Where it is a file, its name stands for `fileName`, in messages and for the folder in
 ///        which libraries are looked for; else that is the current folder, and messages show an
 ///        empty name.
+/// \param errorMessage as for prepareModelFromOBJFile().
+/// \param options as for prepareModelFromOBJFile(); PrepareOptions::openLibrary for libraries that
+///        are no files either.
+/// \return as from prepareModelFromOBJFile(). A device that is not open for reading is a file
+///         that cannot be opened.
 ORVMODEL_EXPORT std::unique_ptr<PreparedModel>
 prepareModelFromOBJ(QIODevice &device, QString &errorMessage, const PrepareOptions &options = {});
 
@@ -83,11 +93,14 @@ prepareModelFromOBJ(QIODevice &device, QString &errorMessage, const PrepareOptio
 /// prepared as by an upload, and keeps its streams: the result is a copy, so that whatever is done
 /// with the builder leaves the result as it is.
 ///
+/// \param builder geometry and material groups; used by no other thread meanwhile.
 /// \param positionAttribute an attribute of at least three GL_FLOAT components.
 /// \return null where upload() would do nothing: the builder is not valid, the attribute does not
 ///         exist or is no position, or a stream cannot be had. The report of the result has no
 ///         numbers of a file.
 ORVMODEL_EXPORT std::unique_ptr<PreparedModel> prepareModel(ModelBuilder &builder,
                                                             const QString &positionAttribute);
+
+/// @}
 
 } // namespace Halvard::Orv

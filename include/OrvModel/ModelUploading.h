@@ -8,6 +8,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup upload
+/// @{
+
 class GPUModel;
 class PreparedModel;
 
@@ -16,6 +19,8 @@ class PreparedModel;
 /// one indirect command per material; the materials, and one "InstanceInfo" record with identity
 /// matrices per command.
 ///
+/// \param prepared stays as it is; may be uploaded again, also into other models.
+/// \param model receives the bundles, after those that it has.
 /// \return false, with `model` as it was, where no OpenGL context is current, or OpenGL or the
 ///         process has no room; a warning says so in the second case. An empty model is uploaded at once.
 ///
@@ -54,5 +59,7 @@ private:
     class Steps;
     std::unique_ptr<Steps> _steps;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -8,6 +8,9 @@ class QString;
 
 namespace Halvard::Orv {
 
+/// \addtogroup versions
+/// @{
+
 /// Version of the library's implementation, fixed when it is built.
 class ORVMODEL_EXPORT ModelVersions
 {
@@ -25,5 +28,7 @@ public:
     static QString getGitHash(); ///< empty, not null
     static QString getMd5Sum();  ///< "1": a fixed text, not a digest
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -12,6 +12,9 @@ class QTextStream;
 
 namespace Halvard::Orv {
 
+/// \addtogroup read
+/// @{
+
 /// Steps through OBJ text, tells what kind of line is at hand, and parses it on
 /// request. Knows nothing of the model being built.
 ///
@@ -85,10 +88,10 @@ public:
     /// \name Numbers of the last parsed "v", "vn" or "vt" line
     /// All three return the same three floats; a "vt" line sets the first two.
     /// @{
-    using Floats = float[3];
-    const Floats &getV() const;
-    const Floats &getVn() const;
-    const Floats &getVt() const;
+    using Floats = float[3];     ///< As written, rounded to floats.
+    const Floats &getV() const;  ///< x, y, z of a "v" line.
+    const Floats &getVn() const; ///< x, y, z of a "vn" line.
+    const Floats &getVt() const; ///< u, v of a "vt" line; the third is not the line's.
     /// @}
 
     /// Number of corners of the last parsed face.
@@ -102,13 +105,14 @@ public:
     /// One field serves both. A library path is resolved against the base
     /// directory; a name ends at the first blank.
     /// @{
-    const QString &getUsemtlName() const;
-    const QString &getMtllibPath() const;
+    const QString &getUsemtlName() const; ///< Of a "usemtl" line.
+    const QString &getMtllibPath() const; ///< Of a "mtllib" line.
     /// @}
 
     /// Zero-based index for an index as it stands in a file.
     /// \param index 1 is the first value, -1 the last of the `count` read so far,
     ///        0 stands for a component that is left out.
+    /// \param count number of values read so far.
     /// \return AbsentIndex for 0; otherwise a number that is not checked against
     ///         `count` and may be negative.
     int resolveIndex(int index, int count) const;
@@ -139,6 +143,8 @@ private:
     int _numVt;
     int _numVn;
 };
+
+/// @}
 
 } // namespace Halvard::Orv
 

@@ -5,6 +5,8 @@
 
 #include <QtCore/QtGlobal>
 
+/// \def ORVMODEL_EXPORT
+/// Marks what libOrvModel exports; everything else is hidden.
 #if defined(ORVMODEL_STATIC)
 #define ORVMODEL_EXPORT
 #elif defined(ORVMODEL_BUILD)

@@ -16,6 +16,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup prepare
+/// @{
+
 class PreparedModelData;
 
 /// A triangle mesh with one index for all attributes, its triangles sorted by material.
@@ -53,8 +56,8 @@ public:
     /// An empty model.
     PreparedModel();
     ~PreparedModel();
-    PreparedModel(PreparedModel &&other) noexcept;
-    PreparedModel &operator=(PreparedModel &&other) noexcept;
+    PreparedModel(PreparedModel &&other) noexcept;            ///< `other` is empty afterwards.
+    PreparedModel &operator=(PreparedModel &&other) noexcept; ///< `other` is empty afterwards.
     PreparedModel(const PreparedModel &) = delete;
     PreparedModel &operator=(const PreparedModel &) = delete;
 
@@ -90,8 +93,8 @@ public:
     /// The smallest and the greatest coordinates of the vertices that triangles use; coordinates
     /// that are not finite do not count. Both zero where there is none.
     /// @{
-    QVector3D minimum() const;
-    QVector3D maximum() const;
+    QVector3D minimum() const; ///< In the file's units.
+    QVector3D maximum() const; ///< In the file's units.
     /// @}
 
     /// What the file held, which of its faces are drawn, and where the time went.
@@ -99,10 +102,13 @@ public:
 
     /// For the library itself: what is behind the model.
     const PreparedModelData &data() const;
+    /// For the library itself: a model of these data.
     explicit PreparedModel(std::unique_ptr<PreparedModelData> data);
 
 private:
     std::unique_ptr<PreparedModelData> _data;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -8,6 +8,9 @@ class QString;
 
 namespace Halvard::Orv {
 
+/// \addtogroup upload
+/// @{
+
 class Texture;
 
 /// Loads an image file into a mip-mapped, repeating, read-only 2D texture, its
@@ -17,6 +20,7 @@ class Texture;
 /// process: asking again costs a look-up and gives the same texture. Another
 /// spelling of the same path gives another texture.
 ///
+/// \param fileName an image file of a format that Qt reads; the key of the table.
 /// \return a texture that the caller does not own; null when the name is not a
 ///         regular file, when the image cannot be decoded, when it does not
 ///         decode to 32 bits per pixel (indexed and grey images), or when no
@@ -33,5 +37,7 @@ class Texture;
 /// buffer that is bound stays bound and is not read from; of the pixel storage modes only
 /// GL_UNPACK_ALIGNMENT is changed, to 1.
 ORVMODEL_EXPORT Texture *LoadTexture(const QString &fileName);
+
+/// @}
 
 } // namespace Halvard::Orv

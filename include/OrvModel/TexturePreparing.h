@@ -12,6 +12,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup prepare
+/// @{
+
 class Texture;
 
 /// What an image file may ask for.
@@ -30,9 +33,10 @@ struct PrepareTextureOptions
 /// An image on its way to becoming a texture. A value; copies share the pixels.
 struct PreparedTexture
 {
+    /// Why there is no image.
     enum class Trouble
     {
-        None,
+        None,       ///< There is one.
         Missing,    ///< No file of that name, or a directory.
         NotAFile,   ///< A pipe, a device, or what the kernel makes up while it is read.
         Unreadable, ///< It cannot be opened.
@@ -40,19 +44,20 @@ struct PreparedTexture
         TooLarge,   ///< More pixels than the options allow; it was not decoded.
         Hostile,    ///< Made so that decoding it takes more than its size is worth.
         Misleading, ///< It decoded to another size than it claims.
-        NoMemory
+        NoMemory    ///< The process has no room for the pixels.
     };
 
-    QString fileName;
+    QString fileName; ///< As given to prepareTexture(): the name in LoadTexture()'s table.
     /// The pixels, the bottom row first as OpenGL wants them; null where there is trouble.
     QImage image;
     /// What the file says of its size; invalid where it says nothing.
     QSize claimedSize;
-    Trouble trouble = Trouble::Missing;
+    Trouble trouble = Trouble::Missing; ///< Why `image` is null; None where it is not.
     /// Ends the sentence "The texture 'sea.png' ": "does not exist", for example. Empty
     /// where there is no trouble.
     QString reason;
 
+    /// Whether there is no image.
     bool isNull() const { return image.isNull(); }
 };
 
@@ -64,6 +69,7 @@ struct PreparedTexture
 /// JPEGs of very many scans, PNGs of very much compressed text.
 ///
 /// \param fileName any path that QFile knows.
+/// \param options most pixels, and whether they are converted.
 /// \return an image, or why there is none. Nothing is logged.
 ///
 /// Safe on any thread, also on several at once.
@@ -85,5 +91,7 @@ ORVMODEL_EXPORT PreparedTexture prepareTexture(const QString &fileName,
 /// Call it only on a thread with an OpenGL context current. Leaves the bindings and the
 /// pixel storage modes as they are, but for GL_UNPACK_ALIGNMENT, which is 1 afterwards.
 ORVMODEL_EXPORT Texture *uploadTexture(const PreparedTexture &prepared, QString *reason = nullptr);
+
+/// @}
 
 } // namespace Halvard::Orv

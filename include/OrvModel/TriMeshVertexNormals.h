@@ -6,6 +6,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup geometry
+/// @{
+
 /// Computes one unit normal per vertex: the normalised sum of the normals of the
 /// triangles around it.
 ///
@@ -26,5 +29,7 @@ namespace Halvard::Orv {
 /// Safe on any thread. Allocates nothing.
 ORVMODEL_EXPORT void TriMeshVertexNormals(int vertexCount, int indexCount, float const *positions,
                                           unsigned int const *indices, float *normals);
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -10,6 +10,9 @@ class QVector2D;
 
 namespace Halvard::Orv {
 
+/// \addtogroup geometry
+/// @{
+
 /// Working record of one polygon corner.
 struct Vertex
 {
@@ -55,7 +58,9 @@ ORVMODEL_EXPORT void Triangulate2D(int count, float const *points, QVector<int> 
 /// Recomputes crossZ, cosAngle and isEar of the corner at `index` from its
 /// neighbours and all active corners.
 ///
+/// \param vertices all corners of the ring; the record at `index` changes.
 /// \param points one point per entry of `vertices`.
+/// \param index position in `vertices` of the corner.
 /// \pre `index` and the links of `vertices[index]` are positions in `vertices`.
 ORVMODEL_EXPORT void UpdateVertex(QVector<Vertex> &vertices, QVector2D const *points, int index);
 
@@ -67,11 +72,14 @@ ORVMODEL_EXPORT void UpdateVertex(QVector<Vertex> &vertices, QVector2D const *po
 ///
 /// \param count number of entries of `indices`: three a triangle; an incomplete
 ///        last triangle is not looked at.
+/// \param indices point numbers; not checked.
 /// \param points x, y float pairs, addressed by the indices.
 /// \param start entry at which the first triangle to look at begins; not negative.
 /// \return the entry at which the triangle begins, or -1.
 ORVMODEL_EXPORT int FindDegenerateTriangle(int count, unsigned int const *indices,
                                            float const *points, int start);
+
+/// @}
 
 } // namespace Halvard::Orv
 

@@ -10,7 +10,14 @@ class QVector3D;
 
 namespace Halvard::Orv {
 
+/// \addtogroup geometry
+/// @{
+
 /// \name Triangulation of a face
+/// Four forms of one operation: with or without a normal, 32-bit or 16-bit numbers.
+/// @{
+
+/// Triangulates one face in space.
 ///
 /// The ring is projected onto the plane across the normal and cut as
 /// Triangulate2D() describes. Triangles run counter-clockwise about the normal,
@@ -30,13 +37,18 @@ namespace Halvard::Orv {
 ///        70000 becomes 4464.
 ///
 /// Safe on any thread, for different `out`.
-/// @{
 ORVMODEL_EXPORT void Triangulate3D(QVector3D const &normal, int count, int const *indices,
                                    float const *positions, QVector<unsigned int> &out);
+
+/// The same without a normal: the ring's own is taken, as described above.
 ORVMODEL_EXPORT void Triangulate3D(int count, int const *indices, float const *positions,
                                    QVector<unsigned int> &out);
+
+/// The same with 16-bit numbers.
 ORVMODEL_EXPORT void Triangulate3D(QVector3D const &normal, int count, int const *indices,
                                    float const *positions, QVector<unsigned short> &out);
+
+/// The same without a normal and with 16-bit numbers.
 ORVMODEL_EXPORT void Triangulate3D(int count, int const *indices, float const *positions,
                                    QVector<unsigned short> &out);
 /// @}
@@ -45,5 +57,7 @@ ORVMODEL_EXPORT void Triangulate3D(int count, int const *indices, float const *p
 /// `count` - 1) instead of vertex numbers, and empties `triangles` first.
 ORVMODEL_EXPORT void Triangulate3DImpl(QVector3D const &normal, int count, int const *indices,
                                        float const *positions, QVector<int> &triangles);
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -9,6 +9,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup build
+/// @{
+
 /// One face corner, seen as the tuple of its indices into every attribute.
 ///
 /// The tuple is not copied: the key points to the per-attribute index arrays
@@ -30,5 +33,7 @@ ORVMODEL_EXPORT bool operator==(const VertexKey &first, const VertexKey &second)
 
 /// The precomputed hash, unchanged.
 ORVMODEL_EXPORT unsigned qHash(const VertexKey &key);
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -11,6 +11,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup records
+/// @{
+
 class InstanceDataRecord;
 class Texture;
 
@@ -34,16 +37,18 @@ public:
     /// A record without members for the plan `planName`, which need not be registered (yet).
     explicit InstanceData(const QString &planName);
 
-    InstanceData(const InstanceData &other);
-    InstanceData(InstanceData &&other) noexcept;
-    InstanceData &operator=(const InstanceData &other);
-    InstanceData &operator=(InstanceData &&other) noexcept;
+    InstanceData(const InstanceData &other);     ///< Shares the members until one changes.
+    InstanceData(InstanceData &&other) noexcept; ///< Shares them, too: `other` keeps its own.
+    InstanceData &operator=(const InstanceData &other); ///< Shares the members.
+    InstanceData &
+    operator=(InstanceData &&other) noexcept; ///< Takes them over; `other` still answers.
     ~InstanceData();
 
     /// The name of the record's plan.
     QString name() const;
 
     /// Copies `size` bytes at `value` into `member`.
+    /// \param member its name, as the plan and the shader spell it.
     /// \param value may be null only when `size` is 0, which leaves the member set and empty; else
     ///     the call does nothing but log a warning.
     /// \param size in bytes, at most INT_MAX; the call does nothing but log a warning beyond.
@@ -53,6 +58,7 @@ public:
     void setTexture(const QString &member, const QString &path);
 
     /// Keeps `texture` as the texture of `member`.
+    /// \param member its name.
     /// \param texture not owned, and never looked into; null says that there is no texture.
     void setTexture(const QString &member, Texture *texture);
 
@@ -74,5 +80,7 @@ public:
 private:
     QSharedDataPointer<InstanceDataRecord> _record;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

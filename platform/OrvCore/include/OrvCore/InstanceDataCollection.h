@@ -11,6 +11,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup records
+/// @{
+
 /// A named list of records, one per draw command, and their form as a shader reads them.
 class ORVCORE_EXPORT InstanceDataCollection
 {
@@ -41,5 +44,7 @@ private:
     QString _name;
     QList<InstanceData> _records;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -9,6 +9,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup records
+/// @{
+
 /// The layout of a kind of record: which members a shader expects, of which types, in which order.
 ///
 /// Members are placed by the rules that GLSL has for a struct in an array of a shader storage block
@@ -62,6 +65,7 @@ public:
 
     /// Appends a member. A name may come twice; both places then get the same value.
     /// \param type one of the enumerators; any other number logs a warning and appends nothing.
+    /// \param name by which records set it; the shader may spell its own.
     void addMember(DataType type, const QString &name);
 
     /// The plan's name, by which records refer to it.
@@ -86,5 +90,7 @@ private:
     int _end = 0;       // first byte behind the last member
     int _alignment = 1; // strictest of the members
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -13,6 +13,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup records
+/// @{
+
 class InstanceDataPlan;
 
 /// The plans of the process, by name. All operations may be called from any thread.
@@ -49,5 +52,7 @@ private:
     std::vector<std::unique_ptr<InstanceDataPlan>> _plans;
     QMap<QString, const InstanceDataPlan *> _firstOfName;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -7,6 +7,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 /// Binds an object for as long as the binder lives and then restores what was bound before.
 ///
 /// The same context must be current at both ends. Where the object cannot be bound (see
@@ -26,5 +29,7 @@ private:
     Bindable *_bindable;
     Bindable::Binding _previous;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

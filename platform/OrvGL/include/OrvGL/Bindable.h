@@ -6,6 +6,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 /// Something that can be bound to a binding point of the current OpenGL context.
 ///
 /// bind() and release() need the object's context, or one that shares with it, to be current; they
@@ -39,5 +42,7 @@ public:
     /// Puts back what binding() answered. A name that was deleted meanwhile leaves nothing bound.
     virtual void restore(const Binding &previous) = 0;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -10,6 +10,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class OpenGLDeviceContext;
 class ShareGroup;
 
@@ -48,6 +51,7 @@ public:
     ///     room and leaves its contents undefined.
     /// \param count 0 empties the buffer; so does a negative number, with a warning.
     /// \param usage such as GL_STATIC_DRAW.
+    /// \param elementSize bytes of one element.
     ///
     /// When it fails (no memory left on the GPU, an unknown usage, the wrong context current), a
     /// warning is logged, byteCount() is 0 and uploadFailed() is true.
@@ -81,5 +85,7 @@ private:
     qint64 _byteCount = 0;
     bool _uploadFailed = false;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

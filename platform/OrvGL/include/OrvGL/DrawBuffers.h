@@ -11,6 +11,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class BufferObject;
 class OpenGLDeviceContext;
 class VertexArrayObject;
@@ -27,6 +30,7 @@ struct DrawElementsIndirectCommand
 
 static_assert(sizeof(DrawElementsIndirectCommand) == 20, "OpenGL reads five 32-bit fields");
 
+/// Whether all five fields agree.
 inline bool operator==(const DrawElementsIndirectCommand &a, const DrawElementsIndirectCommand &b)
 {
     return a.count == b.count && a.instanceCount == b.instanceCount &&
@@ -34,6 +38,7 @@ inline bool operator==(const DrawElementsIndirectCommand &a, const DrawElementsI
            a.baseInstance == b.baseInstance;
 }
 
+/// Whether a field differs.
 inline bool operator!=(const DrawElementsIndirectCommand &a, const DrawElementsIndirectCommand &b)
 {
     return !(a == b);
@@ -117,6 +122,8 @@ private:
     unsigned int _vertexCount = 0;
     unsigned int _primitiveType;
 };
+
+/// @}
 
 } // namespace Halvard::Orv
 

@@ -11,6 +11,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class DrawBuffers;
 class InstanceDataCollection;
 
@@ -68,5 +71,7 @@ private:
 
     std::vector<std::unique_ptr<Bundle>> _bundles;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

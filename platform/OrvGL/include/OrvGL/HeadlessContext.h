@@ -10,6 +10,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 /// An OpenGL 4.3+ core context without a window, made through EGL on a GPU or a software driver. It
 /// needs no display server.
 ///
@@ -64,5 +67,7 @@ private:
 
     std::unique_ptr<Private> _d;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -11,6 +11,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class BufferObject;
 class HeadlessContext;
 class ShareGroup;
@@ -84,5 +87,7 @@ private:
 
     std::unique_ptr<Private> _d;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

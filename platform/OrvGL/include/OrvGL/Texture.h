@@ -10,6 +10,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class ShareGroup;
 
 /// An OpenGL texture object and what is known about it.
@@ -74,5 +77,7 @@ private:
     int _depth;
     bool _readOnly = false;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

@@ -15,6 +15,9 @@ class QColor;
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class Texture;
 
 /// Textures that the whole process shares.
@@ -49,5 +52,7 @@ private:
     QMap<Key, Texture *> _byColor;
     std::vector<std::unique_ptr<Texture>> _textures;
 };
+
+/// @}
 
 } // namespace Halvard::Orv

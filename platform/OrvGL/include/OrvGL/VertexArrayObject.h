@@ -10,6 +10,9 @@
 
 namespace Halvard::Orv {
 
+/// \addtogroup draw
+/// @{
+
 class BufferObject;
 class OpenGLDeviceContext;
 
@@ -37,6 +40,7 @@ public:
 
     /// Feeds the attribute `name` from `buffer`. Needs no context. A name registered before is
     /// replaced in its place.
+    /// \param name as the shaders spell it.
     /// \param buffer shared; null leaves the attribute without values when drawing.
     /// \param components 1 to 4; other numbers are kept, but log a warning, and the attribute is
     ///     left without values when drawing.
@@ -67,5 +71,7 @@ private:
     unsigned int _id = 0;
     QVector<unsigned int> _enabledLocations;
 };
+
+/// @}
 
 } // namespace Halvard::Orv
