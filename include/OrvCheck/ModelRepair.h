@@ -23,7 +23,9 @@ namespace Halvard::Orv {
 /// Texts are as those of a Finding: names from the file stand in them as they are.
 struct RepairChange
 {
-    QString code;     ///< Of the finding that it mends, or "library-copied".
+    /// Of the finding that it mends; "library-copied" where a library only moves, and
+    /// "library-name-taken" where it cannot have the output's name.
+    QString code;
     QString file;     ///< The input file that it is about: the model, or a library that it names.
     qint64 line = 0;  ///< Of the first occurrence in that file, counted from 1.
     qint64 count = 0; ///< Number of occurrences: lines, faces or values.
@@ -82,14 +84,16 @@ struct RepairResult
 /// A library stays where it is, and the model goes on naming it, as long as it lies in the folder
 /// of the output and needs no change. Otherwise a copy of it is written beside the output, under
 /// its own name in another folder and under the output's name with the suffix "mtl" in the
-/// same one; a number is added where that is the name of an input. Paths of textures in a copy
-/// lead to where the textures lie; textures are not copied.
+/// same one; a number is added where that is the name of an input or of any other file. Paths of
+/// textures in a copy lead to where the textures lie; textures are not copied.
 ///
-/// Either all outputs are written or none, and none by halves; an older file of an output's name
-/// is replaced. Inputs are never written to.
+/// Either all outputs are written or none, and none by halves. An older file `outputName` is
+/// replaced; of libraries that are there, only one that bears the output's name and that this older
+/// file names, as an earlier output does. Inputs are never written to.
 ///
 /// \param fileName the OBJ file to mend.
-/// \param outputName the OBJ file to write. Not read in a dry run, but names libraries there, too.
+/// \param outputName the OBJ file to write. Not written in a dry run, but names libraries there,
+///        too.
 /// \param result assigned when the status is Done.
 /// \param reason a sentence without a full stop, assigned when the status is Unreadable or
 ///        Unwritable.

@@ -84,6 +84,11 @@ bool LibraryCheck::read(const Reference &reference)
     if (!lines.text().transcodedFrom().isNull())
         tell(Code::Encoding, QString::fromLatin1(lines.text().transcodedFrom()), 1);
     while (lines.next()) {
+        if (lines.line().hasInnerReturn()) {
+            Tally &tally = _findings.at(Code::CarriageReturns, {}, _file);
+            tally.add(lines.line().number);
+            tally.severity = FindingSeverity::Warning; // what it costs is told of the model
+        }
         if (lines.hasContent())
             takeLine(lines);
     }

@@ -149,13 +149,7 @@ bool OBJCheck::isWithinLimits(qint64 line)
 /// Tells of a carriage return with text behind it.
 void OBJCheck::checkReturns(const OBJLines &lines)
 {
-    const char *const end = lines.line().end;
-    const char *at = std::find(lines.line().begin, end, '\r');
-    if (at == end)
-        return;
-    // At the line's end they are no part of it: another character follows.
-    const auto isText = [](char c) { return c != '\r' && c != ' ' && c != '\t'; };
-    if (std::any_of(at, end, isText))
+    if (lines.line().hasInnerReturn())
         _findings.at(Code::CarriageReturns).add(lines.line().number);
 }
 

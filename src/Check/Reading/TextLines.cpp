@@ -70,6 +70,15 @@ private:
 
 } // namespace
 
+bool TextLine::hasInnerReturn() const
+{
+    const auto size = static_cast<size_t>(end - begin);
+    const void *const found = size > 0 ? std::memchr(begin, '\r', size) : nullptr;
+    // At the line's end they are no part of it: another character follows.
+    const auto isText = [](char c) { return c != '\r' && c != ' ' && c != '\t'; };
+    return found && std::any_of(static_cast<const char *>(found), end, isText);
+}
+
 TextLines::TextLines(QIODevice &device, const Limits &limits) : _device(device), _limits(limits)
 {
     start();

@@ -27,6 +27,9 @@ struct TextLine
 
     /// Whether the file ends with this line, without a line feed.
     bool isOpen() const { return next == begin || next[-1] != '\n'; }
+    /// Whether text follows a carriage return in the line: the loader drops the return, and reads
+    /// both sides of it as one line.
+    bool hasInnerReturn() const;
 };
 
 /// Reads a device line by line, where lines end as they do for the loader: at line feeds only.

@@ -3,6 +3,8 @@
 #include "Repairs/OutputFiles.h"
 #include "SimilarFiles.h"
 
+#include <Libraries/InputFile.h>
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextCodec>
@@ -15,6 +17,7 @@ namespace {
 
 const QLatin1String DefaultMaterial("<default>");
 const QLatin1String Copied("library-copied");
+const QLatin1String NameTaken("library-name-taken");
 
 QDir directoryOf(const QString &fileName)
 {
@@ -29,6 +32,22 @@ bool holds(const QString &path, const std::string &text)
     const QByteArray bytes = file.readAll();
     return static_cast<size_t>(bytes.size()) == text.size() &&
            std::equal(text.begin(), text.end(), bytes.begin());
+}
+
+/// The names on the "mtllib" lines of a model; none where it cannot be read.
+QStringList librariesNamedIn(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!isRegularFile(fileName) || !openInputFile(file))
+        return {};
+    QStringList names;
+    OBJLines lines(file);
+    while (lines.next()) {
+        if (lines.kind() == OBJLineKind::Library)
+            names.append(lines.tokens().text(1));
+    }
+    names.removeDuplicates();
+    return names;
 }
 
 /// `name` with nothing in it that would end it on a "mtllib" line.
@@ -249,12 +268,12 @@ void LibraryPlan::addDefinitions(const QStringList &definitions)
         return;
     }
     Output output;
-    output.path = freeOutput();
     constexpr int MibUTF8 = 106;
     if (QTextCodec::codecForLocale()->mibEnum() != MibUTF8)
         output.text = "\xEF\xBB\xBF"; // otherwise it is read in the locale's encoding
     for (const QString &name : definitions)
         output.text += LibraryRepair::definition(name).toStdString();
+    output.path = freeOutput(output.text);
     _newLibrary = QFileInfo(output.path).fileName();
     _outputs.push_back(std::move(output));
 }
@@ -291,8 +310,10 @@ void LibraryPlan::mendLibrary(int number)
     const bool moves = !_staysInPlace && QDir::isRelativePath(reference->name);
     if (!isChanged && isNamed && !moves)
         return;
-    if (!(moves && isNamed && takeOwnName(number, *reference)))
-        takeOutputName(number);
+    if (!(moves && isNamed && takeOwnName(number, *reference))) {
+        RepairLog untold; // the text is the same under any name in the output's folder
+        library.output = freeOutput(textFor(number, _outputName, untold));
+    }
     Output output{library.output, textFor(number, library.output, _log)};
     _outputs.push_back(std::move(output));
     if (!isChanged)
@@ -323,26 +344,46 @@ bool LibraryPlan::takeOwnName(int number, const Reference &reference)
     return true;
 }
 
-void LibraryPlan::takeOutputName(int number)
-{
-    _libraries[static_cast<size_t>(number)].output = freeOutput();
-}
-
-/// A path beside the output, of its name, that is none of the inputs.
-QString LibraryPlan::freeOutput()
+/// A path beside the output, of its name, that is none of the inputs and no file of something else.
+/// \param text what goes there.
+QString LibraryPlan::freeOutput(const std::string &text)
 {
     const QString base = asFileName(QFileInfo(_outputName).completeBaseName());
+    QString taken;
     for (int i = 1;; ++i) {
         const QString name = i == 1 ? base : QStringLiteral("%1_%2").arg(base).arg(i);
         const QString path =
             QDir::cleanPath(_outputDirectory.absoluteFilePath(name + QLatin1String(".mtl")));
-        const bool isTaken =
+        const bool isUsed =
             isInput(path) || path == QDir::cleanPath(QFileInfo(_outputName).absoluteFilePath()) ||
             std::any_of(_outputs.cbegin(), _outputs.cend(),
                         [&path](const Output &output) { return output.path == path; });
-        if (!isTaken)
+        if (isUsed)
+            continue;
+        if (!isOfAnother(path, text)) {
+            if (!taken.isNull())
+                _log.add(NameTaken, _file, 1, taken,
+                         QStringLiteral("There is another file %1: the library goes to %2.")
+                             .arg(quoted(taken), quoted(QFileInfo(path).fileName())));
             return path;
+        }
+        if (taken.isNull())
+            taken = QFileInfo(path).fileName();
     }
+}
+
+/// Whether a file is there that a library must not take the place of: all but one that holds the
+/// text already, and the library of the model that the output replaces, which mostly is an older
+/// output of the same repair. What is no regular file is told where it is opened.
+bool LibraryPlan::isOfAnother(const QString &path, const std::string &text)
+{
+    if (!isRegularFile(path) || holds(path, text))
+        return false;
+    if (!_replaced)
+        _replaced = librariesNamedIn(_outputName);
+    return std::none_of(_replaced->cbegin(), _replaced->cend(), [&](const QString &name) {
+        return QDir::cleanPath(_outputDirectory.absoluteFilePath(name)) == path;
+    });
 }
 
 /// Settles what stands in place of the "mtllib" lines.

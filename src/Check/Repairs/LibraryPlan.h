@@ -16,6 +16,7 @@
 #include <QtCore/QStringList>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,10 +94,10 @@ private:
     void settleOutputs();
     void mendLibrary(int number);
     bool takeOwnName(int number, const Reference &reference);
-    void takeOutputName(int number);
     void addDefinitions(const QStringList &definitions);
     std::string textFor(int number, const QString &path, RepairLog &log);
-    QString freeOutput();
+    QString freeOutput(const std::string &text);
+    bool isOfAnother(const QString &path, const std::string &text);
     void settleLines();
     QString pathOf(const QString &name) const;
     QString shown(const QString &name) const;
@@ -121,7 +122,8 @@ private:
     QSet<QString> _textured;      // names of materials
     QSet<qint64> _late;           // lines of references that move
     std::vector<Output> _outputs;
-    QString _newLibrary; // name of one made for definitions alone
+    std::optional<QStringList> _replaced; // libraries of the model that the output replaces
+    QString _newLibrary;                  // name of one made for definitions alone
     bool _wantsTexCoords = false;
     int _searches = 0;
 };

@@ -116,7 +116,7 @@ void MendedText::begin()
 
 void MendedText::takeLine(const TextLine &line)
 {
-    if (_wishes.mendsReturns && contains(line.begin, line.end, '\r')) {
+    if (_wishes.mendsReturns && line.hasInnerReturn()) {
         takePieces(line);
         return;
     }

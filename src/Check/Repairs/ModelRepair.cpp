@@ -156,7 +156,8 @@ void Repair::check()
         throw unreadable(reason);
     for (const Finding &finding : findings.findings) {
         _isFixable = _isFixable || finding.fixable;
-        _hasReturns = _hasReturns || finding.code == QLatin1String("carriage-returns");
+        _hasReturns = _hasReturns || (finding.code == QLatin1String("carriage-returns") &&
+                                      finding.file == findings.file);
     }
 }
 

@@ -137,6 +137,55 @@ TEST_F(RepairOutput, AddsANumberWhereTheLibrarysNameIsThatOfAnInput)
     EXPECT_EQ(contents(QStringLiteral("in/p.obj")), "mtllib p_2.mtl\n" + Fixed);
 }
 
+TEST_F(RepairOutput, AddsANumberWhereAnotherFileHasTheLibrarysName)
+{
+    _files.write(QStringLiteral("in/fixed.mtl"), "newmtl other\n");
+    _files.write(QStringLiteral("in/fixed_2.mtl"), "newmtl another\n");
+    for (int run = 0; run < 2; ++run) { // its own output it writes over
+        SCOPED_TRACE(run);
+        EXPECT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+        EXPECT_EQ(contents(QStringLiteral("in/fixed.obj")), "mtllib fixed_3.mtl\n" + Fixed);
+        EXPECT_EQ(contents(QStringLiteral("in/fixed.mtl")), "newmtl other\n");
+        EXPECT_EQ(contents(QStringLiteral("in/fixed_2.mtl")), "newmtl another\n");
+        EXPECT_EQ(files().size(), 7u); // and model.obj, p.mtl, wood.png
+        ASSERT_EQ(_result.changes.size(), 3);
+        const RepairChange &change = _result.changes[0];
+        EXPECT_EQ(change.code, QStringLiteral("library-name-taken"));
+        EXPECT_EQ(change.message, QStringLiteral("There is another file \"fixed.mtl\": the library "
+                                                 "goes to \"fixed_3.mtl\"."));
+    }
+}
+
+TEST_F(RepairOutput, DefinesMaterialsInNoFileOfAnother)
+{
+    _model = _files.write(QStringLiteral("in/bare.obj"), Triangle + "usemtl a\nf 1 2 3\n");
+    _files.write(QStringLiteral("in/fixed.mtl"), "newmtl other\n");
+    EXPECT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+    EXPECT_EQ(contents(QStringLiteral("in/fixed.mtl")), "newmtl other\n");
+    EXPECT_EQ(contents(QStringLiteral("in/fixed.obj")),
+              Triangle + "mtllib fixed_2.mtl\nusemtl a\nf 1 2 3\n");
+}
+
+TEST_F(RepairOutput, ReplacesTheLibraryOfTheModelThatItReplaces)
+{
+    _files.write(QStringLiteral("in/fixed.obj"), "# older\nmtllib ./fixed.mtl\n");
+    _files.write(QStringLiteral("in/fixed.mtl"), "newmtl older\n");
+    EXPECT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+    EXPECT_EQ(contents(QStringLiteral("in/fixed.obj")), "mtllib fixed.mtl\n" + Fixed);
+    EXPECT_EQ(contents(QStringLiteral("in/fixed.mtl")),
+              "newmtl red_paint\nmap_Kd wood.png\nmap_Bump tex\\bumps.png\n");
+    EXPECT_EQ(_result.changes.size(), 2);
+}
+
+TEST_F(RepairOutput, TakesALibraryThatHoldsTheSameAlready)
+{
+    EXPECT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+    ASSERT_TRUE(QFile::remove(_files.path(QStringLiteral("in/fixed.obj"))));
+    EXPECT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+    EXPECT_EQ(contents(QStringLiteral("in/fixed.obj")), "mtllib fixed.mtl\n" + Fixed);
+    EXPECT_EQ(contents(QStringLiteral("in/fixed_2.mtl")), "(none)");
+}
+
 TEST_F(RepairOutput, NamesNoLibraryWithABlank)
 {
     EXPECT_EQ(repair(QStringLiteral("in/my #1 model.obj")), RepairStatus::Done);
