@@ -109,11 +109,6 @@ void addOptions(CommandLine &line)
                     QStringLiteral("F")});
 }
 
-constexpr std::pair<const char *, Render::Shading> Shadings[] = {
-    {"material", Render::Shading::Material}, {"flat", Render::Shading::Flat},
-    {"normals", Render::Shading::Normals},   {"uv", Render::Shading::TextureCoordinates},
-    {"groups", Render::Shading::Groups},     {"backfaces", Render::Shading::BackFaces}};
-
 /// \return what is wrong with the options; empty when nothing is.
 QString readShading(const CommandLine &line, std::optional<Render::Shading> &shading)
 {
@@ -123,17 +118,15 @@ QString readShading(const CommandLine &line, std::optional<Render::Shading> &sha
     if (!line.isSet(QStringLiteral("shading")))
         return {};
     const QString text = line.value(QStringLiteral("shading"));
-    for (const auto &[name, mode] : Shadings) {
-        if (text != QLatin1String(name))
-            continue;
-        if (showsNormals && mode != Render::Shading::Normals)
-            return QStringLiteral("'--normals' and '--shading %1' exclude each other.").arg(text);
-        shading = mode;
-        return {};
-    }
-    return QStringLiteral("Invalid shading '%1': use material, flat, normals, uv, groups or "
-                          "backfaces.")
-        .arg(text);
+    const auto named = Render::shadingNamed(text);
+    if (!named)
+        return QStringLiteral("Invalid shading '%1': use material, flat, normals, uv, groups or "
+                              "backfaces.")
+            .arg(text);
+    if (showsNormals && *named != Render::Shading::Normals)
+        return QStringLiteral("'--normals' and '--shading %1' exclude each other.").arg(text);
+    shading = named;
+    return {};
 }
 
 /// \return what is wrong with the options; empty when nothing is.
@@ -258,15 +251,6 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
                              [&bytes](QIODevice &device) { writeAll(device, bytes); });
 }
 
-/// Generated normals are smooth, also over the edges of a cube. They suit a mesh that is fine
-/// enough to mean something smooth.
-Render::Shading shadingFor(const PreparationReport &report)
-{
-    constexpr quint64 FewFaces = 100;
-    return report.normals == 0 && report.faces <= FewFaces ? Render::Shading::Flat
-                                                           : Render::Shading::Material;
-}
-
 } // namespace
 
 ExitStatus renderCommand(const QStringList &arguments)
@@ -290,7 +274,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     LoadedModel loaded;
     if (const ExitStatus status = loaded.load(line.model(), line.threads()); status != Fine)
         return status;
-    request.options.shading = request.shading.value_or(shadingFor(loaded.report()));
+    request.options.shading = request.shading.value_or(Render::shadingFor(loaded.report()));
     tell(undrawnFaces(loaded.report(), line.model()), line.model());
     if (const ExitStatus status = verdictOn(loaded.report(), line.model()); status != Fine)
         return status;

@@ -22,28 +22,13 @@ double radians(double degrees)
     return degrees * (3.14159265358979323846 / 180);
 }
 
-struct Vector
-{
-    double x;
-    double y;
-    double z;
-};
-
-double dot(const Vector &a, const Vector &b)
+double dot(const Place &a, const Place &b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-/// The camera's axes; `back` points from the model to the camera.
-struct Axes
-{
-    Vector right;
-    Vector up;
-    Vector back;
-};
-
 /// A direction of a model with +y up in one with another axis up: turned by a right angle.
-Vector turned(const Vector &v, UpAxis up)
+Place turned(const Place &v, UpAxis up)
 {
     switch (up) {
     case UpAxis::X:
@@ -54,19 +39,6 @@ Vector turned(const Vector &v, UpAxis up)
         return {v.x, -v.z, v.y};
     }
     return v;
-}
-
-/// From the angles alone, so that straight up and down are no special cases.
-Axes axesOf(const ViewAngles &angles)
-{
-    const double sinA = std::sin(radians(angles.azimuth));
-    const double cosA = std::cos(radians(angles.azimuth));
-    const double sinE = std::sin(radians(angles.elevation));
-    const double cosE = std::cos(radians(angles.elevation));
-    const Vector right = {cosA, 0, -sinA};
-    const Vector up = {-sinA * sinE, cosE, -cosA * sinE};
-    const Vector back = {sinA * cosE, sinE, cosA * cosE};
-    return {turned(right, angles.up), turned(up, angles.up), turned(back, angles.up)};
 }
 
 /// How far the model reaches along each side of the view pyramid and in depth.
@@ -85,15 +57,15 @@ struct Reach
 /// |x - cx| <= slopeX * (cz - z) and the same for y, that is, when
 /// x + slopeX * z <= slopeX * cz + cx and -x + slopeX * z <= slopeX * cz - cx.
 /// The maxima of the left sides over all points say where the camera can stand.
-Reach reachOf(const ModelGeometry &geometry, const Axes &axes, double radius, double slopeX,
+Reach reachOf(const ModelGeometry &geometry, const ViewAxes &axes, double radius, double slopeX,
               double slopeY)
 {
     const QVector3D centre = geometry.bounds.centre();
     Reach reach;
     for (const QVector3D &point : geometry.points) {
-        const Vector p = {(double(point.x()) - double(centre.x())) / radius,
-                          (double(point.y()) - double(centre.y())) / radius,
-                          (double(point.z()) - double(centre.z())) / radius};
+        const Place p = {(double(point.x()) - double(centre.x())) / radius,
+                         (double(point.y()) - double(centre.y())) / radius,
+                         (double(point.z()) - double(centre.z())) / radius};
         const double x = dot(p, axes.right);
         const double y = dot(p, axes.up);
         const double z = dot(p, axes.back);
@@ -108,9 +80,9 @@ Reach reachOf(const ModelGeometry &geometry, const Axes &axes, double radius, do
 }
 
 /// World to camera: the axes as rows, then the camera's place taken off.
-QMatrix4x4 viewMatrix(const Axes &axes, double x, double y, double z)
+QMatrix4x4 viewMatrix(const ViewAxes &axes, double x, double y, double z)
 {
-    const auto row = [](const Vector &axis, double offset) {
+    const auto row = [](const Place &axis, double offset) {
         return QVector4D(float(axis.x), float(axis.y), float(axis.z), float(-offset));
     };
     QMatrix4x4 view;
@@ -120,20 +92,20 @@ QMatrix4x4 viewMatrix(const Axes &axes, double x, double y, double z)
     return view;
 }
 
-} // namespace
-
-Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, double aspect)
+/// A framing in units of the model's radius, along the camera's axes from the middle of the bounds.
+struct Framing
 {
-    // Below the smallest normal float a model is a point to the GPU.
-    const double extent = geometry.bounds.radius();
-    const double radius = extent >= double(std::numeric_limits<float>::min()) ? extent : 1;
-    const double slope = std::tan(radians(FieldOfViewDegrees / 2));
-    const double slopeX = slope * std::max(aspect, 1.0);
-    const double slopeY = slope * std::max(1 / aspect, 1.0);
-    const double usedX = slopeX * (1 - 2 * Margin);
-    const double usedY = slopeY * (1 - 2 * Margin);
+    double x;
+    double y;
+    double z;
+    Reach reach;
+};
 
-    const Axes axes = axesOf(angles);
+Framing framingOf(const ModelGeometry &geometry, const ViewAxes &axes, double radius,
+                  const ViewSlopes &slopes)
+{
+    const double usedX = slopes.x * (1 - 2 * Margin);
+    const double usedY = slopes.y * (1 - 2 * Margin);
     Reach reach;
     if (geometry.points.empty())
         reach = {0, 0, 0, 0, 0, 0};
@@ -145,20 +117,118 @@ Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, doubl
     const double x = (reach.right - reach.left) / 2;
     const double y = (reach.top - reach.bottom) / 2;
     const double z = std::max({distanceX, distanceY, reach.nearest + MinimumDistance});
+    return {x, y, z, reach};
+}
 
-    // A little room, lest rounding cuts off the outermost vertices.
-    const double nearPlane = (z - reach.nearest) * 0.98;
-    const double farPlane = (z - reach.farthest) * 1.02;
-
+/// What does not depend on where the camera is.
+Camera cameraOf(const Bounds &bounds, UpAxis up)
+{
     Camera camera;
-    const Vector upwards = turned({0, 1, 0}, angles.up);
+    const Place upwards = turned({0, 1, 0}, up);
     camera.up = QVector3D(float(upwards.x), float(upwards.y), float(upwards.z));
-    camera.centre = geometry.bounds.centre();
-    camera.rootScale = float(1 / std::sqrt(radius));
-    camera.view = viewMatrix(axes, x, y, z);
-    camera.projection.frustum(float(-slopeX * nearPlane), float(slopeX * nearPlane),
-                              float(-slopeY * nearPlane), float(slopeY * nearPlane),
+    camera.centre = bounds.centre();
+    camera.rootScale = float(1 / std::sqrt(viewUnit(bounds)));
+    return camera;
+}
+
+void setDepths(Camera &camera, const ViewSlopes &slopes, double nearPlane, double farPlane)
+{
+    camera.projection.frustum(float(-slopes.x * nearPlane), float(slopes.x * nearPlane),
+                              float(-slopes.y * nearPlane), float(slopes.y * nearPlane),
                               float(nearPlane), float(farPlane));
+}
+
+} // namespace
+
+ViewAxes viewAxes(const ViewAngles &angles)
+{
+    const double sinA = std::sin(radians(angles.azimuth));
+    const double cosA = std::cos(radians(angles.azimuth));
+    const double sinE = std::sin(radians(angles.elevation));
+    const double cosE = std::cos(radians(angles.elevation));
+    const Place right = {cosA, 0, -sinA};
+    const Place up = {-sinA * sinE, cosE, -cosA * sinE};
+    const Place back = {sinA * cosE, sinE, cosA * cosE};
+    return {turned(right, angles.up), turned(up, angles.up), turned(back, angles.up)};
+}
+
+ViewSlopes viewSlopes(double aspect)
+{
+    const double slope = std::tan(radians(FieldOfViewDegrees / 2));
+    return {slope * std::max(aspect, 1.0), slope * std::max(1 / aspect, 1.0)};
+}
+
+double viewUnit(const Bounds &bounds)
+{
+    // Below the smallest normal float a model is a point to the GPU.
+    const double extent = bounds.radius();
+    return extent >= double(std::numeric_limits<float>::min()) ? extent : 1;
+}
+
+Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, double aspect)
+{
+    const ViewSlopes slopes = viewSlopes(aspect);
+    const ViewAxes axes = viewAxes(angles);
+    const Framing framing = framingOf(geometry, axes, viewUnit(geometry.bounds), slopes);
+    Camera camera = cameraOf(geometry.bounds, angles.up);
+    camera.view = viewMatrix(axes, framing.x, framing.y, framing.z);
+    // A little room, lest rounding cuts off the outermost vertices.
+    setDepths(camera, slopes, (framing.z - framing.reach.nearest) * 0.98,
+              (framing.z - framing.reach.farthest) * 1.02);
+    return camera;
+}
+
+ViewPose framingPose(const ModelGeometry &geometry, const ViewAngles &angles, double aspect)
+{
+    const double unit = viewUnit(geometry.bounds);
+    const ViewAxes axes = viewAxes(angles);
+    const Framing framing = framingOf(geometry, axes, unit, viewSlopes(aspect));
+    const QVector3D centre = geometry.bounds.centre();
+    const auto along = [&](double middle, double right, double up) {
+        return middle + (framing.x * right + framing.y * up) * unit;
+    };
+    ViewPose pose;
+    pose.angles = angles;
+    pose.target = {along(double(centre.x()), axes.right.x, axes.up.x),
+                   along(double(centre.y()), axes.right.y, axes.up.y),
+                   along(double(centre.z()), axes.right.z, axes.up.z)};
+    pose.distance = framing.z * unit;
+    return pose;
+}
+
+Camera cameraAt(const ViewPose &pose, const Bounds &bounds, double aspect)
+{
+    // What is so near does not keep the rest from having depths of its own.
+    constexpr double NearestOfFarthest = 1e-4;
+    constexpr double NearestOfDistance = 0.05;
+    const double unit = viewUnit(bounds);
+    const ViewAxes axes = viewAxes(pose.angles);
+    const QVector3D centre = bounds.centre();
+    const auto fromCentre = [&](const Place &place) {
+        return Place{(place.x - double(centre.x())) / unit, (place.y - double(centre.y())) / unit,
+                     (place.z - double(centre.z())) / unit};
+    };
+    const Place target = fromCentre(pose.target);
+    const double distance = pose.distance / unit;
+    const double z = dot(target, axes.back) + distance;
+
+    double nearest = -std::numeric_limits<double>::infinity();
+    double farthest = -nearest;
+    for (int corner = 0; corner < 8; ++corner) {
+        const auto side = [&](int axis) {
+            return double((corner >> axis & 1 ? bounds.maximum() : bounds.minimum())[axis]);
+        };
+        const double depth = dot(fromCentre({side(0), side(1), side(2)}), axes.back);
+        nearest = std::max(nearest, depth);
+        farthest = std::min(farthest, depth);
+    }
+    const double farPlane = std::max((z - farthest) * 1.02, distance);
+    const double nearPlane = std::max(
+        (z - nearest) * 0.98, std::min(farPlane * NearestOfFarthest, distance * NearestOfDistance));
+
+    Camera camera = cameraOf(bounds, pose.angles.up);
+    camera.view = viewMatrix(axes, dot(target, axes.right), dot(target, axes.up), z);
+    setDepths(camera, viewSlopes(aspect), nearPlane, std::max(farPlane, nearPlane * 1.02));
     return camera;
 }
 

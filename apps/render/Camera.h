@@ -7,6 +7,7 @@
 
 namespace Halvard::Orv::Render {
 
+class Bounds;
 struct ModelGeometry;
 
 /// Which axis of a model points up.
@@ -26,6 +27,44 @@ struct ViewAngles
     double elevation = 20;
     UpAxis up = UpAxis::Y;
 };
+
+/// A point of a model, or a direction in it. In double: parts of a model far from the origin lie
+/// closer than floats can tell.
+struct Place
+{
+    double x = 0;
+    double y = 0;
+    double z = 0;
+};
+
+/// Where to look from: at `target`, from `distance` away, both in the model's units.
+struct ViewPose
+{
+    ViewAngles angles;
+    Place target;
+    double distance = 1; ///< above 0
+};
+
+/// The camera's axes in the model, of length 1; `back` points to the camera.
+struct ViewAxes
+{
+    Place right;
+    Place up;
+    Place back;
+};
+
+/// From the angles alone, so that straight up and down are no special cases.
+ViewAxes viewAxes(const ViewAngles &angles);
+
+/// Half the width and half the height that is seen at a distance of 1.
+struct ViewSlopes
+{
+    double x;
+    double y;
+};
+
+/// \param aspect width of the picture divided by its height, above 0.
+ViewSlopes viewSlopes(double aspect);
 
 /// A perspective camera.
 ///
@@ -52,5 +91,19 @@ struct Camera
 ///        get some camera.
 /// \param aspect width of the picture divided by its height, above 0.
 Camera frameModel(const ModelGeometry &geometry, const ViewAngles &angles, double aspect);
+
+/// Where the camera of frameModel() is. Its target lies in the plane through the middle of the
+/// bounds.
+ViewPose framingPose(const ModelGeometry &geometry, const ViewAngles &angles, double aspect);
+
+/// A camera at a place of the caller's choice. The clipping planes take in all of the model that
+/// lies before it, but for what is so near that the depths of the rest would suffer.
+///
+/// \param bounds of the model.
+Camera cameraAt(const ViewPose &pose, const Bounds &bounds, double aspect);
+
+/// The unit in which a camera works: the radius of what it looks at; 1 for a model too small to
+/// have one.
+double viewUnit(const Bounds &bounds);
 
 } // namespace Halvard::Orv::Render

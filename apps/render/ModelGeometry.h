@@ -9,6 +9,7 @@
 namespace Halvard::Orv {
 class DrawBuffers;
 class GPUModel;
+class PreparedModel;
 } // namespace Halvard::Orv
 
 namespace Halvard::Orv::Render {
@@ -29,6 +30,10 @@ struct ModelGeometry
 /// A bundle without that attribute, or with one that is not three floats, counts
 /// as drawing nothing. Needs the model's OpenGL context current.
 ModelGeometry readGeometry(const GPUModel &model);
+
+/// The same before the upload, on any thread: what readGeometry() finds once the model of a file
+/// is uploaded, all in one bundle.
+ModelGeometry geometryOf(const PreparedModel &model);
 
 /// The element buffer of a bundle as 32-bit numbers; empty when there is none, or
 /// when its type is none of the three that OpenGL draws with.

@@ -21,4 +21,8 @@ QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles 
                      const RenderOptions &options, QString *error = nullptr,
                      const TextureSettings &textures = {});
 
+/// The same of what a renderer draws anyway, from a camera made for the picture's sides.
+QImage renderPicture(Renderer &renderer, const QSize &size, const Camera &camera,
+                     const RenderOptions &options, QString *error = nullptr);
+
 } // namespace Halvard::Orv::Render

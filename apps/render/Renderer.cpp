@@ -1,6 +1,8 @@
 #include "Renderer.h"
 
+#include "LineDrawer.h"
 #include "Material.h"
+#include "Overlays.h"
 #include "ShaderProgram.h"
 #include "Shaders.h"
 
@@ -17,6 +19,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace Halvard::Orv::Render {
 
@@ -110,30 +114,41 @@ bool Renderer::buildPrograms(QString *error)
         _normals = ShaderProgram::create(vertex, normalsFragmentShader(), &log);
     if (_normals)
         _lines = ShaderProgram::create(vertex, lineFragmentShader(), &log);
-    if (!_lines && error)
+    if (_lines)
+        _wideLines = LineDrawer::create(&log);
+    if (!_wideLines && error)
         *error = QStringLiteral("The OpenGL driver refuses a shader: %1").arg(log.trimmed());
-    return _lines != nullptr;
+    return _wideLines != nullptr;
 }
 
 void Renderer::setModel(const GPUModel *model, const TextureSettings &textures)
 {
+    TextureSettings settings = textures;
+    GLint mostOnASide = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &mostOnASide);
+    settings.mostOnASide = std::min(settings.mostOnASide, int(mostOnASide));
+    setModel(model, model ? readGeometry(*model) : ModelGeometry(),
+             std::make_unique<TextureCache>(std::move(settings)));
+}
+
+void Renderer::setModel(const GPUModel *model, ModelGeometry geometry,
+                        std::unique_ptr<TextureCache> textures)
+{
     _model = model;
-    _geometry = {};
+    _geometry = std::move(geometry);
     _triangles = 0;
     _records.clear();
     _firstRecord.clear();
     std::vector<PlannedCommand> commands;
-    if (model) {
-        TextureCache cache(textures);
-        _geometry = readGeometry(*model);
-        for (int i = 0; i < model->bundleCount(); ++i)
-            addBundle(i, cache, commands);
-    }
+    _plan = {}; // which has pointers into the textures
+    _textures = std::move(textures);
+    for (int i = 0; model && i < model->bundleCount(); ++i)
+        addBundle(i, commands);
     _plan = planDraws(commands, _knowsDrawNumber);
     uploadRecords();
 }
 
-void Renderer::addBundle(int index, TextureCache &textures, std::vector<PlannedCommand> &commands)
+void Renderer::addBundle(int index, std::vector<PlannedCommand> &commands)
 {
     const InstanceDataCollection *materials = _model->materials(index);
     _firstRecord.push_back(unsigned(_records.size()));
@@ -147,8 +162,8 @@ void Renderer::addBundle(int index, TextureCache &textures, std::vector<PlannedC
             {{material.diffuse.x(), material.diffuse.y(), material.diffuse.z(), material.opacity},
              {material.specular.x(), material.specular.y(), material.specular.z(),
               material.shininess}});
-        commands.push_back({index, i, material.isOpaque(), resolve(material.diffuseMap, textures),
-                            resolve(material.specularMap, textures)});
+        commands.push_back({index, i, material.isOpaque(), resolve(material.diffuseMap, *_textures),
+                            resolve(material.specularMap, *_textures)});
     }
 }
 
@@ -165,16 +180,60 @@ void Renderer::draw(const Camera &camera, const RenderOptions &options)
     glDepthMask(GL_TRUE);
     glClear(GL_DEPTH_BUFFER_BIT);
     drawBackground(options);
-    if (!_model || _records.empty())
-        return;
+    if (_model && !_records.empty()) {
+        glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, _recordBuffer->id());
+        glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+        drawSurfaces(camera, options);
+        if (options.wireframe)
+            drawLines(camera);
+        glDisable(GL_DEPTH_TEST);
+    }
+    drawOverlays(camera, options);
+}
 
-    glBindBufferBase(GL_SHADER_STORAGE_BUFFER, 0, _recordBuffer->id());
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    drawSurfaces(camera, options);
-    if (options.wireframe)
-        drawLines(camera);
-    glDisable(GL_DEPTH_TEST);
+void Renderer::drawOverlays(const Camera &camera, const RenderOptions &options)
+{
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const QSize picture(viewport[2], viewport[3]);
+    if (options.grid && !_geometry.bounds.isEmpty()) {
+        LineView view;
+        const QColor &background = options.backgroundBottom;
+        const std::vector<Line> lines =
+            gridLines(_geometry.bounds, camera, options.up,
+                      background.alpha() == 0 ? QColor(Qt::white) : background, view);
+        _wideLines->draw(lines, view);
+    }
+    if (!options.marked.empty()) {
+        const std::vector<Line> lines = markLines(options.marked, camera, picture);
+        LineView view;
+        view.matrix = camera.projection * camera.view;
+        view.isHidden = false;
+        view.opacity = 0.35f;
+        _wideLines->draw(lines, view);
+        view.isHidden = true;
+        view.opacity = 1;
+        view.depthBias = 1e-4f;
+        _wideLines->draw(lines, view);
+    }
+    if (options.axes) {
+        LineView view;
+        view.isHidden = false;
+        _wideLines->draw(axisLines(camera, picture), view);
+    }
+}
+
+/// A number beyond all records where no command has the material.
+unsigned Renderer::recordOf(const QString &material) const
+{
+    for (int i = 0; !material.isNull() && i < int(_firstRecord.size()); ++i) {
+        for (int slot = 0; slot < _model->bundle(i)->commands().size(); ++slot) {
+            if (_model->materialName(i, slot) == material)
+                return _firstRecord[size_t(i)] + unsigned(slot);
+        }
+    }
+    return std::numeric_limits<unsigned>::max();
 }
 
 void Renderer::drawBackground(const RenderOptions &options)
@@ -196,6 +255,7 @@ void Renderer::drawSurfaces(const Camera &camera, const RenderOptions &options)
     const bool blends = showsMaterials(options.shading);
     setCamera(program, camera);
     program.set("uShading", int(options.shading));
+    program.set("uHighlighted", recordOf(options.highlighted));
     clearGenericAttributes(program.id());
     // Pushed back a little, so that lines on the surface are not cut up by it. Only then: at
     // silhouettes, what is behind comes through.

@@ -5,14 +5,14 @@
 #include "Camera.h"
 #include "DrawPlan.h"
 #include "ModelGeometry.h"
+#include "Shading.h"
 #include "TextureCache.h"
 
 #include <QtCore/QSharedPointer>
+#include <QtCore/QString>
 #include <QtGui/QColor>
 
 #include <memory>
-
-class QString;
 
 namespace Halvard::Orv {
 class BufferObject;
@@ -21,26 +21,8 @@ class GPUModel;
 
 namespace Halvard::Orv::Render {
 
+class LineDrawer;
 class ShaderProgram;
-
-/// What the surface of a model shows. The shaders know the numbers.
-enum class Shading
-{
-    /// The materials, lit by the stored normals.
-    Material = 0,
-    /// The materials, each face lit by itself.
-    Flat = 1,
-    /// The stored normals as colours, (x, y, z) from -1..1 to 0..1, without light. A normal
-    /// that points away from the viewer is turned round, since files and generated normals
-    /// differ in their side.
-    Normals = 2,
-    /// A checker of eight fields a unit, redder along u and greener along v.
-    TextureCoordinates = 3,
-    /// A colour for each draw command.
-    Groups = 4,
-    /// Faces whose corners run clockwise, in red.
-    BackFaces = 5
-};
 
 struct RenderOptions
 {
@@ -50,6 +32,14 @@ struct RenderOptions
     /// The edges of the triangles on top of the surface.
     bool wireframe = false;
     Shading shading = Shading::Material;
+    /// See Overlays.h. On the ground and at the side.
+    bool grid = false;
+    bool axes = false;
+    UpAxis up = UpAxis::Y; ///< square to which the grid lies
+    /// The material that stands out from the others, by its name; null for none.
+    QString highlighted;
+    /// The corners of a face to mark, in order; empty for none. Its hidden parts shine through.
+    std::vector<QVector3D> marked;
 };
 
 /// Draws models with their materials, lit from beside the camera and from the sky.
@@ -72,6 +62,12 @@ public:
     /// \param model must outlive its use here and not change; null draws nothing.
     void setModel(const GPUModel *model, const TextureSettings &textures = {});
 
+    /// The same with what was made ready before: nothing is read back, and of the textures only
+    /// those are decoded and uploaded that were not yet.
+    /// \param geometry of the model, as geometryOf() gives it.
+    void setModel(const GPUModel *model, ModelGeometry geometry,
+                  std::unique_ptr<TextureCache> textures);
+
     /// Where the model lies, for frameModel().
     const ModelGeometry &geometry() const { return _geometry; }
 
@@ -84,12 +80,14 @@ public:
 private:
     Renderer();
     bool buildPrograms(QString *error);
-    void addBundle(int index, TextureCache &textures, std::vector<PlannedCommand> &commands);
+    void addBundle(int index, std::vector<PlannedCommand> &commands);
     void uploadRecords();
     void drawBackground(const RenderOptions &options);
     void drawSurfaces(const Camera &camera, const RenderOptions &options);
     void drawLines(const Camera &camera);
     double lineOpacity() const;
+    void drawOverlays(const Camera &camera, const RenderOptions &options);
+    unsigned recordOf(const QString &material) const;
     void drawRun(ShaderProgram &program, const DrawRun &run);
     std::vector<DrawRun> blendedBackToFront(const Camera &camera) const;
 
@@ -104,11 +102,13 @@ private:
     std::unique_ptr<ShaderProgram> _surface;
     std::unique_ptr<ShaderProgram> _normals;
     std::unique_ptr<ShaderProgram> _lines;
+    std::unique_ptr<LineDrawer> _wideLines;
     bool _knowsDrawNumber = false;
     unsigned _emptyVertexArray = 0;
 
     const GPUModel *_model = nullptr;
     ModelGeometry _geometry;
+    std::unique_ptr<TextureCache> _textures;
     DrawPlan _plan;
     double _triangles = 0;
     std::vector<Record> _records;

@@ -87,6 +87,18 @@ vec3 faceNormal(vec3 toViewer)
     float size = length(normal);
     return size > 0.0 ? normal / size : toViewer;
 }
+
+uniform uint uHighlighted; // a record; none beyond all of them
+
+// A highlighted material stands out from the rest, which becomes pale and grey.
+vec3 emphasised(vec3 colour)
+{
+    if (uHighlighted == 0xffffffffu)
+        return colour;
+    if (uHighlighted == vRecord)
+        return mix(colour, vec3(1.0, 0.55, 0.1), 0.45);
+    return mix(vec3(dot(colour, vec3(0.3, 0.6, 0.1))), vec3(0.75), 0.5);
+}
 )";
 
 constexpr char SurfaceFragment[] = R"(
@@ -206,7 +218,7 @@ void main()
     colour += specular * (1.0 - colour);
     float shine = max(max(specular.r, specular.g), specular.b);
     opacity += shine * (1.0 - opacity);
-    fColour = vec4(pow(colour, vec3(1.0 / gamma)) * opacity, opacity);
+    fColour = vec4(emphasised(pow(colour, vec3(1.0 / gamma))) * opacity, opacity);
 }
 )";
 
@@ -221,7 +233,7 @@ void main()
     // Files store normals to either side, and generated ones have a side of their own.
     if (dot(vNormal, face) < 0.0)
         normal = -normal;
-    fColour = vec4(0.5 + 0.5 * normal, 1.0);
+    fColour = vec4(emphasised(0.5 + 0.5 * normal), 1.0);
 }
 )";
 
@@ -263,6 +275,106 @@ void main()
 }
 )";
 
+constexpr char WideLineVertex[] = R"(
+struct Line {
+    vec4 from; // and width
+    vec4 to;
+    vec4 colour;
+};
+
+layout(std430, binding = 1) readonly buffer Lines {
+    Line lines[];
+};
+
+uniform mat4 uMatrix;
+uniform vec3 uViewport; // width, height
+uniform float uDepthBias;
+
+out vec3 vPlace;
+flat out vec2 vFrom; // in pixels
+flat out vec2 vTo;
+flat out float vRadius;
+flat out vec4 vColour;
+
+// Which end, and which side of the line: two triangles.
+const vec2 corners[6] = vec2[](vec2(0, -1), vec2(0, 1), vec2(1, -1),
+                               vec2(1, -1), vec2(0, 1), vec2(1, 1));
+
+vec2 pixelOf(vec4 position)
+{
+    return (0.5 + 0.5 * position.xy / position.w) * uViewport.xy;
+}
+
+void main()
+{
+    Line line = lines[gl_VertexID / 6];
+    vec2 corner = corners[gl_VertexID % 6];
+    vec4 from = uMatrix * vec4(line.from.xyz, 1.0);
+    vec4 to = uMatrix * vec4(line.to.xyz, 1.0);
+    vec3 fromPlace = line.from.xyz;
+    vec3 toPlace = line.to.xyz;
+    vColour = line.colour;
+    vRadius = 0.5 * line.from.w;
+    vPlace = vec3(0.0);
+    vFrom = vTo = vec2(0.0);
+
+    // What lies behind the eye is cut off: it would come out mirrored.
+    const float least = 1e-3;
+    if (from.w < least && to.w < least) {
+        gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
+        return;
+    }
+    float cut = (least - from.w) / (to.w - from.w);
+    if (from.w < least) {
+        from = mix(from, to, cut);
+        fromPlace = mix(fromPlace, toPlace, cut);
+    } else if (to.w < least) {
+        to = mix(from, to, cut);
+        toPlace = mix(fromPlace, toPlace, cut);
+    }
+
+    vFrom = pixelOf(from);
+    vTo = pixelOf(to);
+    vec2 along = vTo - vFrom;
+    float size = length(along);
+    along = size > 1e-3 ? along / size : vec2(1.0, 0.0);
+    vec2 aside = vec2(-along.y, along.x);
+    // Room for the round ends and for the half pixel in which a border fades.
+    float room = vRadius + 1.0;
+    vec4 end = corner.x < 0.5 ? from : to;
+    vec2 pixel = (corner.x < 0.5 ? vFrom - along * room : vTo + along * room) +
+                 aside * corner.y * room;
+    vPlace = corner.x < 0.5 ? fromPlace : toPlace;
+    gl_Position = vec4((2.0 * pixel / uViewport.xy - 1.0) * end.w,
+                       end.z - uDepthBias * end.w, end.w);
+}
+)";
+
+constexpr char WideLineFragment[] = R"(
+in vec3 vPlace;
+flat in vec2 vFrom;
+flat in vec2 vTo;
+flat in float vRadius;
+flat in vec4 vColour;
+
+uniform float uOpacity;
+uniform vec3 uFadeCentre;
+uniform float uFadeRadius;
+
+out vec4 fColour;
+
+void main()
+{
+    vec2 along = vTo - vFrom;
+    float part = clamp(dot(gl_FragCoord.xy - vFrom, along) / max(dot(along, along), 1e-6), 0.0, 1.0);
+    float distance = length(gl_FragCoord.xy - vFrom - part * along);
+    float opacity = uOpacity * vColour.a * clamp(vRadius + 0.5 - distance, 0.0, 1.0);
+    if (uFadeRadius > 0.0)
+        opacity *= 1.0 - smoothstep(0.35, 1.0, length(vPlace - uFadeCentre) / uFadeRadius);
+    fColour = vec4(vColour.rgb * opacity, opacity);
+}
+)";
+
 QByteArray fragmentShader(const char *body)
 {
     return QByteArray(VersionLine) + FragmentInputs + body;
@@ -298,6 +410,16 @@ QByteArray backgroundVertexShader()
 QByteArray backgroundFragmentShader()
 {
     return QByteArray(VersionLine) + BackgroundFragment;
+}
+
+QByteArray wideLineVertexShader()
+{
+    return QByteArray(VersionLine) + WideLineVertex;
+}
+
+QByteArray wideLineFragmentShader()
+{
+    return QByteArray(VersionLine) + WideLineFragment;
 }
 
 } // namespace Halvard::Orv::Render

@@ -22,4 +22,8 @@ QByteArray lineFragmentShader();
 QByteArray backgroundVertexShader();
 QByteArray backgroundFragmentShader();
 
+/// Of LineDrawer.
+QByteArray wideLineVertexShader();
+QByteArray wideLineFragmentShader();
+
 } // namespace Halvard::Orv::Render

@@ -2,14 +2,38 @@
 
 #include "SimilarFiles.h"
 
-#include <OrvGL/OpenGLFunctions.h>
 #include <OrvGL/Texture.h>
 #include <OrvModel/TexturePreparing.h>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QRunnable>
+#include <QtCore/QSemaphore>
+#include <QtCore/QThreadPool>
 #include <QtCore/QtDebug>
 
+#include <algorithm>
+
 namespace Halvard::Orv::Render {
+
+/// A file.
+struct TextureCache::Image
+{
+    QString path; // as it was first asked for, or found
+    PreparedTexture prepared;
+    bool isUploaded = false;
+    QString reason; // why there is no texture; empty where there is one, or it is not known yet
+    std::unique_ptr<Texture> texture;
+};
+
+/// What a path leads to.
+struct TextureCache::Request
+{
+    QString path;
+    QString meant;          // the file in its place, where it does not exist
+    Image *image = nullptr; // null where there is none
+    bool isNewImage = false;
+    QString reason; // why there is none
+};
 
 namespace {
 
@@ -18,96 +42,190 @@ QString missing()
     return QStringLiteral("does not exist");
 }
 
+void warnWithout(const QString &path, const QString &reason)
+{
+    qWarning("The texture '%s' %s; drawn without it.", qUtf8Printable(path),
+             qUtf8Printable(reason));
+}
+
+/// Does something for each of some items, on the calling thread and on those that a pool has idle.
+template <typename Item, typename Work>
+void share(const std::vector<Item> &items, QThreadPool *pool, const Work &work)
+{
+    QSemaphore done;
+    int given = 0;
+    for (size_t i = 1; i < items.size(); ++i) {
+        auto *const task = QRunnable::create([&work, &done, item = items[i]] {
+            work(item);
+            done.release();
+        });
+        ++given;
+        if (pool && pool->tryStart(task)) // which deletes it
+            continue;
+        task->run();
+        delete task;
+    }
+    if (!items.empty())
+        work(items.front());
+    done.acquire(given);
+}
+
 } // namespace
+
+TextureCache::TextureCache(TextureSettings settings) : _settings(std::move(settings)) {}
+TextureCache::~TextureCache() = default;
 
 Texture *TextureCache::texture(const QString &path)
 {
-    const auto known = _byPath.constFind(path);
-    if (known != _byPath.constEnd())
-        return *known;
-    QString reason;
-    Texture *const texture = find(path, reason);
-    if (!reason.isEmpty())
-        qWarning("The texture '%s' %s; drawn without it.", qUtf8Printable(path),
-                 qUtf8Printable(reason));
-    return *_byPath.insert(path, texture);
+    if (!_byPath.contains(path))
+        prepare({path});
+    Image *const image = _byPath.value(path);
+    if (!image)
+        return nullptr;
+    if (!image->isUploaded)
+        upload(*image);
+    return image->texture.get();
 }
 
-/// \param reason stays empty where there is nothing to say, or it was said.
-Texture *TextureCache::find(const QString &path, QString &reason)
+bool TextureCache::prepare(const QStringList &paths, QThreadPool *pool,
+                           const std::function<bool(double)> &progress)
 {
-    Texture *const texture = load(path, reason);
-    if (texture || reason != missing())
-        return texture;
+    std::vector<Request> requests;
+    std::vector<Image *> undecoded;
+    for (const QString &path : paths) {
+        if (_byPath.contains(path))
+            continue;
+        requests.push_back(resolve(path));
+        _byPath.insert(path, requests.back().image);
+        if (requests.back().isNewImage)
+            undecoded.push_back(requests.back().image);
+    }
+    if (!decode(undecoded, pool, progress))
+        return false;
+    for (const Request &request : requests) {
+        const QString reason = request.image ? request.image->reason : request.reason;
+        if (!reason.isEmpty() && (!request.image || request.isNewImage))
+            warnWithout(request.path,
+                        request.meant.isNull()
+                            ? reason
+                            : QStringLiteral("does not exist, and '%1' in its place %2")
+                                  .arg(request.meant, reason));
+        else if (reason.isEmpty() && !request.meant.isNull())
+            qWarning("The texture '%s' does not exist; drawn with '%s' in its place.",
+                     qUtf8Printable(request.path), qUtf8Printable(request.meant));
+    }
+    return true;
+}
+
+TextureCache::Request TextureCache::resolve(const QString &path)
+{
+    Request request;
+    request.path = path;
+    lookUp(path, request);
     // Each search reads directories, and a library may name any number of files.
     constexpr int MostSearches = 100;
-    const QString meant = ++_searches <= MostSearches ? fileMeantBy(path) : QString();
+    if (request.reason != missing() || ++_searches > MostSearches)
+        return request;
+    const QString meant = fileMeantBy(path);
     if (meant.isNull())
-        return nullptr;
-    QString trouble;
-    Texture *const other = load(meant, trouble);
-    if (!trouble.isEmpty()) {
-        reason = QStringLiteral("does not exist, and '%1' in its place %2").arg(meant, trouble);
-        return nullptr;
-    }
-    reason.clear(); // of a file that cannot be used, too: it was said
-    if (other)
-        qWarning("The texture '%s' does not exist; drawn with '%s' in its place.",
-                 qUtf8Printable(path), qUtf8Printable(meant));
-    return other;
+        return request;
+    request.meant = meant;
+    lookUp(meant, request);
+    return request;
 }
 
-Texture *TextureCache::load(const QString &path, QString &reason)
+/// Fills in image or reason.
+void TextureCache::lookUp(const QString &path, Request &request)
 {
-    if (_settings.objection) {
-        reason = _settings.objection(path);
-        if (!reason.isEmpty())
-            return nullptr;
-    }
+    request.reason = _settings.objection ? _settings.objection(path) : QString();
+    if (!request.reason.isEmpty())
+        return;
     // A name with a zero byte is none for the system.
     const QString file =
         path.contains(QChar::Null) ? QString() : QFileInfo(path).canonicalFilePath();
     if (file.isEmpty()) {
-        reason = missing();
-        return nullptr;
+        request.reason = missing();
+        return;
     }
-    const auto known = _byFile.constFind(file);
-    if (known != _byFile.constEnd())
-        return *known;
-    return *_byFile.insert(file, decode(path, reason));
+    request.image = _byFile.value(file);
+    request.isNewImage = !request.image;
+    if (request.isNewImage) {
+        _images.push_back(std::make_unique<Image>());
+        request.image = _images.back().get();
+        request.image->path = path;
+        _byFile.insert(file, request.image);
+    }
 }
 
-Texture *TextureCache::decode(const QString &path, QString &reason)
+/// In batches, so that a stop is heard, and no more than one batch is decoded in vain when the
+/// pixels that a model may have run out.
+bool TextureCache::decode(const std::vector<Image *> &images, QThreadPool *pool,
+                          const std::function<bool(double)> &progress)
 {
-    GLint mostOnASide = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &mostOnASide);
-    PrepareTextureOptions options;
-    options.mostOnASide = mostOnASide;
-    options.convertsTo32Bits = true;
-    const qint64 mostOfOne = options.mostPixels;
-    options.mostPixels = qMin(mostOfOne, _settings.mostPixels - _pixels);
+    const size_t batchSize = pool ? size_t(std::max(pool->maxThreadCount(), 0)) + 1 : 1;
+    for (size_t begin = 0; begin < images.size(); begin += batchSize) {
+        if (progress && !progress(double(begin) / double(images.size())))
+            return false;
+        const size_t end = std::min(begin + batchSize, images.size());
+        const std::vector<Image *> batch(images.begin() + std::ptrdiff_t(begin),
+                                         images.begin() + std::ptrdiff_t(end));
+        PrepareTextureOptions options;
+        options.mostOnASide = _settings.mostOnASide;
+        options.convertsTo32Bits = true;
+        options.mostPixels = std::min(options.mostPixels, _settings.mostPixels - _pixels);
+        share(batch, pool,
+              [&options](Image *image) { image->prepared = prepareTexture(image->path, options); });
+        for (Image *image : batch)
+            admit(*image);
+    }
+    return true;
+}
 
-    const PreparedTexture prepared = prepareTexture(path, options);
-    const QSize size = prepared.claimedSize;
+/// Takes a decoded image, unless those before it have left too few pixels for it.
+void TextureCache::admit(Image &image)
+{
+    PreparedTexture &prepared = image.prepared;
+    image.reason = prepared.reason;
+    const bool isTooLarge = prepared.trouble == PreparedTexture::Trouble::TooLarge;
+    const QSize size = isTooLarge ? prepared.claimedSize : prepared.image.size();
     const qint64 pixels = qint64(size.width()) * size.height();
-    if (prepared.trouble == PreparedTexture::Trouble::TooLarge && pixels <= mostOfOne &&
-        size.width() <= mostOnASide && size.height() <= mostOnASide) {
-        reason = QStringLiteral("has %1 x %2 pixels, more than the textures before it leave of the "
-                                "%3 that a model may have")
-                     .arg(size.width())
-                     .arg(size.height())
-                     .arg(_settings.mostPixels);
-        return nullptr;
+    const bool isTooMany = pixels > _settings.mostPixels - _pixels;
+    const bool canBeAlone = pixels <= PrepareTextureOptions().mostPixels &&
+                            size.width() <= _settings.mostOnASide &&
+                            size.height() <= _settings.mostOnASide;
+    if ((isTooLarge || !prepared.isNull()) && isTooMany && canBeAlone)
+        image.reason = QStringLiteral("has %1 x %2 pixels, more than the textures before it leave "
+                                      "of the %3 that a model may have")
+                           .arg(size.width())
+                           .arg(size.height())
+                           .arg(_settings.mostPixels);
+    if (image.reason.isEmpty())
+        _pixels += pixels;
+    else
+        prepared.image = QImage();
+}
+
+bool TextureCache::uploadNext()
+{
+    while (_nextToUpload < _images.size()) {
+        Image &image = *_images[_nextToUpload++];
+        if (image.isUploaded || image.prepared.isNull())
+            continue;
+        upload(image);
+        break;
     }
-    Texture *const texture = uploadTexture(prepared, &reason);
-    if (!texture)
-        return nullptr;
-    if (!texture->isUsable()) {
-        reason = QStringLiteral("belongs to another OpenGL context");
-        return nullptr;
-    }
-    _pixels += qint64(texture->width()) * texture->height();
-    return texture;
+    return _nextToUpload < _images.size();
+}
+
+void TextureCache::upload(Image &image)
+{
+    image.isUploaded = true;
+    if (!image.reason.isEmpty() || image.prepared.isNull())
+        return;
+    image.texture = makeTexture(image.prepared, &image.reason);
+    image.prepared.image = QImage();
+    if (!image.texture)
+        warnWithout(image.path, image.reason);
 }
 
 } // namespace Halvard::Orv::Render

@@ -9,6 +9,7 @@
 #include <QtGui/QImage>
 
 #include <limits>
+#include <memory>
 
 namespace Halvard::Orv {
 
@@ -91,6 +92,19 @@ ORVMODEL_EXPORT PreparedTexture prepareTexture(const QString &fileName,
 /// Call it only on a thread with an OpenGL context current. Leaves the bindings and the
 /// pixel storage modes as they are, but for GL_UNPACK_ALIGNMENT, which is 1 afterwards.
 ORVMODEL_EXPORT Texture *uploadTexture(const PreparedTexture &prepared, QString *reason = nullptr);
+
+/// The same for programs that keep their textures themselves, and let go of them: every call makes
+/// another texture, and no table knows it.
+///
+/// \param prepared of 32 bits per pixel.
+/// \param reason as of uploadTexture().
+/// \return the caller's; null where uploadTexture() would make none. It may be destroyed anywhere,
+///         also when its context is gone.
+///
+/// Call it only on a thread with an OpenGL context current; what is bound, and the pixel storage
+/// modes, are left as by uploadTexture().
+ORVMODEL_EXPORT std::unique_ptr<Texture> makeTexture(const PreparedTexture &prepared,
+                                                     QString *reason = nullptr);
 
 /// @}
 

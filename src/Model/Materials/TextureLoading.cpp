@@ -14,6 +14,7 @@
 #include <QtCore/QtDebug>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 
@@ -130,7 +131,7 @@ bool uploadImage(Texture *texture, const QImage &image)
 }
 
 /// Says why there is no texture, to the caller or else to everybody.
-Texture *refuse(const PreparedTexture &prepared, QString *reason, const QString &why)
+std::nullptr_t refuse(const PreparedTexture &prepared, QString *reason, const QString &why)
 {
     if (reason)
         *reason = why;
@@ -150,11 +151,9 @@ bool isWorthAWarning(PreparedTexture::Trouble trouble)
 
 } // namespace
 
-Texture *uploadTexture(const PreparedTexture &prepared, QString *reason)
+std::unique_ptr<Texture> makeTexture(const PreparedTexture &prepared, QString *reason)
 {
     const FloatingPointState state;
-    if (Texture *known = textureTable().find(prepared.fileName))
-        return known;
     // Fewer bits per pixel would make the upload read past the end of the image.
     const QImage &image = prepared.image;
     if (image.isNull() || image.depth() != 32 || !OpenGLDeviceContext::current()) {
@@ -178,7 +177,15 @@ Texture *uploadTexture(const PreparedTexture &prepared, QString *reason)
             return refuse(prepared, reason, why("has %1 x %2 pixels, more than OpenGL can hold"));
     }
     texture->setReadOnly();
-    return textureTable().insert(prepared.fileName, std::move(texture));
+    return texture;
+}
+
+Texture *uploadTexture(const PreparedTexture &prepared, QString *reason)
+{
+    if (Texture *known = textureTable().find(prepared.fileName))
+        return known;
+    std::unique_ptr<Texture> texture = makeTexture(prepared, reason);
+    return texture ? textureTable().insert(prepared.fileName, std::move(texture)) : nullptr;
 }
 
 Texture *LoadTexture(const QString &fileName)

@@ -244,6 +244,26 @@ TEST_F(TextureUploading, EntersTheTableOfLoadTexture)
     EXPECT_EQ(uploadTexture(prepareTexture(path)), uploaded);
 }
 
+TEST_F(TextureUploading, MakesTexturesThatTheCallerLetsGo)
+{
+    const QString path = files.write(QStringLiteral("t.png"), encoded(plain(4, 4), "PNG"));
+    const PreparedTexture prepared = prepareTexture(path);
+    const std::unique_ptr<Texture> first = makeTexture(prepared);
+    std::unique_ptr<Texture> second = makeTexture(prepared);
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(first->id(), second->id());
+    EXPECT_TRUE(first->isReadOnly());
+    const GLuint name = second->id();
+    second.reset();
+    EXPECT_FALSE(glIsTexture(name));
+    // The table has heard of neither.
+    EXPECT_NE(kept(LoadTexture(path)), first.get());
+
+    QString reason;
+    EXPECT_FALSE(makeTexture(prepareTexture(files.path(QStringLiteral("none"))), &reason));
+    EXPECT_EQ(reason, QStringLiteral("does not exist"));
+}
+
 TEST_F(TextureUploading, RefusesWhatIsNotOf32Bits)
 {
     const QString path = files.write(QStringLiteral("grey.png"),
