@@ -2,7 +2,8 @@
 
 #include "CommandLine.h"
 #include "Interruption.h"
-#include "ModelFiles.h"
+
+#include <common/ModelFiles.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -51,7 +52,7 @@ QString inputThatIs(const QString &path, const QString &model)
         return {};
     if (isOutput(model))
         return QStringLiteral("the model itself");
-    const ModelFiles files = filesOf(model);
+    const Apps::ModelFiles files = Apps::filesOf(model);
     if (std::any_of(files.libraries.begin(), files.libraries.end(), isOutput))
         return QStringLiteral("a material library of the model");
     if (std::any_of(files.textures.begin(), files.textures.end(), isOutput))

@@ -2,11 +2,11 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
-#include "LoadFailure.h"
 #include "Messages.h"
 #include "Progress.h"
 
 #include <OrvModel/ModelPreparing.h>
+#include <common/LoadFailure.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QThreadPool>
@@ -99,7 +99,7 @@ std::unique_ptr<PreparedModel> prepareFile(const QString &fileName, int threads,
         printError(QStringLiteral("'%1' is not loaded: its library '%2' %3.")
                        .arg(fileName, refused, Confinement::objection(refused)));
     else
-        printError(explainedFailure(error, reason));
+        printError(Apps::explainedFailure(error, reason));
     if (reason == QLatin1String("not enough memory"))
         status = OutOfMemory;
     return nullptr;

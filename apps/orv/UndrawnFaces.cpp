@@ -2,7 +2,9 @@
 
 #include "CommandLine.h"
 #include "Messages.h"
-#include "ModelFiles.h"
+
+#include <common/ModelFiles.h>
+#include <common/Verdict.h>
 
 #include <QtCore/QLocale>
 #include <QtCore/QtDebug>
@@ -71,7 +73,7 @@ std::vector<UndrawnFaces> undrawnFaces(const PreparationReport &report, const QS
     }
     if (first.empty())
         return result;
-    const std::vector<qint64> lines = linesOfFaces(fileName, first);
+    const std::vector<qint64> lines = Apps::linesOfFaces(fileName, first);
     for (size_t i = 0; i < lines.size(); ++i)
         result[i].line = lines[i];
     return result;
@@ -93,14 +95,7 @@ void tell(const std::vector<UndrawnFaces> &faces, const QString &fileName)
 
 ExitStatus verdictOn(const PreparationReport &report, const QString &fileName)
 {
-    QString error;
-    if (report.faces > 0 && report.facesDrawn == 0)
-        error = QStringLiteral("None of the faces of '%1' is drawn.").arg(fileName);
-    else if (report.positions + report.normals + report.texCoords + report.faces == 0 &&
-             hasNoOBJLine(fileName))
-        error = QStringLiteral("'%1' is no OBJ file: none of its lines begins with a keyword of "
-                               "that format.")
-                    .arg(fileName);
+    const QString error = Apps::verdictOn(report, fileName);
     if (error.isEmpty())
         return Fine;
     Messages::flush();

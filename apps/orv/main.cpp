@@ -1,11 +1,11 @@
 #include "CommandLine.h"
 #include "Commands.h"
-#include "FileNames.h"
 #include "Interruption.h"
 #include "Messages.h"
 #include "StandardStreams.h"
 
 #include <OrvModel/ModelVersions.h>
+#include <common/FileNames.h>
 
 #include <QtCore/QCoreApplication>
 
@@ -88,7 +88,7 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     const Cli::Messages messages;
     try {
-        return run(Cli::argumentsOf(argc, argv));
+        return run(Apps::argumentsOf(argc, argv));
     } catch (const std::bad_alloc &) {
         Cli::Messages::flush();
         std::fputs("orv: There is not enough memory.\n", stderr);

@@ -1,9 +1,8 @@
 #include "TextureCache.h"
 
-#include "SimilarFiles.h"
-
 #include <OrvGL/Texture.h>
 #include <OrvModel/TexturePreparing.h>
+#include <common/SimilarFiles.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QRunnable>
@@ -126,7 +125,7 @@ TextureCache::Request TextureCache::resolve(const QString &path)
     constexpr int MostSearches = 100;
     if (request.reason != missing() || ++_searches > MostSearches)
         return request;
-    const QString meant = fileMeantBy(path);
+    const QString meant = Apps::fileMeantBy(path);
     if (meant.isNull())
         return request;
     request.meant = meant;

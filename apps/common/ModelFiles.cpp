@@ -11,7 +11,7 @@
 
 #include <set>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
@@ -237,4 +237,4 @@ bool hasNoOBJLine(const QString &model)
     return hasLines;
 }
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

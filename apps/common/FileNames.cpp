@@ -10,7 +10,7 @@
 
 #include <unistd.h>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
@@ -107,4 +107,4 @@ QStringList argumentsOf(int argc, char *argv[])
     return arguments;
 }
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

@@ -4,7 +4,7 @@
 
 class QStringList;
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 /// The arguments of main() as texts.
 ///
@@ -17,4 +17,4 @@ namespace Halvard::Orv::Cli {
 /// Call it once, before other threads begin.
 QStringList argumentsOf(int argc, char *argv[]);
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

@@ -4,7 +4,7 @@
 
 #include <QtCore/QString>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 /// The library's message with the reason behind it, and with the name of a similar file that lies
 /// beside a missing one:
@@ -14,4 +14,4 @@ namespace Halvard::Orv::Cli {
 /// \param reason as prepareModelFromOBJFile() gives it.
 QString explainedFailure(const QString &message, const QString &reason);
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

@@ -4,7 +4,7 @@
 
 #include <QtCore/QString>
 
-namespace Halvard::Orv::Render {
+namespace Halvard::Orv::Apps {
 
 /// The file that is at `path` if the case of letters is passed over; null where there is none. Of
 /// several, the first by name.
@@ -19,4 +19,4 @@ QString fileOfOtherSuffix(const QString &path);
 /// letters; null where there is none.
 QString fileMeantBy(const QString &path);
 
-} // namespace Halvard::Orv::Render
+} // namespace Halvard::Orv::Apps

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 /// The files that a model names, existing or not, each once and by the path at which it would be
 /// looked for.
@@ -32,4 +32,4 @@ std::vector<qint64> linesOfFaces(const QString &model, const std::vector<quint64
 /// its first megabyte.
 bool hasNoOBJLine(const QString &model);
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

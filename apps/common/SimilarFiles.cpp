@@ -4,7 +4,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
-namespace Halvard::Orv::Render {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
@@ -82,4 +82,4 @@ QString fileMeantBy(const QString &path)
     return fileOfOtherCase(slashed);
 }
 
-} // namespace Halvard::Orv::Render
+} // namespace Halvard::Orv::Apps

@@ -1,8 +1,8 @@
 #include "LoadFailure.h"
 
-#include <render/SimilarFiles.h>
+#include "SimilarFiles.h"
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
@@ -20,8 +20,8 @@ QString fileOf(const QString &message)
 /// A file that may have been meant by the name of one that does not exist; null where there is none.
 QString similarTo(const QString &path)
 {
-    const QString meant = Render::fileMeantBy(path);
-    return meant.isNull() ? Render::fileOfOtherSuffix(path) : meant;
+    const QString meant = fileMeantBy(path);
+    return meant.isNull() ? fileOfOtherSuffix(path) : meant;
 }
 
 } // namespace
@@ -38,4 +38,4 @@ QString explainedFailure(const QString &message, const QString &reason)
     return QStringLiteral("%1: %2, but there is '%3'.").arg(message, reason, similar);
 }
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

@@ -1,0 +1,44 @@
+#include "LoadingBar.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QToolButton>
+
+namespace Halvard::Orv::Viewer {
+
+namespace {
+
+constexpr int Steps = 1000;
+
+} // namespace
+
+LoadingBar::LoadingBar(QWidget *parent)
+    : QWidget(parent), _what(new QLabel(this)), _bar(new QProgressBar(this)),
+      _cancel(new QToolButton(this))
+{
+    _bar->setObjectName(QStringLiteral("progress"));
+    _bar->setRange(0, Steps);
+    _bar->setTextVisible(false);
+    _bar->setFixedWidth(180);
+    _bar->setMaximumHeight(12);
+    _cancel->setObjectName(QStringLiteral("cancel"));
+    _cancel->setText(tr("Cancel"));
+    _cancel->setToolTip(tr("Stop loading and keep what is shown (Esc)"));
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(_what);
+    layout->addWidget(_bar);
+    layout->addWidget(_cancel);
+    connect(_cancel, &QToolButton::clicked, this, &LoadingBar::cancelled);
+    hide();
+}
+
+void LoadingBar::tell(const QString &what, double fraction)
+{
+    _what->setText(what);
+    _bar->setValue(int(fraction * Steps));
+    show();
+}
+
+} // namespace Halvard::Orv::Viewer
