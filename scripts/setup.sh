@@ -3,7 +3,7 @@
 #
 #     scripts/setup.sh [build] [test] [fuzz] [bench] [coverage]
 #
-#   build     what compiling the libraries and the `orv` command line takes, and an
+#   build     what compiling the libraries, `orv` and `orv-view` takes, and an
 #             OpenGL driver that runs without a graphics card or a display
 #   test      what the tests take beyond that
 #   fuzz      clang, whose libFuzzer the fuzz targets are linked with
@@ -21,7 +21,7 @@ build_packages=(
   cmake ninja-build g++ pkg-config
   # Reading numbers; headers only.
   libfast-float-dev
-  # Qt 5 Core and Gui. PNG is built into Gui; its package holds the JPEG plugin.
+  # Qt 5 Core, Gui and Widgets. PNG is built into Gui; its package holds the JPEG plugin.
   qtbase5-dev
   # The loader of OpenGL functions.
   libepoxy-dev
@@ -30,8 +30,10 @@ build_packages=(
 )
 # OpenGL ES: what the libraries do in the context of a program that uses it. The models are those
 # that another library is tested with.
-# The reference is made, and JSON is held against its schemas.
-test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema)
+# The reference is made, and JSON is held against its schemas. The window is tested on a display
+# without a screen, whose OpenGL is GLX's; it writes with that font.
+test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema
+  xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)
