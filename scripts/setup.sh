@@ -30,10 +30,11 @@ build_packages=(
 )
 # OpenGL ES: what the libraries do in the context of a program that uses it. The models are those
 # that another library is tested with.
-# The reference is made, and JSON is held against its schemas. The window is tested on a display
-# without a screen, whose OpenGL is GLX's; it writes with that font.
+# The reference is made, JSON is held against its schemas, and the programs of the documents are
+# built, those for other libraries, too. The window is tested on a display without a screen, whose
+# OpenGL is GLX's; it writes with that font.
 test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema
-  xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core)
+  libtinyobjloader-dev libassimp-dev xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)
