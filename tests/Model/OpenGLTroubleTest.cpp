@@ -19,6 +19,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 using namespace Halvard::Orv;
 using namespace OrvTest;
@@ -240,7 +241,8 @@ TEST_F(OpenGLTrouble, ALostContextIsNoReasonToHang)
     EXPECT_FALSE(LoadTexture(image));
     EXPECT_THAT(messages.texts(QtWarningMsg),
                 ElementsAre("'" + image.toStdString() +
-                            "' is not loaded: it has 4 x 4 pixels, more than OpenGL can hold"));
+                            "' is not loaded: it has 4 x 4 pixels, which OpenGL does not take "
+                            "(error 0x0507)"));
 }
 
 PFNGLTEXIMAGE2DPROC driverTexImage = nullptr;
@@ -252,18 +254,41 @@ void APIENTRY wrongTexImage(GLenum target, GLint level, GLint internalFormat, GL
     driverTexImage(target, level, internalFormat, -1, height, border, format, type, nullptr);
 }
 
+GLenum texImageError = GL_NO_ERROR;
+
+void APIENTRY fullTexImage(GLenum, GLint, GLint, GLsizei, GLsizei, GLint, GLenum, GLenum,
+                           const void *)
+{
+    texImageError = GL_OUT_OF_MEMORY;
+}
+
+GLenum APIENTRY errorOfTexImage()
+{
+    return std::exchange(texImageError, GLenum(GL_NO_ERROR));
+}
+
 TEST_F(OpenGLTrouble, ATextureThatFindsNoRoomIsNotKept)
 {
     const QString image = writeImage(files);
     glTexImage2D(GL_PROXY_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    const std::string notLoaded =
+        "'" + image.toStdString() + "' is not loaded: it has 4 x 4 pixels, ";
     {
         const Replaced<PFNGLTEXIMAGE2DPROC> replaced(epoxy_glTexImage2D, wrongTexImage);
         driverTexImage = replaced.driver();
         const MessageCapture messages;
         EXPECT_FALSE(LoadTexture(image));
         EXPECT_THAT(messages.texts(QtWarningMsg),
-                    Contains("'" + image.toStdString() +
-                             "' is not loaded: it has 4 x 4 pixels, more than OpenGL can hold"));
+                    Contains(notLoaded + "which OpenGL does not take (error 0x0501)"));
+    }
+    {
+        glGetError(); // looks the function up
+        const Replaced<PFNGLTEXIMAGE2DPROC> full(epoxy_glTexImage2D, fullTexImage);
+        const Replaced<PFNGLGETERRORPROC> error(epoxy_glGetError, errorOfTexImage);
+        const MessageCapture messages;
+        EXPECT_FALSE(LoadTexture(image));
+        EXPECT_THAT(messages.texts(QtWarningMsg),
+                    ElementsAre(notLoaded + "for which OpenGL has no memory"));
     }
     static Texture *texture = nullptr; // for the leak sanitizer: it lives as long as the process
     texture = LoadTexture(image);

@@ -111,8 +111,8 @@ void clearErrors()
 }
 
 /// Gives the bound texture its parameters and pixels.
-/// \return false when the GPU has no room for them.
-bool uploadImage(Texture *texture, const QImage &image)
+/// \return the error of OpenGL, GL_NO_ERROR where there is none.
+GLenum uploadImage(Texture *texture, const QImage &image)
 {
     const PlainUnpackState unpack;
     clearErrors();
@@ -126,8 +126,10 @@ bool uploadImage(Texture *texture, const QImage &image)
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, LastMipLevel);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, image.width(), image.height(), 0, GL_BGRA,
                  GL_UNSIGNED_BYTE, image.constBits());
+    if (const GLenum error = glGetError(); error != GL_NO_ERROR)
+        return error;
     glGenerateMipmap(texture->target());
-    return glGetError() == GL_NO_ERROR;
+    return glGetError();
 }
 
 /// Says why there is no texture, to the caller or else to everybody.
@@ -173,8 +175,14 @@ std::unique_ptr<Texture> makeTexture(const PreparedTexture &prepared, QString *r
                                              0, nullptr);
     {
         const AutoBinder binder(texture.get());
-        if (!uploadImage(texture.get(), image))
-            return refuse(prepared, reason, why("has %1 x %2 pixels, more than OpenGL can hold"));
+        const GLenum error = uploadImage(texture.get(), image);
+        if (error == GL_OUT_OF_MEMORY)
+            return refuse(prepared, reason,
+                          why("has %1 x %2 pixels, for which OpenGL has no memory"));
+        if (error != GL_NO_ERROR)
+            return refuse(prepared, reason,
+                          why("has %1 x %2 pixels, which OpenGL does not take (error 0x%3)")
+                              .arg(error, 4, 16, QLatin1Char('0')));
     }
     texture->setReadOnly();
     return texture;

@@ -2,6 +2,7 @@
 
 #include "Files/FileOpening.h"
 #include "Lanes/FloatingPointState.h"
+#include "Materials/ImageConversion.h"
 #include "Materials/ImageCost.h"
 
 #include <QtCore/QFile>
@@ -84,17 +85,36 @@ bool refuseForMemory(PreparedTexture &prepared)
                   QStringLiteral("is larger than there is memory for"));
 }
 
+/// Qt's reader of icons is the only one that converts on threads of Qt's pool, and waits for them.
+bool isReadByThreads(const QByteArray &format, const QSize &size)
+{
+    return format == "ico" && isConvertedByThreads(qint64(size.width()) * size.height() * 4);
+}
+
+/// Why a reader failed, which says only that it did.
+bool hasNoMemoryFor(const QSize &size)
+{
+    return size.isValid() && QImage(size, QImage::Format_ARGB32).isNull();
+}
+
 bool decode(ImageFile &file, const PrepareTextureOptions &options, PreparedTexture &prepared)
 {
     if (const char *excess = excessOf(file))
         return refuse(prepared, Trouble::Hostile, QLatin1String(excess));
     QImageReader reader(&file);
+    const QByteArray format = reader.format(); // the reader of icons knows it until it reads
     const QSize claimed = reader.size();
     prepared.claimedSize = claimed;
     if (claimed.isValid() && !isWithin(claimed, options))
         return refuseSize(prepared, claimed, options);
+    if (isReadByThreads(format, claimed) && !canStartThread())
+        return refuse(prepared, Trouble::NoMemory,
+                      QStringLiteral("is an icon, which takes a thread to decode, and none can be "
+                                     "started"));
     prepared.image = reader.read();
     const QSize decoded = prepared.image.size();
+    if (prepared.image.isNull() && hasNoMemoryFor(claimed))
+        return refuseForMemory(prepared);
     if (prepared.image.isNull())
         return refuse(prepared, Trouble::NoImage, QStringLiteral("is no image that can be read"));
     if (!isWithin(decoded, options)) // of a format that tells no size beforehand
@@ -116,7 +136,7 @@ bool finish(const PrepareTextureOptions &options, PreparedTexture &prepared)
     const bool isPlain =
         image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
     if (options.convertsTo32Bits && !isPlain)
-        image = std::move(image).convertToFormat(QImage::Format_ARGB32);
+        image = convertedOnThisThread(image, QImage::Format_ARGB32);
     image = std::move(image).mirrored(false, true);
     if (image.isNull())
         return refuseForMemory(prepared);
