@@ -116,9 +116,10 @@ void Scene::uploadNextImage()
 {
     const PreparedTexture image = _loaded.images.take(_loaded.images.firstKey());
     QString reason;
-    Texture *const texture = uploadTexture(image, &reason);
+    // Ours, and gone with the scene; uploadTexture() would keep it as long as the process lives.
+    std::unique_ptr<Texture> texture = makeTexture(image, &reason);
     if (texture)
-        _images.insert(image.fileName, texture);
+        _images[image.fileName] = std::move(texture);
     else
         qWarning("The texture '%s' %s.", qPrintable(image.fileName), qPrintable(reason));
 }
@@ -153,7 +154,8 @@ void Scene::draw(unsigned program, QMatrix4x4 view, const QMatrix4x4 &projection
     Texture *const white = TextureManager::Instance().colorTexture(Qt::white);
     const QList<InstanceData> &materials = _model.materials(0)->records();
     for (int command = 0; command < materials.size(); ++command) { // one for each material
-        _images.value(materials[command].texturePath("map_Kd"), white)->bindToUnit(0);
+        const auto image = _images.find(materials[command].texturePath("map_Kd"));
+        (image == _images.end() ? white : image->second.get())->bindToUnit(0);
         glProgramUniform1ui(program, 3, unsigned(command));
         _model.bundle(0)->draw(program, command, 1);
     }

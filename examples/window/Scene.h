@@ -9,6 +9,7 @@
 
 #include <QtGui/QMatrix4x4>
 
+#include <map>
 #include <memory>
 
 namespace Halvard::Orv {
@@ -46,7 +47,7 @@ private:
     bool _normalsAreGenerated;
     Halvard::Orv::GPUModel _model;
     std::unique_ptr<Halvard::Orv::ModelUpload> _upload;
-    QMap<QString, Halvard::Orv::Texture *> _images; // by path; the library's, like LoadTexture()'s
+    std::map<QString, std::unique_ptr<Halvard::Orv::Texture>> _images; // by path
     unsigned _records = 0;
     bool _isComplete = false;
 };
