@@ -1,6 +1,8 @@
 #include "LoadFailure.h"
 
-#include "SimilarFiles.h"
+#include <SimilarFiles.h>
+
+#include <QtCore/QFileInfo>
 
 namespace Halvard::Orv::Apps {
 
@@ -21,7 +23,7 @@ QString fileOf(const QString &message)
 QString similarTo(const QString &path)
 {
     const QString meant = fileMeantBy(path);
-    return meant.isNull() ? fileOfOtherSuffix(path) : meant;
+    return meant.isNull() ? fileOfOtherSuffix(path, QFileInfo(path).suffix()) : meant;
 }
 
 } // namespace

@@ -26,27 +26,20 @@ std::vector<const Finding *> chosen(const ModelFindings &model, int most)
     return findings;
 }
 
-template <typename Value>
-void write(JSONWriter &json, const char *key, const Value &value)
-{
-    json.key(key);
-    json.value(value);
-}
-
 void writeFinding(JSONWriter &json, const Finding &finding)
 {
     json.beginObject();
-    write(json, "code", finding.code);
-    write(json, "severity", severityName(finding.severity));
-    write(json, "file", finding.file);
-    write(json, "line", finding.line);
-    write(json, "count", finding.count);
-    write(json, "faces", finding.faces);
-    write(json, "subject", finding.subject);
-    write(json, "message", finding.message);
-    write(json, "consequence", finding.consequence);
-    write(json, "remedy", finding.remedy);
-    write(json, "fixable", finding.fixable);
+    json.member("code", finding.code);
+    json.member("severity", severityName(finding.severity));
+    json.member("file", finding.file);
+    json.member("line", finding.line);
+    json.member("count", finding.count);
+    json.member("faces", finding.faces);
+    json.member("subject", finding.subject);
+    json.member("message", finding.message);
+    json.member("consequence", finding.consequence);
+    json.member("remedy", finding.remedy);
+    json.member("fixable", finding.fixable);
     json.key("corners");
     json.beginArray();
     for (const QVector3D &corner : finding.corners) {
@@ -91,15 +84,15 @@ bool writeFindings(QIODevice &device, const QVector<ModelFindings> &models, int 
 {
     JSONWriter json(device);
     json.beginObject();
-    write(json, "format", 1);
+    json.member("format", 1);
     json.key("models");
     json.beginArray();
     for (const ModelFindings &model : models) {
         json.beginObject();
-        write(json, "file", model.file);
-        write(json, "faces", model.faces);
-        write(json, "facesDrawn", model.facesDrawn);
-        write(json, "triangles", model.triangles);
+        json.member("file", model.file);
+        json.member("faces", model.faces);
+        json.member("facesDrawn", model.facesDrawn);
+        json.member("triangles", model.triangles);
         json.key("findings");
         json.beginArray();
         for (const Finding *finding : chosen(model, most))

@@ -79,11 +79,16 @@ bool Confinement::isInside(const QString &path)
 
 QString Confinement::objection(const QString &path)
 {
+    // A name with a zero byte is none for the system, wherever it would lie.
+    if (path.contains(QChar::Null))
+        return {};
     return isInside(path) ? QString() : QStringLiteral("lies outside the directory of --within");
 }
 
 std::unique_ptr<QIODevice> Confinement::openInside(const QString &path, QString &refused)
 {
+    if (path.contains(QChar::Null))
+        return nullptr;
     if (!isInside(path)) {
         refused = path;
         return nullptr;
@@ -110,7 +115,7 @@ QString Confinement::relative(const QString &path)
 {
     if (!isSet())
         return path;
-    const QString absolute = QFileInfo(path).absoluteFilePath();
+    const QString absolute = QDir::cleanPath(QDir::current().absoluteFilePath(path));
     for (const QString &directory : {state().given, state().canonical}) {
         if (absolute.startsWith(withSlash(directory)))
             return absolute.mid(withSlash(directory).size());

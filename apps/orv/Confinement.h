@@ -22,7 +22,8 @@ public:
     /// Whether the file, or where it would lie, is in the directory once all links are followed.
     static bool isInside(const QString &path);
 
-    /// Why a file must not be read, to end the sentence "The texture 'x' "; empty where it may.
+    /// Why a file must not be read, to end the sentence "The texture 'x' "; empty where it may, and
+    /// for a name with a zero byte, by which no file can be opened.
     static QString objection(const QString &path);
 
     /// Opens a regular file that is inside, and looks once more where it lies when it is open: a

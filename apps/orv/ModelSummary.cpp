@@ -22,7 +22,7 @@ bool isThere(const QString &path)
     const QString objection = Confinement::objection(path);
     if (objection.isEmpty())
         return QFileInfo(path).isFile();
-    qWarning("The texture '%s' %s.", qUtf8Printable(path), qUtf8Printable(objection));
+    qWarning().noquote() << QStringLiteral("The texture '%1' %2.").arg(path, objection);
     return false;
 }
 

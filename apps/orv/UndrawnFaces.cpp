@@ -83,7 +83,7 @@ void tell(const std::vector<UndrawnFaces> &faces, const QString &fileName)
 {
     const size_t told = std::min(faces.size(), MostReasons);
     for (size_t i = 0; i < told; ++i)
-        qWarning("'%s': %s", qUtf8Printable(fileName), qUtf8Printable(sentence(faces[i])));
+        qWarning().noquote() << QStringLiteral("'%1': %2").arg(fileName, sentence(faces[i]));
     quint64 rest = 0;
     for (size_t i = told; i < faces.size(); ++i)
         rest += faces[i].count;

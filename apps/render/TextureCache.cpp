@@ -2,7 +2,8 @@
 
 #include <OrvGL/Texture.h>
 #include <OrvModel/TexturePreparing.h>
-#include <common/SimilarFiles.h>
+
+#include <SimilarFiles.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QRunnable>
@@ -43,8 +44,9 @@ QString missing()
 
 void warnWithout(const QString &path, const QString &reason)
 {
-    qWarning("The texture '%s' %s; drawn without it.", qUtf8Printable(path),
-             qUtf8Printable(reason));
+    // Names with a zero byte have to come out whole.
+    qWarning().noquote()
+        << QStringLiteral("The texture '%1' %2; drawn without it.").arg(path, reason);
 }
 
 /// Does something for each of some items, on the calling thread and on those that a pool has idle.
@@ -125,7 +127,7 @@ TextureCache::Request TextureCache::resolve(const QString &path)
     constexpr int MostSearches = 100;
     if (request.reason != missing() || ++_searches > MostSearches)
         return request;
-    const QString meant = Apps::fileMeantBy(path);
+    const QString meant = fileMeantBy(path);
     if (meant.isNull())
         return request;
     request.meant = meant;

@@ -97,7 +97,9 @@ struct CheckOptions
     /// opened. Without it libraries are files.
     std::function<std::unique_ptr<QIODevice>(const QString &path)> openLibrary;
     /// Whether a texture may be looked at, or a directory in which a missing file may have
-    /// another name. Nothing is said about textures that may not. Without it all may.
+    /// another name. Nothing is said about textures that may not; of a library that is not opened,
+    /// whether it is for that. Without it all may. Not asked about names with a zero byte, which
+    /// are those of no file.
     std::function<bool(const QString &path)> mayLookAt;
 };
 

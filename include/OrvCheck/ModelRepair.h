@@ -44,7 +44,8 @@ struct RepairOptions
     /// Opens a material library; null where it cannot be opened. Without it libraries are files.
     std::function<std::unique_ptr<QIODevice>(const QString &path)> openLibrary;
     /// Whether a texture may be looked at, or a directory in which a missing file may have
-    /// another name. Paths that lead to what may not stay as they are. Without it all may.
+    /// another name. Paths that lead to what may not stay as they are. Without it all may. Not asked
+    /// about names with a zero byte, which are those of no file.
     std::function<bool(const QString &path)> mayLookAt;
 };
 

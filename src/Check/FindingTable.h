@@ -29,6 +29,8 @@ struct Tally
     QVector<QVector3D> corners;
     /// What the message of the code wants to know beside the subject, of the first occurrence.
     QString detail;
+    /// Whether it is about a file that must not be looked at.
+    bool isRefused = false;
     /// Whether it stands for many subjects, beyond those that are told one by one.
     bool isOfMany = false;
 

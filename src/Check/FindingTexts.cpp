@@ -101,6 +101,12 @@ FindingTexts ofLibrary(const Tally &t)
             return {text("The line names no material library."),
                     text("The whole model fails to load. ") + notDrawn(t.faces),
                     text("Name the library, or take the line out.")};
+        if (t.isRefused)
+            return {QStringLiteral("The material library %1 lies outside of what may be read.")
+                        .arg(name),
+                    text("It is not opened, and the whole model fails to load. ") +
+                        notDrawn(t.faces),
+                    text("Allow a directory that holds it to be read, or take the line out.")};
         if (!t.detail.isEmpty())
             return {QStringLiteral("The material library %1 cannot be opened, but there is %2.")
                         .arg(name, quoted(t.detail)),

@@ -99,6 +99,8 @@ bool LibraryCheck::read(const Reference &reference)
 /// \return null where the library cannot be opened.
 std::unique_ptr<QIODevice> LibraryCheck::open(const QString &path) const
 {
+    if (path.contains(QChar::Null)) // no name for the system
+        return nullptr;
     if (_options.openLibrary)
         return _options.openLibrary(path);
     auto file = std::make_unique<QFile>(path);
@@ -298,7 +300,7 @@ void LibraryCheck::takeUnknown(const MTLLines &lines)
     if (keyword == QLatin1String("Tr")) {
         bool ok = false;
         const float value = lines.rest().section(QLatin1Char(' '), 0, 0).toFloat(&ok);
-        if (ok) {
+        if (ok && _section.isOpen) {
             _section.transparency = value;
             _section.transparencyLine = lines.line().number;
         }

@@ -1,8 +1,7 @@
 #include "OBJCheck.h"
 
-#include "SimilarFiles.h"
-
 #include <Scanning/OBJScanLimits.h>
+#include <SimilarFiles.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QSet>
@@ -289,19 +288,28 @@ void OBJCheck::takeFurtherNames(const OBJLines &lines, const QString &name)
 
 bool OBJCheck::mayLookAt(const QString &path) const
 {
-    return !_options.mayLookAt || _options.mayLookAt(path);
+    return !path.contains(QChar::Null) && (!_options.mayLookAt || _options.mayLookAt(path));
+}
+
+/// The file that may have been meant by a library's path, as the model would name it; null where
+/// there is none.
+QString OBJCheck::similarLibrary(const QString &path) const
+{
+    QString found = fileOfOtherCase(path);
+    if (found.isNull())
+        found = fileOfOtherSuffix(path, QStringLiteral("mtl"));
+    return found.isNull() ? found : _directory.relativeFilePath(found);
 }
 
 void OBJCheck::tellMissing(const QString &name, const QString &path, qint64 line)
 {
     constexpr int MostSearches = 100; // each lists a directory
     Tally &tally = _findings.at(Code::LibraryMissing, name);
-    if (tally.add(line) && !name.isEmpty() && mayLookAt(path) && ++_searches <= MostSearches) {
-        QString found = fileOfOtherCase(path);
-        if (found.isNull())
-            found = fileOfOtherSuffix(path, QStringLiteral("mtl"));
-        if (!found.isNull())
-            tally.detail = _directory.relativeFilePath(found);
+    const bool isName = !name.isEmpty() && !name.contains(QChar::Null);
+    if (tally.add(line) && isName) {
+        tally.isRefused = !mayLookAt(path);
+        if (!tally.isRefused && ++_searches <= MostSearches)
+            tally.detail = similarLibrary(path);
     }
     if (!_failure)
         _failure = &tally;

@@ -43,6 +43,7 @@ private:
     void takeFace(OBJLines &lines);
     void takeLibrary(OBJLines &lines);
     void takeFurtherNames(const OBJLines &lines, const QString &name);
+    QString similarLibrary(const QString &path) const;
     void tellMissing(const QString &name, const QString &path, qint64 line);
     void takeMaterial(OBJLines &lines);
     void useMaterial();

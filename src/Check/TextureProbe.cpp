@@ -1,8 +1,8 @@
 #include "TextureProbe.h"
 
-#include "SimilarFiles.h"
-
 #include <OrvModel/TexturePreparing.h>
+
+#include <SimilarFiles.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QStringList>
@@ -87,7 +87,7 @@ QString withoutMapOptions(const QString &rest)
 
 bool TextureProbe::mayLookAt(const QString &path) const
 {
-    return !_options.mayLookAt || _options.mayLookAt(path);
+    return !path.contains(QChar::Null) && (!_options.mayLookAt || _options.mayLookAt(path));
 }
 
 TextureTrouble TextureProbe::troubleWith(const QString &path)
@@ -95,7 +95,10 @@ TextureTrouble TextureProbe::troubleWith(const QString &path)
     const auto known = _known.constFind(path);
     if (known != _known.constEnd())
         return *known;
-    const TextureTrouble trouble = mayLookAt(path) ? troubleOfFile(path) : TextureTrouble::None;
+    const bool isName = !path.contains(QChar::Null); // others are none for the system
+    const TextureTrouble trouble = !isName           ? TextureTrouble::Missing
+                                   : mayLookAt(path) ? troubleOfFile(path)
+                                                     : TextureTrouble::None;
     _known.insert(path, trouble);
     return trouble;
 }

@@ -159,14 +159,17 @@ TEST_F(CheckCommandTest, StaysWithinItsDirectory)
     write("in/in.mtl", "newmtl a\nmap_Kd ../none.png\nmap_Ks gone.png\n");
     const QString inside = _files.path(QStringLiteral("in"));
     const QString within = QStringLiteral("--within=") + inside;
-    const QString model =
-        write("in/m.obj", "mtllib ../out.mtl\nmtllib in.mtl\n" + _triangle + "usemtl a\nf 1 2 3\n");
+    const QString model = write("in/m.obj", "mtllib ../out.mtl\nmtllib in.mtl\nmtllib gone.mtl\n" +
+                                                _triangle + "usemtl a\nf 1 2 3\n");
     const OrvRun run = runOrv({Check, model, within});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out,
-              "m.obj:1: error: The material library \"../out.mtl\" cannot be opened. 1 face is "
-              "not drawn. [library-missing]\n"
-              "in.mtl:3: warning: There is no texture \"gone.png\". [texture-missing]\n");
+    EXPECT_EQ(
+        run.out,
+        "m.obj:1: error: The material library \"../out.mtl\" lies outside of what may be read. "
+        "1 face is not drawn. [library-missing]\n"
+        "m.obj:3: error: The material library \"gone.mtl\" cannot be opened. "
+        "[library-missing]\n"
+        "in.mtl:3: warning: There is no texture \"gone.png\". [texture-missing]\n");
     EXPECT_EQ(run.err, "");
 
     const OrvRun outside = runOrv({Check, _sound, within});

@@ -139,6 +139,57 @@ TEST_F(ConfinementTest, WhetherATextureOutsideExistsIsNotTold)
     EXPECT_FALSE(valueAt(run.json(), "materials.0.textures.map_Kd.exists").toBool(true));
 }
 
+/// The system would cut such a name at the zero, and Qt complains of whoever asks for it.
+TEST_F(ConfinementTest, NamesWithAZeroByteAreThoseOfNoFile)
+{
+    const QString picture = _files.path(QStringLiteral("in/out.png"));
+    const QString render = QStringLiteral("render");
+    const QString output = QStringLiteral("-o");
+    const QString check = QStringLiteral("check");
+    const QString fix = QStringLiteral("fix");
+    const QString fixed = _files.path(QStringLiteral("in/fixed.obj"));
+    _files.write(QStringLiteral("in/zero.mtl"), QByteArray("newmtl m\nmap_Kd a\0b.png\n", 23));
+    _files.write(QStringLiteral("in/a"), "newmtl m\n");
+    const std::string texture = "There is no texture \"a\\x00b.png\". [texture-missing]\n";
+    const QString textured = modelWith("zero.mtl");
+    const struct
+    {
+        QStringList call;
+        std::string out;
+        std::string err;
+    } rows[] = {
+        {{render, textured, output, picture},
+         "",
+         "orv: warning: The texture 'a\\x00b.png' does not exist; drawn without it.\n"},
+        {{check, textured}, "zero.mtl:2: warning: " + texture, ""},
+        {{fix, textured, output, fixed}, "zero.mtl:2: warning: " + texture, ""},
+    };
+    for (const auto &row : rows) {
+        const OrvRun run = confined(row.call);
+        EXPECT_EQ(run.out.toStdString(), row.out) << row.call[0].toStdString();
+        EXPECT_EQ(run.err.toStdString(), row.err) << row.call[0].toStdString();
+    }
+    EXPECT_EQ(confined({info, textured}).err, "");
+
+    const QString model = modelWith(QByteArray("a\0b.mtl", 7));
+    for (const QStringList &call :
+         {QStringList{info, model}, QStringList{dump, model}, {render, model, output, picture}}) {
+        const OrvRun run = confined(call);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err.toStdString(),
+                  "orv: Failed to load MTL file 'a\\x00b.mtl': no such file.\n");
+    }
+    const OrvRun checked = confined({check, model});
+    EXPECT_EQ(checked.err, "");
+    EXPECT_EQ(checked.out,
+              "m.obj:1: error: The material library \"a\\x00b.mtl\" cannot be opened. 1 "
+              "face is not drawn. [library-missing]\n");
+    const OrvRun mended = confined({fix, model, output, fixed});
+    EXPECT_EQ(mended.err, "");
+    EXPECT_THAT(mended.out.toStdString(),
+                HasSubstr("The library \"a\\x00b.mtl\" is not there: its name becomes a comment."));
+}
+
 TEST_F(ConfinementTest, PathsAreRelative)
 {
     _files.write(QStringLiteral("in/plain.mtl"), "newmtl m\nmap_Kd here.png\n");

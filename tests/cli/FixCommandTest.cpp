@@ -135,8 +135,8 @@ TEST_F(FixCommandTest, LooksAtNoLibraryOutsideOfWithin)
     const OrvRun run = runOrv(QStringList{Fix, model, Output, output} + within);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out.toStdString(),
-              "model.obj:1: fixed: The library \"../P.mtl\" is not there: its name becomes a "
-              "comment. [library-missing]\n"
+              "model.obj:1: fixed: The library \"../P.mtl\" lies outside of what may be read: its "
+              "name becomes a comment. [library-missing]\n"
               "model.obj:5: fixed: The material \"red\" is defined, in the default material's "
               "colours. [material-undefined]\n");
     const OrvRun outside = runOrv(QStringList{Fix, _broken, Output, output} + within);

@@ -1,9 +1,9 @@
 #include "Repairs/LibraryPlan.h"
 
 #include "Repairs/OutputFiles.h"
-#include "SimilarFiles.h"
 
 #include <Libraries/InputFile.h>
+#include <SimilarFiles.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -138,8 +138,8 @@ void LibraryPlan::findOnLine(const LibraryLine &line)
             rewrite.missing.append(name);
             if (_references.size() == before)
                 tell(Code::LibraryMissing, line.line, name,
-                     QStringLiteral("The library %1 is not there: its name becomes a comment.")
-                         .arg(quoted(name)));
+                     QStringLiteral("The library %1 %2: its name becomes a comment.")
+                         .arg(quoted(name), troubleWith(name)));
         }
         if (line.names.size() > 1)
             tell(Code::LibraryFurtherNames, line.line, line.full,
@@ -153,11 +153,19 @@ void LibraryPlan::findOnLine(const LibraryLine &line)
         _lines.rewrites.insert(line.line, rewrite);
 }
 
+/// Why a library is not opened.
+QString LibraryPlan::troubleWith(const QString &name) const
+{
+    const bool isName = !name.contains(QChar::Null);
+    return isName && !mayLookAt(pathOf(name)) ? QStringLiteral("lies outside of what may be read")
+                                              : QStringLiteral("is not there");
+}
+
 /// \return false when there is no such library.
 bool LibraryPlan::addReference(qint64 line, const QString &written, const QString &name)
 {
     const QString path = pathOf(name);
-    if (name.contains(QChar::Null))
+    if (name.contains(QChar::Null)) // no name for the system
         return false;
     const QString canonical = QFileInfo(path).canonicalFilePath();
     auto number = _numbers.constFind(canonical);
@@ -172,9 +180,14 @@ bool LibraryPlan::addReference(qint64 line, const QString &written, const QStrin
     return true;
 }
 
+bool LibraryPlan::mayLookAt(const QString &path) const
+{
+    return !path.contains(QChar::Null) && (!_options.mayLookAt || _options.mayLookAt(path));
+}
+
 bool LibraryPlan::isThere(const QString &path) const
 {
-    return (!_options.mayLookAt || _options.mayLookAt(path)) && isRegularFile(path);
+    return mayLookAt(path) && isRegularFile(path);
 }
 
 /// The library that is meant by a name that leads to none; null where none is found.
@@ -188,7 +201,7 @@ QString LibraryPlan::meant(const QString &name)
     if (isThere(pathOf(slashed)))
         return slashed;
     const QLatin1String suffix("mtl");
-    if (_options.mayLookAt && !_options.mayLookAt(pathOf(slashed)))
+    if (!mayLookAt(pathOf(slashed)))
         return {};
     QString found = fileOfOtherCase(pathOf(slashed));
     if (found.isNull()) {
@@ -256,14 +269,25 @@ void LibraryPlan::settleMaterials()
     addDefinitions(definitions);
 }
 
-/// Has materials defined in the first library, if that is read before they are used, or in one of
-/// their own.
+/// Whether materials can be defined in the first library: it has to be read before they are used,
+/// and their names have to exist in its encoding.
+bool LibraryPlan::canDefineInFirst(const QStringList &names) const
+{
+    if (_references.empty())
+        return false;
+    const Reference &first = _references.front();
+    const LibraryRepair &repair = *_libraries[static_cast<size_t>(first.library)].repair;
+    return (first.line < _survey.firstMaterialLine || _late.contains(first.line)) &&
+           std::all_of(names.cbegin(), names.cend(),
+                       [&repair](const QString &name) { return repair.canWrite(name); });
+}
+
+/// Has materials defined in the first library, or in one of their own.
 void LibraryPlan::addDefinitions(const QStringList &definitions)
 {
     if (definitions.isEmpty())
         return;
-    if (!_references.empty() && (_references.front().line < _survey.firstMaterialLine ||
-                                 _late.contains(_references.front().line))) {
+    if (canDefineInFirst(definitions)) {
         _libraries[static_cast<size_t>(_references.front().library)].definitions = definitions;
         return;
     }

@@ -85,8 +85,10 @@ private:
 
     void findLibraries();
     void findOnLine(const LibraryLine &line);
+    QString troubleWith(const QString &name) const;
     bool addReference(qint64 line, const QString &written, const QString &name);
     QString meant(const QString &name);
+    bool mayLookAt(const QString &path) const;
     bool isThere(const QString &path) const;
     void settleNames();
     void settleMaterials();
@@ -94,6 +96,7 @@ private:
     void settleOutputs();
     void mendLibrary(int number);
     bool takeOwnName(int number, const Reference &reference);
+    bool canDefineInFirst(const QStringList &names) const;
     void addDefinitions(const QStringList &definitions);
     std::string textFor(int number, const QString &path, RepairLog &log);
     QString freeOutput(const std::string &text);

@@ -7,7 +7,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTextCodec>
 
 #include <algorithm>
 
@@ -99,6 +98,8 @@ LibraryRepair::LibraryRepair(const QString &path, const QString &shown,
 /// \return null where it cannot be opened.
 std::unique_ptr<QIODevice> LibraryRepair::open() const
 {
+    if (_path.contains(QChar::Null)) // no name for the system
+        return nullptr;
     if (_options.openLibrary)
         return _options.openLibrary(_path);
     auto file = std::make_unique<QFile>(_path);
@@ -114,6 +115,7 @@ bool LibraryRepair::readNames()
         return false;
     MendedText text(*device, {MendedText::Format::MTL, true}, nullptr, 0);
     MTLLines lines(text);
+    _codec = &lines.text().codec();
     bool hasSection = false;
     bool hasOpacity = false;
     qint64 transparencyLine = 0;

@@ -12,6 +12,7 @@
 #include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QTextCodec>
 
 #include <memory>
 #include <string>
@@ -42,6 +43,9 @@ public:
     const QStringList &names() const { return _names; }
     /// Those of them whose section has a texture.
     const QSet<QString> &textured() const { return _textured; }
+
+    /// Whether the library's encoding has all letters of a name. To be asked after readNames().
+    bool canWrite(const QString &name) const { return _codec && _codec->canEncode(name); }
 
     /// Lines that define a material in the default material's colours.
     static QString definition(const QString &name);
@@ -74,7 +78,8 @@ private:
     const QString _shown;
     QStringList _names;
     QSet<QString> _textured;
-    QHash<qint64, QString> _opacities; // for "Tr" lines, by number
+    const QTextCodec *_codec = nullptr; // of the mended text
+    QHash<qint64, QString> _opacities;  // for "Tr" lines, by number
     const RepairOptions &_options;
     TextureProbe _textures;
 

@@ -92,7 +92,8 @@ class Repair
 public:
     Repair(const QString &fileName, const QString &outputName, const RepairOptions &options)
         : _fileName(fileName), _outputName(outputName), _options(options),
-          _progress(options, QFileInfo(fileName).size()), _number(_log.file(fileName))
+          _progress(options, fileName.contains(QChar::Null) ? 0 : QFileInfo(fileName).size()),
+          _number(_log.file(fileName))
     {}
 
     /// \throws Ending
@@ -127,7 +128,9 @@ private:
 
 RepairResult Repair::run()
 {
-    if (!_options.dryRun) {
+    if (_fileName.contains(QChar::Null)) // no name for the system
+        throw unreadable(QStringLiteral("no such file"));
+    if (!_options.dryRun || _outputName.contains(QChar::Null)) {
         const QString obstacle = obstacleTo(_outputName);
         if (!obstacle.isEmpty())
             throw Ending{RepairStatus::Unwritable, obstacle};

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace Halvard::Orv::Checking {
 
@@ -289,13 +290,15 @@ bool OBJRewrite::splitsWrongly(const std::vector<Corner> &corners)
     return !_shapes.examine(QuadCorners, points + 3).isSplitWrongly;
 }
 
-/// The text of an index from `begin` to `end`, which selects the same value as before.
+/// The text of an index from `begin` to `end`, which selects the same value as before. One that
+/// counts back too far to be led any further selects nothing, and stays.
 QByteArray OBJRewrite::shifted(const Attribute &attribute, const char *begin, const char *end,
                                int index)
 {
     const qint64 shift = index < 0 ? shiftAt(attribute) : 0;
-    return shift == 0 ? QByteArray(begin, static_cast<int>(end - begin))
-                      : QByteArray::number(index - shift);
+    return shift == 0 || index - shift < std::numeric_limits<int>::min()
+               ? QByteArray(begin, static_cast<int>(end - begin))
+               : QByteArray::number(index - shift);
 }
 
 /// The text of a corner.

@@ -29,10 +29,10 @@ bool isSameFile(const QString &a, const QString &b)
 
 QString obstacleTo(const QString &path)
 {
-    const QFileInfo info(path);
-    const QFileInfo directory(info.absolutePath());
     if (path.isEmpty() || path.contains(QChar::Null))
         return QStringLiteral("the output file has no name");
+    const QFileInfo info(path);
+    const QFileInfo directory(info.absolutePath());
     if (info.isDir())
         return cannotWrite(path, QStringLiteral("it is a directory"));
     // Renaming a file over a device or a pipe would take that away.

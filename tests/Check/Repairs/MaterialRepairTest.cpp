@@ -1,4 +1,6 @@
 // What is mended of libraries, materials and textures.
+#include "support/ScopedLocaleCodec.h"
+
 #include "Check/Repairs/RepairRows.h"
 
 #include <gtest/gtest.h>
@@ -65,6 +67,28 @@ TEST(MaterialRepair, DefinesMissingMaterials)
          Triangle + Face + "usemtl a\n",
          {},
          {}},
+    });
+}
+
+/// The library is in the locale's encoding, and the new one has a mark.
+TEST(MaterialRepair, DefinesWhatALibrarysEncodingCannotWriteInAnother)
+{
+    const OrvTest::ScopedLocaleCodec latin("ISO-8859-15");
+    const QByteArray mark = "\xEF\xBB\xBF";
+    const QByteArray rest = "usemtl \xE9\x9D\x92\n" + Face; // a letter of Chinese
+    expectRows({
+        {"beside a library of few letters",
+         mark + "mtllib p.mtl\n" + Triangle + rest,
+         {{"p.mtl", Red}},
+         mark + "mtllib p.mtl\n" + Triangle + "mtllib fixed.mtl\n" + rest,
+         mark + defaultMaterial("\xE9\x9D\x92"),
+         {"model.obj:5 material-undefined \xE9\x9D\x92 1"}},
+        {"in a library of all letters",
+         mark + "mtllib p.mtl\n" + Triangle + rest,
+         {{"p.mtl", mark + Red}},
+         mark + "mtllib fixed.mtl\n" + Triangle + rest,
+         mark + Red + defaultMaterial("\xE9\x9D\x92"),
+         {"model.obj:5 material-undefined \xE9\x9D\x92 1"}},
     });
 }
 
@@ -234,6 +258,12 @@ TEST(MaterialRepair, TurnsTransparencyIntoOpacity)
         {"with d", model, {{"p.mtl", "newmtl a\nTr 0.3\nd 0.5\n"}}, model, {}, {}},
         {"0", model, {{"p.mtl", "newmtl a\nTr 0\n"}}, model, {}, {}},
         {"1, which many write for opaque", model, {{"p.mtl", "newmtl a\nTr 1\n"}}, model, {}, {}},
+        {"before the first material, whose it is not",
+         model,
+         {{"p.mtl", "Tr 0.5\nnewmtl a\n"}},
+         model,
+         {},
+         {}},
         {"each material for itself",
          model,
          {{"p.mtl", "newmtl a\nTr 0.25\nnewmtl b\nd 1\nTr 0.5\n"}},

@@ -4,9 +4,17 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
-namespace Halvard::Orv::Checking {
+namespace Halvard::Orv {
 
 namespace {
+
+/// The system finds nothing beyond, and each directory on the way is read.
+constexpr int LongestPath = 4096;
+
+bool isUsable(const QString &path)
+{
+    return path.size() <= LongestPath && !path.contains(QChar::Null);
+}
 
 /// The entries of a directory, sorted by name.
 QStringList entriesOf(const QString &directory)
@@ -15,40 +23,46 @@ QStringList entriesOf(const QString &directory)
                                      QDir::Name);
 }
 
+/// The entry of a directory with that name, whatever the case of its letters.
+QString entryOf(const QString &directory, const QString &name)
+{
+    for (const QString &entry : entriesOf(directory)) {
+        if (entry.compare(name, Qt::CaseInsensitive) == 0)
+            return entry;
+    }
+    return {};
+}
+
 } // namespace
 
 bool isRegularFile(const QString &path)
 {
-    return !path.contains(QChar::Null) && QFileInfo(path).isFile();
+    return isUsable(path) && QFileInfo(path).isFile();
 }
 
 QString fileOfOtherCase(const QString &path)
 {
-    if (path.contains(QChar::Null) || !QDir::isAbsolutePath(path))
+    if (!isUsable(path))
         return {};
+    const QString absolute = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
     QString found;
-    const QStringList parts = QDir::cleanPath(path).split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    for (const QString &part : parts) {
+    for (const QString &part : absolute.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
         const QString exact = found + QLatin1Char('/') + part;
         if (QFileInfo::exists(exact)) {
             found = exact;
             continue;
         }
-        QString similar;
-        for (const QString &entry : entriesOf(found.isEmpty() ? QStringLiteral("/") : found)) {
-            if (similar.isNull() && entry.compare(part, Qt::CaseInsensitive) == 0)
-                similar = entry;
-        }
-        if (similar.isNull())
+        const QString entry = entryOf(found.isEmpty() ? QStringLiteral("/") : found, part);
+        if (entry.isNull())
             return {};
-        found += QLatin1Char('/') + similar;
+        found += QLatin1Char('/') + entry;
     }
     return isRegularFile(found) ? found : QString();
 }
 
 QString fileOfOtherSuffix(const QString &path, const QString &preferred)
 {
-    if (path.contains(QChar::Null))
+    if (!isUsable(path))
         return {};
     const QFileInfo wanted(path);
     QString found;
@@ -65,4 +79,11 @@ QString fileOfOtherSuffix(const QString &path, const QString &preferred)
     return found;
 }
 
-} // namespace Halvard::Orv::Checking
+QString fileMeantBy(const QString &path)
+{
+    QString slashed = path;
+    slashed.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    return slashed != path && isRegularFile(slashed) ? slashed : fileOfOtherCase(slashed);
+}
+
+} // namespace Halvard::Orv
