@@ -16,11 +16,13 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QSemaphore>
 #include <QtCore/QThread>
 #include <QtCore/QThreadPool>
 
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 
@@ -104,28 +106,33 @@ UploadedModel preparedAlone(const QString &path)
     return failed;
 }
 
+/// With `threads` threads, each of which is late now and then.
+void expectSameOn(int threads, const QString &path, std::uint32_t seed)
+{
+    QThreadPool pool;
+    pool.setMaxThreadCount(threads - 1);
+    Dice dice(seed);
+    std::mutex mutex;
+    const auto disturbance = [&] {
+        int delay = 0;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            delay = dice.oneIn(8) ? dice.below(300) : 0;
+        }
+        if (delay > 0)
+            QThread::usleep(static_cast<unsigned long>(delay));
+    };
+    EXPECT_THAT(differences(preparedAlone(path), preparedInPieces(path, &pool, disturbance)),
+                IsEmpty())
+        << path.toStdString() << ", " << threads << " threads";
+    // Nothing runs any more; the pool needs a moment to know.
+    EXPECT_TRUE(pool.waitForDone(10000));
+}
+
 void expectSameOnThreads(const QString &path, std::uint32_t seed)
 {
-    const UploadedModel expected = preparedAlone(path);
-    for (const int threads : ThreadCounts) {
-        QThreadPool pool;
-        pool.setMaxThreadCount(threads - 1);
-        Dice dice(seed);
-        std::mutex mutex;
-        const auto disturbance = [&] {
-            int delay = 0;
-            {
-                const std::lock_guard<std::mutex> lock(mutex);
-                delay = dice.oneIn(8) ? dice.below(300) : 0;
-            }
-            if (delay > 0)
-                QThread::usleep(static_cast<unsigned long>(delay));
-        };
-        EXPECT_THAT(differences(expected, preparedInPieces(path, &pool, disturbance)), IsEmpty())
-            << path.toStdString() << ", " << threads << " threads";
-        // Nothing runs any more; the pool needs a moment to know.
-        EXPECT_TRUE(pool.waitForDone(10000));
-    }
+    for (const int threads : ThreadCounts)
+        expectSameOn(threads, path, seed);
 }
 
 class PreparingThreads : public ::testing::Test
@@ -151,10 +158,20 @@ TEST_F(PreparingThreads, GiveTheSameBitsForRandomModels)
 {
     for (std::uint32_t seed = 1; seed <= ORV_RANDOM_MODELS; ++seed) {
         const OrvReference::WrittenModel model(OrvReference::generateModel(seed));
-        expectSameOnThreads(model.objPath(), seed);
+        expectSameOn(ThreadCounts[seed % std::size(ThreadCounts)], model.objPath(), seed);
         if (HasFailure())
             return;
     }
+}
+
+/// What fuzzing has kept of OBJ files: each took a way through the reader that no other takes.
+TEST_F(PreparingThreads, GiveTheSameBitsForWhatFuzzingKept)
+{
+    QDirIterator files(QStringLiteral(ORV_FUZZ_CORPUS), QDir::Files);
+    std::uint32_t number = 0;
+    for (; files.hasNext(); ++number)
+        expectSameOn(ThreadCounts[number % std::size(ThreadCounts)], files.next(), number);
+    EXPECT_GT(number, 0u);
 }
 
 TEST_F(PreparingThreads, NeedNotComeAtAll)

@@ -24,16 +24,17 @@ public:
         _work.setInterval(0);
     }
 
-    /// Some tasks wait a little before they begin, which ones is another for each seed.
+    /// Some tasks wait a little before they begin, which ones is another for each seed. Few:
+    /// on a busy machine, each that gives its processor away waits for all who want it.
     void disturb(std::uint32_t seed)
     {
         _state = seed;
         _work.setDisturbance([this] {
             const std::uint32_t number = _state += 0x9e3779b9u;
             const std::uint32_t mixed = (number ^ number >> 15) * 0x85ebca6bu >> 24;
-            if (mixed < 16)
-                std::this_thread::sleep_for(std::chrono::microseconds(10 * mixed));
-            else if (mixed < 128)
+            if (mixed < 4)
+                std::this_thread::sleep_for(std::chrono::microseconds(40 * mixed));
+            else if (mixed < 8)
                 std::this_thread::yield();
         });
     }
