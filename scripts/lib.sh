@@ -71,6 +71,9 @@ configure() {
   (cd "$repository" && cmake --preset "$preset" -B "$build_dir" "${launcher[@]}" "$@" >&2)
 }
 
+# What ccache may pass over with precompiled headers; otherwise it keeps nothing made with them.
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
+
 # build BUILD_DIR [CMAKE_ARGUMENT...]
 build() {
   local build_dir=$1
