@@ -34,5 +34,6 @@ QString FrameTimes::report() const
     return line("without a load", "frames", _milliseconds[size_t(Phase::Idle)]) +
            line("while preparing", "frames", _milliseconds[size_t(Phase::Preparing)]) +
            line("while uploading", "frames", _milliseconds[size_t(Phase::Uploading)]) +
-           line("the uploads alone", "steps", _uploads);
+           line("the uploads alone", "steps", _uploads) +
+           line("a model's first frame", "frames", _milliseconds[size_t(Phase::FirstDraw)]);
 }

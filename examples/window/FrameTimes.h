@@ -13,7 +13,8 @@ enum class Phase
 {
     Idle,
     Preparing,
-    Uploading
+    Uploading,
+    FirstDraw ///< of a model: what a driver has put off until then
 };
 
 /// A frame lasts from the begin of one to the begin of the next: what a user sees of it, whoever
@@ -39,6 +40,6 @@ public:
 private:
     QElapsedTimer _frame;
     Phase _phase = Phase::Idle;
-    std::array<std::vector<double>, 3> _milliseconds; // by phase
+    std::array<std::vector<double>, 4> _milliseconds; // by phase
     std::vector<double> _uploads;
 };

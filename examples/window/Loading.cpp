@@ -43,6 +43,10 @@ LoadedModel Loading::load(const QString &fileName)
         loaded.error += ": " + reason;
         return loaded;
     }
+    // The box is computed when it is asked for first, from all vertices: not between frames.
+    const QVector3D low = loaded.model->minimum(), high = loaded.model->maximum();
+    loaded.centre = (low + high) / 2;
+    loaded.radius = (high - low).length() / 2;
 
     const int count = loaded.model->commands().size(); // one for each material
     PrepareTextureOptions imageOptions;

@@ -7,6 +7,7 @@
 
 #include <QtCore/QMap>
 #include <QtCore/QString>
+#include <QtGui/QVector3D>
 
 #include <atomic>
 #include <future>
@@ -17,6 +18,8 @@ struct LoadedModel
 {
     std::unique_ptr<Halvard::Orv::PreparedModel> model;  ///< null where it could not be loaded
     QString error;                                       ///< why not
+    QVector3D centre;                                    ///< of the box around what is drawn
+    float radius = 0;                                    ///< of the sphere around that box
     QMap<QString, Halvard::Orv::PreparedTexture> images; ///< by the paths in the materials
 };
 

@@ -93,11 +93,12 @@ void ModelView::continueUpload()
     if (isMoreToCome)
         return;
     const bool isComplete = _next->isComplete();
-    if (isComplete)
+    if (isComplete) {
+        frameTimes.setPhase(Phase::FirstDraw);
         _shown = std::move(_next);
-    _next.reset();
-    if (isComplete)
         onShown();
-    else
+    } else {
+        _next.reset();
         onFailure("OpenGL has no room for the model.");
+    }
 }

@@ -6,7 +6,6 @@
 #include <OrvGL/Texture.h>
 #include <OrvGL/TextureManager.h>
 
-#include <QtCore/QThreadPool>
 #include <QtCore/QtDebug>
 #include <QtGui/QColor>
 
@@ -54,13 +53,6 @@ void main()
     colour = vec4(diffuse * light, 1.0);
 })";
 
-// Memory of that size is given back page by page, which takes longer than a frame may.
-void destroyInBackground(std::unique_ptr<PreparedModel> model)
-{
-    if (model)
-        QThreadPool::globalInstance()->start([old = model.release()] { delete old; });
-}
-
 } // namespace
 
 unsigned makeSceneProgram()
@@ -79,17 +71,12 @@ unsigned makeSceneProgram()
 }
 
 Scene::Scene(LoadedModel loaded)
-    : _loaded(std::move(loaded)),
-      _centre((_loaded.model->minimum() + _loaded.model->maximum()) / 2),
-      _radius((_loaded.model->maximum() - _loaded.model->minimum()).length() / 2),
-      _normalsAreGenerated(_loaded.model->normalsAreGenerated()),
+    : _loaded(std::move(loaded)), _normalsAreGenerated(_loaded.model->normalsAreGenerated()),
       _upload(std::make_unique<ModelUpload>(*_loaded.model, _model))
 {}
 
 Scene::~Scene()
 {
-    _upload.reset(); // before the arrays that it reads
-    destroyInBackground(std::move(_loaded.model));
     glDeleteBuffers(1, &_records);
 }
 
@@ -99,8 +86,8 @@ bool Scene::uploadNext()
         if (_upload->step())
             return true;
         const bool isFinished = _upload->isFinished();
-        _upload.reset();
-        destroyInBackground(std::move(_loaded.model));
+        _upload.reset(); // before the arrays that it reads
+        _loaded.model.reset();
         return isFinished;
     }
     if (!_loaded.images.isEmpty()) {
@@ -144,8 +131,8 @@ void Scene::draw(unsigned program, QMatrix4x4 view, const QMatrix4x4 &projection
 {
     if (!_isComplete || _model.bundleCount() == 0)
         return;
-    view.scale(1 / _radius);
-    view.translate(-_centre);
+    view.scale(1 / _loaded.radius);
+    view.translate(-_loaded.centre);
     glProgramUniformMatrix4fv(program, 0, 1, GL_FALSE, view.constData());
     glProgramUniformMatrix4fv(program, 1, 1, GL_FALSE, projection.constData());
     // A file's normals point outwards; generated ones to where corners run clockwise: inwards.

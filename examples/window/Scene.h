@@ -42,8 +42,6 @@ private:
     void uploadRecords();
 
     LoadedModel _loaded; // its arrays are given up when they are on the GPU
-    QVector3D _centre;   // of the box around what is drawn
-    float _radius;
     bool _normalsAreGenerated;
     Halvard::Orv::GPUModel _model;
     std::unique_ptr<Halvard::Orv::ModelUpload> _upload;

@@ -57,8 +57,9 @@ int main(int count, char **arguments)
         view->load(models[next++ % models.size()]);
     };
     const auto finish = [&] {
+        const QImage last = view->grabFramebuffer(); // draws, which ends the frame before
         std::fputs(qPrintable(view->frameTimes.report()), stdout);
-        if (parser.isSet(picture) && !view->grabFramebuffer().save(parser.value(picture))) {
+        if (parser.isSet(picture) && !last.save(parser.value(picture))) {
             std::fputs("The picture cannot be written.\n", stderr);
             return application.exit(1);
         }

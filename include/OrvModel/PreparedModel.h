@@ -92,6 +92,9 @@ public:
     /// \name The box around what is drawn
     /// The smallest and the greatest coordinates of the vertices that triangles use; coordinates
     /// that are not finite do not count. Both zero where there is none.
+    ///
+    /// The first call of either computes them, in some nanoseconds per index: make it in the
+    /// background where no frame may be missed.
     /// @{
     QVector3D minimum() const; ///< In the file's units.
     QVector3D maximum() const; ///< In the file's units.
