@@ -154,7 +154,9 @@ FindingTexts ofMaterial(const Tally &t)
     case Code::MaterialEmptyName:
         if (t.severity == FindingSeverity::Warning)
             return {text("The material has no name."),
-                    text("The line is passed over: what follows changes the material before it."),
+                    text("The line is passed over: what follows changes the material before it, if "
+                         "there "
+                         "is one."),
                     text("Give the material a name.")};
         return {text("The line selects a material without a name."), notDrawn(t.faces),
                 text("Name a material.")};
@@ -240,8 +242,8 @@ FindingTexts ofFace(const Tally &t)
                 text("Take them out.")};
     case Code::FaceNotTriangulable:
         return {
-            QStringLiteral("%1 cannot be cut into triangles: the ring crosses itself, or is too "
-                           "small for the numbers.")
+            QStringLiteral("%1 cannot be cut into triangles: the ring crosses or repeats itself, "
+                           "or is too small for the numbers.")
                 .arg(faces),
             notDrawn(t.faces), text("Cut the face into triangles.")};
     case Code::FaceImprecise:

@@ -80,6 +80,7 @@ bool LibraryCheck::read(const Reference &reference)
     _directory = QFileInfo(reference.path).dir().absolutePath();
     _file = _findings.addFile(reference.shown);
     _section = {};
+    _isNameless = false;
     MTLLines lines(*device);
     if (!lines.text().transcodedFrom().isNull())
         tell(Code::Encoding, QString::fromLatin1(lines.text().transcodedFrom()), 1);
@@ -130,7 +131,9 @@ void LibraryCheck::takeLine(const MTLLines &lines)
         return;
     }
     if (type != MTLReader::LINE_UNKNOWN && !_section.isOpen) {
-        _findings.at(Code::MaterialLineOutside, lines.keyword(), _file).add(lines.line().number);
+        if (!_isNameless)
+            _findings.at(Code::MaterialLineOutside, lines.keyword(), _file)
+                .add(lines.line().number);
         return;
     }
     if (_section.isOpen && !_section.counts)
@@ -152,6 +155,7 @@ void LibraryCheck::openSection(const MTLLines &lines)
         Tally &tally = _findings.at(Code::MaterialEmptyName, {}, _file);
         tally.add(line);
         tally.severity = FindingSeverity::Warning;
+        _isNameless = true;
         return;
     }
     closeSection();

@@ -86,6 +86,7 @@ private:
     QString _directory;
     int _file = 0;
     Section _section;
+    bool _isNameless = false; // a "newmtl" without a name was read: what follows is told by that
 };
 
 } // namespace Halvard::Orv::Checking

@@ -139,6 +139,15 @@ TEST_F(ModelCheck, SortsLibrariesBehindTheModelInTheOrderOfLoading)
                             "a.mtl:3 warning texture-missing none.png"));
 }
 
+TEST_F(ModelCheck, SaysNothingOfValuesBehindAMaterialWithoutAName)
+{
+    _files.write(QStringLiteral("a.mtl"), "newmtl\nKd 1 1 1\nnewmtl a\n");
+    _files.write(QStringLiteral("b.mtl"), "Kd 1 1 1\n");
+    EXPECT_THAT(told("mtllib a.mtl\nmtllib b.mtl\n" + Square + "usemtl a\nf 1 2 3 4\n"),
+                ElementsAre("a.mtl:1 warning material-empty-name",
+                            "b.mtl:1 warning material-line-outside Kd"));
+}
+
 TEST_F(ModelCheck, OnlyHintsAtWhatNoFaceUses)
 {
     _files.write(QStringLiteral("a.mtl"), "newmtl a\nd 0\nnewmtl b\nd 0\n");

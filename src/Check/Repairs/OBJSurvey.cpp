@@ -109,8 +109,10 @@ void OBJSurvey::takeFace(OBJLines &lines)
         return;
     if (_material >= 0) {
         MaterialUse &use = materials[static_cast<size_t>(_material)];
-        if (use.firstFace == 0)
+        if (use.firstFace == 0) {
             use.firstFace = lines.line().number;
+            use.firstLine = _materialLine;
+        }
     }
     const std::vector<Corner> &read = lines.corners();
     corners += static_cast<qint64>(read.size());
@@ -130,6 +132,7 @@ void OBJSurvey::takeMaterial(const OBJLines &lines)
 {
     if (firstMaterialLine == 0)
         firstMaterialLine = lines.line().number;
+    _materialLine = lines.line().number;
     const QString written = writtenMaterial(lines.tokens());
     const auto known = _numbers.constFind(written);
     if (known != _numbers.constEnd()) {
@@ -138,7 +141,7 @@ void OBJSurvey::takeMaterial(const OBJLines &lines)
     }
     _material = static_cast<int>(materials.size());
     _numbers.insert(written, _material);
-    materials.push_back({written, lines.line().number, 0, false});
+    materials.push_back({written, _materialLine, 0, false});
 }
 
 } // namespace Halvard::Orv::Checking

@@ -56,7 +56,7 @@ struct LibraryLine
 struct MaterialUse
 {
     QString written;
-    qint64 firstLine = 0;
+    qint64 firstLine = 0;        ///< That selects it for a face; before there is one, of its first.
     qint64 firstFace = 0;        ///< Line of the first face with it; 0 where there is none.
     bool lacksTexCoords = false; ///< Of a corner of its faces, at least.
 };
@@ -85,6 +85,7 @@ private:
 
     QHash<QString, int> _numbers; // of materials
     int _material = -1;
+    qint64 _materialLine = 0; // that selects it
 };
 
 /// Number of tokens behind the keyword, up to a comment.
