@@ -4,12 +4,12 @@
 
 #include <OrvModel/OrvModelExport.h>
 
+#include <OrvCore/InstanceData.h>
+
 namespace Halvard::Orv {
 
 /// \addtogroup upload
 /// @{
-
-class InstanceData;
 
 /// A light grey, opaque material: a record of the plan "OBJMaterial" with Ka
 /// (0, 0, 0), Kd (0.7, 0.7, 0.7), Ks (1, 1, 1), Ns 10, d 1, and one plain white

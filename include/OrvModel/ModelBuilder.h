@@ -7,6 +7,8 @@
 
 #include <OrvCore/InstanceData.h>
 
+#include <OrvGL/GPUModel.h>
+
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
 #include <QtCore/QVector>
@@ -18,7 +20,6 @@ namespace Halvard::Orv {
 /// \addtogroup build
 /// @{
 
-class GPUModel;
 struct ModelBuilderState;
 
 /// Collects vertex attributes, faces and material groups the way an OBJ file

@@ -3,6 +3,7 @@
 /// ModelBuilder obtains them.
 #pragma once
 
+#include <OrvModel/OpenGLTypes.h>
 #include <OrvModel/OrvModelExport.h>
 
 #include <QtCore/QByteArray>

@@ -4,14 +4,17 @@
 
 #include <OrvModel/OrvModelExport.h>
 
-class QString;
+#include <OrvGL/GPUModel.h>
+
+#include <QtCore/QString>
+
+#include <memory>
 
 namespace Halvard::Orv {
 
 /// \addtogroup read
 /// @{
 
-class GPUModel;
 class ModelBuilder;
 
 /// Loads a Wavefront OBJ file, and the material libraries that it names, into a

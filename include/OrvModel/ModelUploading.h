@@ -3,6 +3,9 @@
 #pragma once
 
 #include <OrvModel/OrvModelExport.h>
+#include <OrvModel/PreparedModel.h>
+
+#include <OrvGL/GPUModel.h>
 
 #include <memory>
 
@@ -10,9 +13,6 @@ namespace Halvard::Orv {
 
 /// \addtogroup upload
 /// @{
-
-class GPUModel;
-class PreparedModel;
 
 /// Makes buffers of a prepared model and adds its bundles to `model`, as loadModelFromOBJFile()
 /// does: 16-bit indices up to 65534 vertices, 32-bit ones above; one vertex buffer per attribute;

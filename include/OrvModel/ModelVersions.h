@@ -4,7 +4,7 @@
 
 #include <OrvModel/OrvModelExport.h>
 
-class QString;
+#include <QtCore/QString>
 
 namespace Halvard::Orv {
 

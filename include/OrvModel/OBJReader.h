@@ -6,9 +6,8 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QString>
+#include <QtCore/QTextStream>
 #include <QtCore/QVector>
-
-class QTextStream;
 
 namespace Halvard::Orv {
 

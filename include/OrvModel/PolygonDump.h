@@ -5,10 +5,9 @@
 
 #include <OrvModel/OrvModelExport.h>
 
+#include <QtCore/QString>
 #include <QtCore/QVector>
-
-class QString;
-class QVector2D;
+#include <QtGui/QVector2D>
 
 namespace Halvard::Orv {
 

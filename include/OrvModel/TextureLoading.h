@@ -4,14 +4,14 @@
 
 #include <OrvModel/OrvModelExport.h>
 
-class QString;
+#include <OrvGL/Texture.h>
+
+#include <QtCore/QString>
 
 namespace Halvard::Orv {
 
 /// \addtogroup upload
 /// @{
-
-class Texture;
 
 /// Loads an image file into a mip-mapped, repeating, read-only 2D texture, its
 /// first row at the top (texture coordinate v = 1).

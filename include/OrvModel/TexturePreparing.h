@@ -4,6 +4,8 @@
 
 #include <OrvModel/OrvModelExport.h>
 
+#include <OrvGL/Texture.h>
+
 #include <QtCore/QSize>
 #include <QtCore/QString>
 #include <QtGui/QImage>
@@ -15,8 +17,6 @@ namespace Halvard::Orv {
 
 /// \addtogroup prepare
 /// @{
-
-class Texture;
 
 /// What an image file may ask for.
 struct PrepareTextureOptions

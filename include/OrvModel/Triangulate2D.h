@@ -5,8 +5,7 @@
 #include <OrvModel/OrvModelExport.h>
 
 #include <QtCore/QVector>
-
-class QVector2D;
+#include <QtGui/QVector2D>
 
 namespace Halvard::Orv {
 

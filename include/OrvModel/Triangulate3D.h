@@ -5,8 +5,7 @@
 #include <OrvModel/OrvModelExport.h>
 
 #include <QtCore/QVector>
-
-class QVector3D;
+#include <QtGui/QVector3D>
 
 namespace Halvard::Orv {
 
