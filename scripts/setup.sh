@@ -34,7 +34,9 @@ build_packages=(
 # built, those for other libraries, too. The window is tested on a display without a screen, whose
 # OpenGL is GLX's; it writes with that font.
 test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema
-  libtinyobjloader-dev libassimp-dev xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core)
+  libtinyobjloader-dev libassimp-dev xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core
+  # Exported headers are compiled with it, too.
+  clang)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)
