@@ -6,7 +6,7 @@ namespace Halvard::Orv {
 
 namespace {
 
-constexpr char Version[] = "1.0.0";
+constexpr char Version[] = ORV_VERSION; // of project() in the top CMakeLists.txt
 constexpr char GitHash[] = "";
 constexpr char Md5Sum[] = "1";
 
