@@ -6,6 +6,7 @@
 #   orv_platform_runtime, orv_platform_development   libOrvCore and libOrvGL, where they are our own
 #   orv_runtime, orv_development                     libOrvModel and libOrvCheck
 #   orv_tools                                        the command line
+#   orv_viewer                                       the window
 include(CMakePackageConfigHelpers)
 
 set(orv_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake)
@@ -102,4 +103,7 @@ orv_install_pc(OrvCheck orv_development "What in Wavefront OBJ/MTL files will no
 
 if(TARGET orv)
   orv_install_program(orv orv_tools)
+endif()
+if(TARGET orv-view)
+  orv_install_program(orv-view orv_viewer)
 endif()
