@@ -2,6 +2,8 @@
 
 #include "JSONWriter.h"
 
+#include <common/FindingLines.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -53,16 +55,6 @@ void writeFinding(JSONWriter &json, const Finding &finding)
     json.endObject();
 }
 
-/// What a finding says in one line: the faces that it costs are what most people look for.
-QString sentence(const Finding &finding)
-{
-    QString text = printableText(finding.message);
-    if (finding.faces > 0)
-        text += finding.faces == 1 ? QStringLiteral(" 1 face is not drawn.")
-                                   : QStringLiteral(" %1 faces are not drawn.").arg(finding.faces);
-    return text;
-}
-
 } // namespace
 
 QString findingLines(const ModelFindings &model, int most)
@@ -70,9 +62,7 @@ QString findingLines(const ModelFindings &model, int most)
     QString text;
     const std::vector<const Finding *> findings = chosen(model, most);
     for (const Finding *finding : findings)
-        text += QStringLiteral("%1:%2: %3: %4 [%5]\n")
-                    .arg(printableText(finding->file), QString::number(finding->line),
-                         severityName(finding->severity), sentence(*finding), finding->code);
+        text += Apps::findingLine(*finding) + QLatin1Char('\n');
     const int left = model.findings.size() - static_cast<int>(findings.size());
     if (left > 0)
         text +=

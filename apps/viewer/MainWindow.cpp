@@ -6,6 +6,7 @@
 #include "RecentFiles.h"
 #include "Viewport.h"
 #include "WindowActions.h"
+#include "panels/Panels.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -72,6 +73,7 @@ MainWindow::MainWindow(QSettings &settings)
     connectActions();
     connectCameraActions();
     connectLoading();
+    addPanels(*this);
     applyColours();
     restore();
     setWindowTitle(tr("Model Viewer"));
@@ -246,12 +248,13 @@ void MainWindow::setFullScreen(bool isOn)
     setWindowState(windowState().setFlag(Qt::WindowFullScreen, isOn));
 }
 
-QDockWidget *MainWindow::addPanel(QWidget *panel, const QString &title, const QString &name)
+QDockWidget *MainWindow::addPanel(QWidget *panel, const QString &title, const QString &name,
+                                  Qt::DockWidgetArea area)
 {
     auto *const dock = new QDockWidget(title, this);
     dock->setObjectName(name);
     dock->setWidget(panel);
-    addDockWidget(Qt::RightDockWidgetArea, dock);
+    addDockWidget(area, dock);
     _actions->panels->addAction(dock->toggleViewAction());
     // The layout that is remembered knows it by its name.
     restoreDockWidget(dock);

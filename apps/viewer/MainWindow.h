@@ -43,9 +43,12 @@ public:
     /// \name For panels
     /// @{
 
-    /// Adds a panel at the right, and the action that shows and hides it.
+    /// Adds a panel, and the action that shows and hides it.
     /// \param name of the panel in the settings.
-    QDockWidget *addPanel(QWidget *panel, const QString &title, const QString &name);
+    QDockWidget *addPanel(QWidget *panel, const QString &title, const QString &name,
+                          Qt::DockWidgetArea area = Qt::RightDockWidgetArea);
+    /// The file that is loaded, or was loaded last; also one that could not be.
+    QString path() const { return _path; }
     Viewport &viewport() { return *_viewport; }
     WindowActions &actions() { return *_actions; }
     /// @}
