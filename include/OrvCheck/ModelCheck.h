@@ -59,8 +59,8 @@ struct Finding
     /// Number of faces that are not drawn for this reason. A face with several reasons counts
     /// for one of them only.
     qint64 faces = 0;
-    /// Positions of the corners of the first occurrence, where it is a face; at most
-    /// MaxCorners of them.
+    /// Positions of the corners of the first occurrence, where it is a face, or of the first face
+    /// that is lost for the want of a material; at most MaxCorners of them. Otherwise empty.
     QVector<QVector3D> corners;
 
     static constexpr int MaxCorners = 64; ///< Most positions in `corners`.

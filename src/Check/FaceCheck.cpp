@@ -143,7 +143,9 @@ void FaceCheck::examine(const Face &face, const int *positions)
         ++_materials[static_cast<int>(face.material)].drawnFaces;
         _triangles += _shape.triangles;
     } else {
-        ++_materials[static_cast<int>(face.material)].lostFaces;
+        Material &material = _materials[static_cast<int>(face.material)];
+        if (material.lostFaces++ == 0)
+            material.lostCorners = corners(face);
     }
     // What is odd about a shape that the file does not give is not the shape.
     if (isSound && _shape.triangles > 0)
@@ -164,14 +166,21 @@ void FaceCheck::tellShape(const Face &face)
         tell(Code::FaceNotPlanar, face);
 }
 
+/// Where the face being examined is.
+QVector<QVector3D> FaceCheck::corners(const Face &face) const
+{
+    const auto count = std::min<size_t>(face.corners, Finding::MaxCorners);
+    QVector<QVector3D> corners;
+    for (size_t i = 0; i < count; ++i)
+        corners.append({_ring[3 * i], _ring[3 * i + 1], _ring[3 * i + 2]});
+    return corners;
+}
+
 void FaceCheck::tell(Code code, const Face &face, bool isLost)
 {
     Tally &tally = _findings.at(code);
     if (tally.add(face.line)) {
-        const auto count = std::min<size_t>(face.corners, Finding::MaxCorners);
-        tally.corners.clear();
-        for (size_t i = 0; i < count; ++i)
-            tally.corners.append({_ring[3 * i], _ring[3 * i + 1], _ring[3 * i + 2]});
+        tally.corners = corners(face);
         tally.detail = QString::number(face.corners);
     }
     if (isLost) {

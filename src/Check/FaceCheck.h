@@ -102,6 +102,7 @@ private:
     void place(const Face &face, const int *positions);
     void examine(const Face &face, const int *positions);
     void tellShape(const Face &face);
+    QVector<QVector3D> corners(const Face &face) const;
     void tell(Code code, const Face &face, bool isLost = false);
     void compareNormals(const Face &face, const std::vector<Corner> &corners);
     void countUnused();

@@ -4,6 +4,8 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QString>
+#include <QtCore/QVector>
+#include <QtGui/QVector3D>
 
 #include <vector>
 
@@ -12,15 +14,16 @@ namespace Halvard::Orv::Checking {
 struct Material
 {
     QString name;
-    bool isDefined = false;    ///< By now, in the order of the file.
-    QString library;           ///< That defines it, as the model names it.
-    qint64 libraryLine = 0;    ///< Where the model names it.
-    bool isNamedWhole = false; ///< By a line whose name has no blank.
-    bool hasMap = false;       ///< Its definition names a texture.
-    qint64 drawnFaces = 0;     ///< Used when it was defined; they have triangles.
-    qint64 lostFaces = 0;      ///< Used before it was defined; they would have triangles.
-    qint64 earlyUses = 0;      ///< "usemtl" lines that select it before it was defined, with faces.
-    qint64 earlyLine = 0;      ///< The first of them.
+    bool isDefined = false;         ///< By now, in the order of the file.
+    QString library;                ///< That defines it, as the model names it.
+    qint64 libraryLine = 0;         ///< Where the model names it.
+    bool isNamedWhole = false;      ///< By a line whose name has no blank.
+    bool hasMap = false;            ///< Its definition names a texture.
+    qint64 drawnFaces = 0;          ///< Used when it was defined; they have triangles.
+    qint64 lostFaces = 0;           ///< Used before it was defined; they would have triangles.
+    QVector<QVector3D> lostCorners; ///< Of the first of these.
+    qint64 earlyUses = 0; ///< "usemtl" lines that select it before it was defined, with faces.
+    qint64 earlyLine = 0; ///< The first of them.
     bool lacksTexCoords = false; ///< Of a corner, at least.
 };
 

@@ -414,6 +414,8 @@ void OBJCheck::finishMaterials()
             tally->add(material.earlyLine, material.earlyUses);
         }
         tally->faces += material.lostFaces;
+        if (tally->corners.isEmpty())
+            tally->corners = material.lostCorners;
     }
     _triangles = _faces.triangles();
 }

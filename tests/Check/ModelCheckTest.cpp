@@ -173,6 +173,16 @@ TEST_F(ModelCheck, ShowsWhereTheFirstFaceIs)
               (QVector<QVector3D>{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}));
 }
 
+TEST_F(ModelCheck, ShowsTheFirstFaceThatWantsAMaterial)
+{
+    const ModelFindings findings =
+        checked("v 0 0 0\nv 1 0 0\nv 2 1 0\nv 5 5 5\nusemtl none\nf 1 2 3\nf 2 3 4\n");
+    ASSERT_EQ(findings.findings.size(), 1);
+    EXPECT_EQ(findings.findings.at(0).code, QLatin1String("material-undefined"));
+    EXPECT_EQ(findings.findings.at(0).corners,
+              (QVector<QVector3D>{{0, 0, 0}, {1, 0, 0}, {2, 1, 0}}));
+}
+
 TEST_F(ModelCheck, ShowsNoMoreThanSixtyFourCorners)
 {
     QByteArray model = "v 0 0 0\nf";
