@@ -26,11 +26,11 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-constexpr int LargestSide = 16384;
+using Render::LargestArea;
+using Render::LargestSide;
+
 /// Beyond, the file says another size than the picture has.
 constexpr int LargestIcon = 256;
-/// Beyond, the buffers alone take gigabytes.
-constexpr qint64 LargestArea = 100'000'000;
 
 struct RenderRequest
 {
@@ -38,6 +38,8 @@ struct RenderRequest
     QByteArray format;
     QSize size;
     Render::ViewAngles angles;
+    /// Nothing where the model is framed.
+    std::optional<Render::ViewPose> pose;
     Render::RenderOptions options;
     /// Nothing where the model decides.
     std::optional<Render::Shading> shading;
@@ -66,6 +68,45 @@ std::optional<double> parseAngle(const QString &text, double limit)
     return isNumber && std::abs(angle) <= limit ? std::optional(angle) : std::nullopt;
 }
 
+/// "1.5,0,-2".
+std::optional<Render::Place> parsePlace(const QString &text)
+{
+    double coordinates[3] = {};
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 3)
+        return {};
+    for (int i = 0; i < 3; ++i) {
+        bool isNumber = false;
+        coordinates[i] = parts.at(i).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(coordinates[i]))
+            return {};
+    }
+    return Render::Place{coordinates[0], coordinates[1], coordinates[2]};
+}
+
+void addCameraOptions(CommandLine &line)
+{
+    line.addOption({QStringLiteral("azimuth"),
+                    QStringLiteral("The side from which to look, in degrees: 0 is +z, 90 is +x. "
+                                   "30 when not given."),
+                    QStringLiteral("D"), QStringLiteral("30")});
+    line.addOption({QStringLiteral("elevation"),
+                    QStringLiteral("The height from which to look, in degrees: -90 is from below, "
+                                   "90 from above. 20 when not given."),
+                    QStringLiteral("D"), QStringLiteral("20")});
+    line.addOption({QStringLiteral("up"),
+                    QStringLiteral("The axis of the model that points up: x, y or z. y when not "
+                                   "given."),
+                    QStringLiteral("AXIS"), QStringLiteral("y")});
+    line.addOption({QStringLiteral("target"),
+                    QStringLiteral("The point of the model to look at, in the middle of the "
+                                   "picture; with --distance. The whole model when not given."),
+                    QStringLiteral("X,Y,Z")});
+    line.addOption({QStringLiteral("distance"),
+                    QStringLiteral("From how far to look at the target, in the model's units."),
+                    QStringLiteral("D")});
+}
+
 void addOptions(CommandLine &line)
 {
     line.addOption({{QStringLiteral("o"), QStringLiteral("output")},
@@ -75,18 +116,15 @@ void addOptions(CommandLine &line)
     line.addOption({QStringLiteral("size"),
                     QStringLiteral("Width and height in pixels, 800x600 when not given."),
                     QStringLiteral("WxH"), QStringLiteral("800x600")});
-    line.addOption({QStringLiteral("azimuth"),
-                    QStringLiteral("The side from which to look, in degrees: 0 is +z, 90 is +x. "
-                                   "30 when not given."),
-                    QStringLiteral("D"), QStringLiteral("30")});
-    line.addOption({QStringLiteral("elevation"),
-                    QStringLiteral("The height from which to look, in degrees: -90 is from below, "
-                                   "90 from above. 20 when not given."),
-                    QStringLiteral("D"), QStringLiteral("20")});
+    addCameraOptions(line);
     line.addOption({QStringLiteral("background"),
                     QStringLiteral("A plain background: #rrggbb, #aarrggbb, a name such as "
-                                   "'white', or 'transparent'."),
+                                   "'white', or 'transparent'; two with a comma between them are "
+                                   "its top and its bottom."),
                     QStringLiteral("COLOUR")});
+    line.addOption({QStringLiteral("grid"), QStringLiteral("Draw a grid on the ground.")});
+    line.addOption(
+        {QStringLiteral("axes"), QStringLiteral("Draw the directions of x, y and z in a corner.")});
     line.addOption({QStringLiteral("texture-pixels"),
                     QStringLiteral("Most pixels of all textures together, 536870912 when not "
                                    "given; what goes beyond is drawn without."),
@@ -100,10 +138,6 @@ void addOptions(CommandLine &line)
                                    "material) or 'backfaces' (in red)."),
                     QStringLiteral("MODE")});
     line.addOption({QStringLiteral("normals"), QStringLiteral("As --shading normals.")});
-    line.addOption({QStringLiteral("up"),
-                    QStringLiteral("The axis of the model that points up: x, y or z. y when not "
-                                   "given."),
-                    QStringLiteral("AXIS"), QStringLiteral("y")});
     line.addOption({QStringLiteral("format"),
                     QStringLiteral("The format of the image, such as 'png', whatever its suffix."),
                     QStringLiteral("F")});
@@ -130,6 +164,58 @@ QString readShading(const CommandLine &line, std::optional<Render::Shading> &sha
 }
 
 /// \return what is wrong with the options; empty when nothing is.
+QString readCamera(const CommandLine &line, RenderRequest &request)
+{
+    const QString azimuthText = line.value(QStringLiteral("azimuth"));
+    const auto azimuth = parseAngle(azimuthText, 1e6);
+    if (!azimuth)
+        return QStringLiteral("Invalid azimuth '%1': use a number of degrees.").arg(azimuthText);
+    request.angles.azimuth = *azimuth;
+
+    const QString elevationText = line.value(QStringLiteral("elevation"));
+    const auto elevation = parseAngle(elevationText, 90);
+    if (!elevation)
+        return QStringLiteral("Invalid elevation '%1': use a number from -90 to 90.")
+            .arg(elevationText);
+    request.angles.elevation = *elevation;
+
+    const QString up = line.value(QStringLiteral("up"));
+    if (up == QLatin1String("x"))
+        request.angles.up = Render::UpAxis::X;
+    else if (up == QLatin1String("z"))
+        request.angles.up = Render::UpAxis::Z;
+    else if (up != QLatin1String("y"))
+        return QStringLiteral("Invalid axis '%1': use x, y or z.").arg(up);
+    request.options.up = request.angles.up;
+
+    const bool hasTarget = line.isSet(QStringLiteral("target"));
+    if (hasTarget != line.isSet(QStringLiteral("distance")))
+        return QStringLiteral("'--target' and '--distance' belong together.");
+    if (!hasTarget)
+        return {};
+    const QString targetText = line.value(QStringLiteral("target"));
+    const auto target = parsePlace(targetText);
+    if (!target)
+        return QStringLiteral("Invalid target '%1': use three numbers, X,Y,Z.").arg(targetText);
+    const QString distanceText = line.value(QStringLiteral("distance"));
+    const double distance = distanceText.toDouble();
+    if (!(distance > 0 && std::isfinite(distance)))
+        return QStringLiteral("Invalid distance '%1': use a number above 0.").arg(distanceText);
+    request.pose = Render::ViewPose{request.angles, *target, distance};
+    return {};
+}
+
+/// One colour, or two. \return false where one is none.
+bool readBackground(const QString &text, Render::RenderOptions &options)
+{
+    const QStringList colours = text.split(QLatin1Char(','));
+    options.backgroundTop = QColor(colours.first());
+    options.backgroundBottom = QColor(colours.last());
+    return colours.size() <= 2 && options.backgroundTop.isValid() &&
+           options.backgroundBottom.isValid();
+}
+
+/// \return what is wrong with the options; empty when nothing is.
 QString readOptions(const CommandLine &line, RenderRequest &request)
 {
     request.output = line.value(QStringLiteral("output"));
@@ -146,26 +232,13 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
             .arg(LargestArea);
     request.size = *size;
 
-    const QString azimuthText = line.value(QStringLiteral("azimuth"));
-    const auto azimuth = parseAngle(azimuthText, 1e6);
-    if (!azimuth)
-        return QStringLiteral("Invalid azimuth '%1': use a number of degrees.").arg(azimuthText);
-    request.angles.azimuth = *azimuth;
-
-    const QString elevationText = line.value(QStringLiteral("elevation"));
-    const auto elevation = parseAngle(elevationText, 90);
-    if (!elevation)
-        return QStringLiteral("Invalid elevation '%1': use a number from -90 to 90.")
-            .arg(elevationText);
-    request.angles.elevation = *elevation;
-
-    if (line.isSet(QStringLiteral("background"))) {
-        const QString name = line.value(QStringLiteral("background"));
-        const QColor colour(name);
-        if (!colour.isValid())
-            return QStringLiteral("Invalid colour '%1': use #rrggbb or a colour's name.").arg(name);
-        request.options.backgroundTop = request.options.backgroundBottom = colour;
-    }
+    const QString wrong = readCamera(line, request);
+    if (!wrong.isEmpty())
+        return wrong;
+    if (line.isSet(QStringLiteral("background")) &&
+        !readBackground(line.value(QStringLiteral("background")), request.options))
+        return QStringLiteral("Invalid colour '%1': use #rrggbb or a colour's name.")
+            .arg(line.value(QStringLiteral("background")));
     if (line.isSet(QStringLiteral("texture-pixels"))) {
         const QString text = line.value(QStringLiteral("texture-pixels"));
         bool isNumber = false;
@@ -175,13 +248,8 @@ QString readOptions(const CommandLine &line, RenderRequest &request)
     }
     request.textures.objection = Confinement::objection;
     request.options.wireframe = line.isSet(QStringLiteral("wireframe"));
-    const QString up = line.value(QStringLiteral("up"));
-    if (up == QLatin1String("x"))
-        request.angles.up = Render::UpAxis::X;
-    else if (up == QLatin1String("z"))
-        request.angles.up = Render::UpAxis::Z;
-    else if (up != QLatin1String("y"))
-        return QStringLiteral("Invalid axis '%1': use x, y or z.").arg(up);
+    request.options.grid = line.isSet(QStringLiteral("grid"));
+    request.options.axes = line.isSet(QStringLiteral("axes"));
     request.format = line.value(QStringLiteral("format")).toLower().toLatin1();
     if (request.output == QLatin1String("-")) {
         if (request.format.isEmpty())
@@ -251,6 +319,22 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
                              [&bytes](QIODevice &device) { writeAll(device, bytes); });
 }
 
+/// Null when it cannot be drawn; `error` then says why.
+QImage draw(const GPUModel &model, const RenderRequest &request, QString &error)
+{
+    if (!request.pose)
+        return Render::renderPicture(model, request.size, request.angles, request.options, &error,
+                                     request.textures);
+    const auto renderer = Render::Renderer::create(&error);
+    if (!renderer)
+        return {};
+    renderer->setModel(&model, request.textures);
+    const double aspect = double(request.size.width()) / double(request.size.height());
+    const Render::Camera camera =
+        Render::cameraAt(*request.pose, renderer->geometry().bounds, aspect);
+    return Render::renderPicture(*renderer, request.size, camera, request.options, &error);
+}
+
 } // namespace
 
 ExitStatus renderCommand(const QStringList &arguments)
@@ -283,8 +367,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     QImage picture;
     {
         const Progress progress(QStringLiteral("drawing"));
-        picture = Render::renderPicture(loaded.model(), request.size, request.angles,
-                                        request.options, &error, request.textures);
+        picture = draw(loaded.model(), request, error);
     }
     if (picture.isNull()) {
         printError(error);

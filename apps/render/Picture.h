@@ -5,10 +5,16 @@
 #include "Camera.h"
 #include "Renderer.h"
 
+#include <QtCore/QtGlobal>
+
 class QImage;
 class QSize;
 
 namespace Halvard::Orv::Render {
+
+/// Of pictures. Beyond, the buffers alone take gigabytes.
+constexpr int LargestSide = 16384;
+constexpr qint64 LargestArea = 100'000'000;
 
 /// Draws the model off-screen, framed and anti-aliased.
 ///

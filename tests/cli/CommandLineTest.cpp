@@ -86,6 +86,18 @@ const WrongCall wrongCalls[] = {
      "The format of an image on stdout is not known:", renderUsage},
     {"background", words("render MODEL -o OUT.png --background sky"),
      "Invalid colour 'sky':", renderUsage},
+    {"threeBackgrounds", words("render MODEL -o OUT.png --background red,blue,green"),
+     "Invalid colour 'red,blue,green':", renderUsage},
+    {"targetAlone", words("render MODEL -o OUT.png --target 1,2,3"),
+     "'--target' and '--distance' belong together.", renderUsage},
+    {"distanceAlone", words("render MODEL -o OUT.png --distance 3"),
+     "'--target' and '--distance' belong together.", renderUsage},
+    {"target", words("render MODEL -o OUT.png --distance 3 --target 1,2"),
+     "Invalid target '1,2': use three numbers, X,Y,Z.", renderUsage},
+    {"targetInfinite", words("render MODEL -o OUT.png --distance 3 --target 1,inf,2"),
+     "Invalid target '1,inf,2': use three numbers, X,Y,Z.", renderUsage},
+    {"distance", words("render MODEL -o OUT.png --distance 0 --target 1,2,3"),
+     "Invalid distance '0': use a number above 0.", renderUsage},
 };
 
 class WrongCallTest : public ::testing::TestWithParam<WrongCall>

@@ -94,6 +94,53 @@ TEST_F(RenderCommandTest, ABackgroundMayBeTransparent)
     EXPECT_EQ(image.pixelColor(400, 300).alpha(), 255);
 }
 
+TEST_F(RenderCommandTest, TheCameraMayStandAnywhere)
+{
+    // The middle of the blue square, from straight before it and near: nothing else is seen.
+    const QStringList place = QStringLiteral("--azimuth 0 --elevation 0 --target=1.5,0.5,0 "
+                                             "--distance 0.5 --size 60x40")
+                                  .split(QLatin1Char(' '));
+    ASSERT_EQ(render(to(_picture) + place).status, 0);
+    const QImage image(_picture);
+    for (const QPoint &corner : {QPoint(0, 0), QPoint(59, 39), QPoint(30, 20)}) {
+        EXPECT_GT(image.pixelColor(corner).blue(), 150);
+        EXPECT_EQ(image.pixelColor(corner).red(), 0);
+    }
+}
+
+TEST_F(RenderCommandTest, ABackgroundMayHaveTwoColours)
+{
+    ASSERT_EQ(render(to(_picture) +
+                     QStringList{QStringLiteral("--background"), QStringLiteral("#ff0000,#0000ff")})
+                  .status,
+              0);
+    const QImage image(_picture);
+    // Half a pixel of 600 from the border: 255 * (1 - 0.5 / 600) is 254.8.
+    EXPECT_EQ(image.pixelColor(0, 0), QColor(255, 0, 0));
+    EXPECT_EQ(image.pixelColor(0, 599), QColor(0, 0, 255));
+}
+
+TEST_F(RenderCommandTest, GridAndAxesAreDrawnWhereAskedFor)
+{
+    const QStringList plain =
+        to(_picture) + QStringList{QStringLiteral("--background"), QStringLiteral("white")};
+    ASSERT_EQ(render(plain).status, 0);
+    const QImage without(_picture);
+    ASSERT_EQ(render(plain + QStringList{QStringLiteral("--grid")}).status, 0);
+    const QImage grid(_picture);
+    ASSERT_EQ(render(plain + QStringList{QStringLiteral("--axes")}).status, 0);
+    const QImage axes(_picture);
+
+    // The lower left corner, where the axes are, and a strip above it.
+    const QRect corner(0, 480, 160, 120);
+    const QRect strip(0, 300, 800, 150);
+    EXPECT_NE(axes.copy(corner), without.copy(corner));
+    EXPECT_EQ(axes.copy(strip), without.copy(strip));
+    EXPECT_NE(grid.copy(strip), without.copy(strip));
+    // Upon the model there is neither.
+    EXPECT_EQ(grid.pixelColor(400, 300), without.pixelColor(400, 300));
+}
+
 TEST_F(RenderCommandTest, TheSuffixSaysTheFormat)
 {
     const QString bitmap = _files.path(QStringLiteral("out.BMP"));
