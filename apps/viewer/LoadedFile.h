@@ -2,6 +2,8 @@
 /// A model file, read.
 #pragma once
 
+#include "FileStamp.h"
+
 #include <render/Material.h>
 #include <render/ModelGeometry.h>
 #include <render/TextureCache.h>
@@ -9,6 +11,7 @@
 #include <OrvModel/PreparationReport.h>
 #include <OrvModel/PreparedModel.h>
 
+#include <QtCore/QMetaType>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -37,6 +40,8 @@ struct ModelDetails
     /// The libraries and the textures that the model names, whether they exist or not.
     QStringList libraries;
     QStringList textures;
+    /// Of the model as it was before it was read, and of the others.
+    FileStamps stamps;
 };
 
 /// A model on its way from the worker to the window.
@@ -49,3 +54,5 @@ struct LoadedFile
 };
 
 } // namespace Halvard::Orv::Viewer
+
+Q_DECLARE_METATYPE(std::shared_ptr<const Halvard::Orv::Viewer::ModelDetails>)

@@ -1,26 +1,37 @@
 #include "MainWindow.h"
 
+#include "FileWatch.h"
 #include "LoadingBar.h"
 #include "ModelLoader.h"
 #include "Notice.h"
+#include "PictureDialog.h"
+#include "PictureFile.h"
 #include "RecentFiles.h"
+#include "RenderCommandLine.h"
+#include "ShortcutsSheet.h"
 #include "Viewport.h"
 #include "WindowActions.h"
 #include "panels/Panels.h"
+
+#include <OrvModel/ModelVersions.h>
+#include <render/Overlays.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QMimeData>
+#include <QtGui/QClipboard>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QDropEvent>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QDockWidget>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QToolBar>
 
@@ -65,14 +76,19 @@ MainWindow::MainWindow(QSettings &settings)
     : _settings(settings), _recent(new RecentFiles(settings, this)),
       _actions(std::make_unique<WindowActions>(*this, *_recent)), _viewport(new Viewport(this)),
       _notice(new Notice(_viewport)), _loading(new LoadingBar), _facts(new QLabel),
-      _loader(new ModelLoader(this))
+      _loader(new ModelLoader(this)), _watch(new FileWatch(this))
 {
+    // For whoever queues or records the signal.
+    qRegisterMetaType<std::shared_ptr<const ModelDetails>>(
+        "std::shared_ptr<const Halvard::Orv::Viewer::ModelDetails>");
     setAcceptDrops(true);
     setCentralWidget(_viewport);
     makeStatusBar();
     connectActions();
     connectCameraActions();
+    connectPictureActions();
     connectLoading();
+    connectViewport();
     addPanels(*this);
     applyColours();
     restore();
@@ -102,6 +118,7 @@ void MainWindow::connectActions()
                 [this, mode = shading] { _viewport->setShading(mode); });
     connect(a.wireframe, &QAction::toggled, _viewport, &Viewport::setWireframe);
     connect(a.grid, &QAction::toggled, _viewport, &Viewport::setGrid);
+    connect(a.grid, &QAction::toggled, this, &MainWindow::tellFacts);
     connect(a.axes, &QAction::toggled, _viewport, &Viewport::setAxes);
     connect(a.fullScreen, &QAction::toggled, this, &MainWindow::setFullScreen);
 }
@@ -119,51 +136,123 @@ void MainWindow::connectCameraActions()
             [this] { _viewport->setUpAxis(Render::UpAxis::Z); });
 }
 
+void MainWindow::connectPictureActions()
+{
+    const WindowActions &a = *_actions;
+    connect(a.savePicture, &QAction::triggered, this, &MainWindow::choosePicture);
+    connect(a.copyPicture, &QAction::triggered, this, &MainWindow::copyPicture);
+    connect(a.copyCommand, &QAction::triggered, this, &MainWindow::copyCommand);
+    connect(a.shortcuts, &QAction::triggered, this, [this] {
+        auto *const sheet = new ShortcutsSheet(*_actions, this);
+        sheet->setAttribute(Qt::WA_DeleteOnClose);
+        sheet->show();
+    });
+    connect(a.about, &QAction::triggered, this, [this] {
+        QMessageBox::about(this, tr("About"),
+                           tr("orv-view %1\n\nShows Wavefront OBJ models, and what is wrong with "
+                              "them.")
+                               .arg(ModelVersions::getVersion()));
+    });
+}
+
 void MainWindow::connectLoading()
 {
     connect(_loader, &ModelLoader::progressed, this, [this](const QString &what, double fraction) {
         tellProgress(what, fraction * UploadBegins);
     });
-    connect(_loader, &ModelLoader::loaded, this, [this](const std::shared_ptr<LoadedFile> &file) {
-        _viewport->show(file, _keepsCamera);
-    });
+    connect(_loader, &ModelLoader::loaded, this, &MainWindow::takeLoaded);
     connect(_loader, &ModelLoader::failed, this, &MainWindow::fail);
     connect(_loader, &ModelLoader::cancelled, this, [this] {
         endLoading();
         emit loadCancelled();
     });
+    connect(_watch, &FileWatch::changed, this, [this] {
+        if (!_loader->isLoading() && !_viewport->isUploading())
+            load(_path, true);
+        else
+            _watch->tryAgain();
+    });
+}
+
+void MainWindow::connectViewport()
+{
     connect(_viewport, &Viewport::uploadProgressed, this, [this](double fraction) {
         tellProgress(tr("Uploading"), UploadBegins + fraction * (1 - UploadBegins));
     });
     connect(_viewport, &Viewport::modelShown, this, &MainWindow::showModel);
     connect(_viewport, &Viewport::uploadFailed, this, &MainWindow::fail);
-    connect(_viewport, &Viewport::contextRenewed, this, &MainWindow::reload);
+    connect(_viewport, &Viewport::cameraMoved, _notice, &Notice::dismiss);
     connect(_viewport, &Viewport::unusable, this, [this](const QString &sentence) {
         _isUnusable = true;
         _notice->say(sentence);
     });
+    connect(_viewport, &Viewport::contextLost, this, [this] {
+        _isUnusable = true;
+        _notice->say(tr("The graphics driver was reset, and the picture is lost. Press F5 to load "
+                        "the model again."));
+    });
+    connect(_viewport, &Viewport::contextRenewed, this, &MainWindow::reload);
 }
 
 void MainWindow::open(const QString &path)
 {
-    load(path, false);
+    _triesLeft = 0;
+    load(QFileInfo(path).absoluteFilePath(), false);
 }
 
 void MainWindow::reload()
 {
-    if (!_path.isEmpty())
-        load(_path, _viewport->details() || _keepsCamera);
+    if (_isUnusable)
+        renewContext();
+    else if (!_path.isEmpty())
+        load(_path, false);
 }
 
-void MainWindow::load(const QString &path, bool keepsCamera)
+/// Another context comes with another place in the tree of widgets, also back to the old one.
+void MainWindow::renewContext()
+{
+    _isUnusable = false;
+    _notice->say(QString());
+    setCentralWidget(takeCentralWidget());
+    _viewport->show();
+}
+
+void MainWindow::load(const QString &path, bool isAutomatic)
 {
     _viewport->cancelUpload();
-    _path = QFileInfo(path).absoluteFilePath();
-    _keepsCamera = keepsCamera;
+    _path = path;
+    _isAutomatic = isAutomatic;
     tellProgress(tr("Opening"), 0);
     if (!_isUnusable)
         _notice->say(_viewport->details() ? QString() : tr("Loading ..."));
     _loader->load(_path, _viewport->mostTexturePixelsOnASide());
+}
+
+void MainWindow::takeLoaded(const std::shared_ptr<LoadedFile> &file)
+{
+    const ModelDetails &details = *file->details;
+    const std::shared_ptr<const ModelDetails> shown = _viewport->details();
+    if (_isAutomatic && shown && stampOf(_path) != details.stamps.value(_path))
+        keepLastVersion(tr("it is being written"));
+    else if (_isAutomatic && shown && shown->report.triangles > 0 && details.report.triangles == 0)
+        keepLastVersion(tr("there is nothing to draw in it"));
+    else
+        _viewport->showModel(file, _path == _shownPath);
+}
+
+/// A save that was caught half-way, or a mistake that its author is about to mend.
+void MainWindow::keepLastVersion(const QString &reason)
+{
+    endLoading();
+    const QString sentence = tr("The file has changed, but %1. The last version is shown until it "
+                                "can be read.")
+                                 .arg(reason);
+    statusBar()->showMessage(sentence);
+    if (_triesLeft > 0) {
+        --_triesLeft;
+        _watch->tryAgain();
+    }
+    emit loadFailed(sentence);
 }
 
 void MainWindow::cancelLoading()
@@ -192,15 +281,20 @@ void MainWindow::endLoading()
 
 void MainWindow::showModel()
 {
+    constexpr int TriesAfterAChange = 5;
     endLoading();
+    statusBar()->clearMessage();
     const std::shared_ptr<const ModelDetails> details = _viewport->details();
-    if (!_keepsCamera) {
+    if (details->path != _shownPath) {
         const Render::Shading now = _viewport->options().shading;
         if (now == Render::Shading::Material || now == Render::Shading::Flat)
             setShading(Render::shadingFor(details->report));
         _recent->add(details->path);
     }
-    _facts->setText(factsOf(*details));
+    _shownPath = details->path;
+    _triesLeft = TriesAfterAChange;
+    _watch->watch(details->path, details->stamps);
+    tellFacts();
     setWindowTitle(tr("%1 - Model Viewer").arg(QFileInfo(details->path).fileName()));
     setWindowFilePath(details->path);
     if (details->report.triangles == 0)
@@ -208,10 +302,29 @@ void MainWindow::showModel()
     emit modelShown(details);
 }
 
+void MainWindow::tellFacts()
+{
+    const std::shared_ptr<const ModelDetails> details = _viewport->details();
+    QString text = details ? factsOf(*details) : QString();
+    if (details && _actions->grid->isChecked() && !details->bounds.isEmpty())
+        text += tr("; grid %1").arg(QLocale().toString(Render::gridSpacing(details->bounds)));
+    _facts->setText(text);
+}
+
 void MainWindow::fail(const QString &sentence)
 {
+    if (_isAutomatic && _viewport->details()) {
+        const QString reason = sentence.endsWith(QLatin1Char('.')) ? sentence.chopped(1) : sentence;
+        return keepLastVersion(reason);
+    }
     endLoading();
-    _notice->say(sentence);
+    if (_viewport->details()) {
+        _notice->say(sentence, Notice::Kind::Goes);
+        _path = _shownPath; // which is what is watched, and what there is to load again
+    } else {
+        _notice->say(sentence);
+        _watch->watch(_path, stampsOf({_path}));
+    }
     emit loadFailed(sentence);
 }
 
@@ -222,6 +335,67 @@ void MainWindow::chooseFile()
                                      tr("Wavefront OBJ models (*.obj *.OBJ);;All files (*)"));
     if (!path.isEmpty())
         open(path);
+}
+
+QSize MainWindow::pictureSize() const
+{
+    return _viewport->size() * _viewport->devicePixelRatioF();
+}
+
+void MainWindow::choosePicture()
+{
+    const Render::RenderOptions &seen = _viewport->options();
+    PictureDialog dialog(pictureSize(), seen.grid, seen.axes, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const QString name = _shownPath.isEmpty()
+                             ? QStringLiteral("picture.png")
+                             : QFileInfo(_shownPath).completeBaseName() + QStringLiteral(".png");
+    const QString path =
+        QFileDialog::getSaveFileName(this, tr("Save Picture"), QDir(wantedPath()).filePath(name),
+                                     tr("Images (*.png *.jpg *.bmp *.ppm);;All files (*)"));
+    if (path.isEmpty())
+        return;
+    Render::RenderOptions options = seen;
+    options.grid = dialog.hasGrid();
+    options.axes = dialog.hasAxes();
+    if (dialog.isTransparent())
+        options.backgroundTop = options.backgroundBottom = QColor(0, 0, 0, 0);
+    savePicture(path, dialog.size(), options);
+}
+
+bool MainWindow::savePicture(const QString &path, const QSize &size,
+                             const Render::RenderOptions &options)
+{
+    QString error;
+    const QImage picture = _viewport->picture(size, options, error);
+    if (!picture.isNull())
+        error = writePicture(picture, path);
+    if (error.isEmpty())
+        statusBar()->showMessage(tr("Saved '%1'.").arg(path), 8000);
+    else
+        _notice->say(error, Notice::Kind::Goes);
+    return error.isEmpty();
+}
+
+void MainWindow::copyPicture()
+{
+    QString error;
+    const QImage picture = _viewport->picture(pictureSize(), _viewport->options(), error);
+    if (picture.isNull())
+        return _notice->say(error, Notice::Kind::Goes);
+    QGuiApplication::clipboard()->setImage(picture);
+    statusBar()->showMessage(tr("The picture is on the clipboard."), 8000);
+}
+
+void MainWindow::copyCommand()
+{
+    if (_shownPath.isEmpty())
+        return _notice->say(tr("Open a model first."));
+    const QString picture = QFileInfo(_shownPath).completeBaseName() + QStringLiteral(".png");
+    QGuiApplication::clipboard()->setText(renderCommandLine(renderArguments(
+        _shownPath, picture, pictureSize(), _viewport->camera(), _viewport->options())));
+    statusBar()->showMessage(tr("The command line is on the clipboard."), 8000);
 }
 
 /// The folder that a file dialog begins in.

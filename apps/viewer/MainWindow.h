@@ -14,8 +14,13 @@
 class QDockWidget;
 class QLabel;
 
+namespace Halvard::Orv::Render {
+struct RenderOptions;
+} // namespace Halvard::Orv::Render
+
 namespace Halvard::Orv::Viewer {
 
+class FileWatch;
 class LoadingBar;
 class ModelLoader;
 class Notice;
@@ -39,6 +44,13 @@ public:
     void reload();
     /// Ends a load; what is shown stays.
     void cancelLoading();
+
+    /// Draws what is seen, at another size and with other options, into a file. Says where it is, or
+    /// why not. \return whether it is there.
+    bool savePicture(const QString &path, const QSize &size, const Render::RenderOptions &options);
+    void copyPicture();
+    /// The command line that draws the picture, as a line for a shell.
+    void copyCommand();
 
     /// \name For panels
     /// @{
@@ -71,13 +83,21 @@ private:
     void makeStatusBar();
     void connectActions();
     void connectCameraActions();
+    void connectPictureActions();
     void connectLoading();
-    void load(const QString &path, bool keepsCamera);
+    void connectViewport();
+    void load(const QString &path, bool isAutomatic);
+    void takeLoaded(const std::shared_ptr<LoadedFile> &file);
+    void keepLastVersion(const QString &reason);
     void tellProgress(const QString &what, double fraction);
     void showModel();
     void fail(const QString &sentence);
     void endLoading();
     void chooseFile();
+    void choosePicture();
+    void renewContext();
+    void tellFacts();
+    QSize pictureSize() const;
     void setShading(Render::Shading shading);
     void setFullScreen(bool isOn);
     void applyColours();
@@ -92,9 +112,12 @@ private:
     LoadingBar *_loading;
     QLabel *_facts;
     ModelLoader *_loader;
+    FileWatch *_watch;
 
-    QString _path; ///< that is loaded, or was loaded last
-    bool _keepsCamera = false;
+    QString _path;             ///< that is loaded, or was loaded last
+    QString _shownPath;        ///< of the model that is shown, or was when the context was lost
+    bool _isAutomatic = false; ///< whether a changed file began the load
+    int _triesLeft = 0;
     bool _isUnusable = false;
 };
 

@@ -88,6 +88,7 @@ private:
     void read() const
     {
         auto file = std::make_shared<LoadedFile>();
+        const FileStamp stamp = stampOf(_path);
         QElapsedTimer timer;
         timer.start();
         file->model = prepared();
@@ -99,6 +100,8 @@ private:
             return fail(verdict);
         const std::shared_ptr<ModelDetails> details = detailsOf(*file->model, _path);
         details->nanoseconds = nanoseconds;
+        details->stamps = stampsOf(details->libraries + details->textures);
+        details->stamps.insert(_path, stamp);
         file->geometry = Render::geometryOf(*file->model);
         details->bounds = file->geometry.bounds;
         file->details = details;

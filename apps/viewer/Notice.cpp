@@ -12,7 +12,6 @@ Notice::Notice(QWidget *over) : QLabel(over)
     setTextFormat(Qt::PlainText); // names of files are no markup
     setAlignment(Qt::AlignCenter);
     setWordWrap(true);
-    setAttribute(Qt::WA_TransparentForMouseEvents);
     setStyleSheet(
         QStringLiteral("#notice { background: palette(window); color: palette(window-text);"
                        " border: 1px solid palette(mid); border-radius: 6px;"
@@ -21,11 +20,26 @@ Notice::Notice(QWidget *over) : QLabel(over)
     hide();
 }
 
-void Notice::say(const QString &text)
+void Notice::say(const QString &text, Kind kind)
 {
+    _kind = kind;
+    // Others let the mouse through to the picture.
+    setAttribute(Qt::WA_TransparentForMouseEvents, kind == Kind::Stays);
+    setToolTip(kind == Kind::Goes ? tr("Click to take this away") : QString());
     setText(text);
     place();
     setVisible(!text.isEmpty());
+}
+
+void Notice::dismiss()
+{
+    if (_kind == Kind::Goes)
+        say(QString());
+}
+
+void Notice::mousePressEvent(QMouseEvent *)
+{
+    dismiss();
 }
 
 bool Notice::eventFilter(QObject *watched, QEvent *event)

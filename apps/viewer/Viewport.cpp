@@ -15,6 +15,17 @@
 
 namespace Halvard::Orv::Viewer {
 
+namespace {
+
+QString advice()
+{
+    return Viewport::tr("Update the graphics driver, or start orv-view with "
+                        "LIBGL_ALWAYS_SOFTWARE=1 in its environment, which draws without a "
+                        "graphics card.");
+}
+
+} // namespace
+
 Viewport::Viewport(QWidget *parent) : QOpenGLWidget(parent), _navigation(_camera)
 {
     setFormat(format());
@@ -40,16 +51,18 @@ QSurfaceFormat Viewport::format()
     format.setProfile(QSurfaceFormat::CoreProfile);
     format.setDepthBufferSize(24);
     format.setSamples(4);
+    format.setOption(QSurfaceFormat::ResetNotification);
     return format;
 }
 
 void Viewport::initializeGL()
 {
     connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &Viewport::dropOpenGL);
+    _isLost = false;
     QString error;
     _renderer = Render::Renderer::create(&error);
     if (!_renderer) {
-        emit unusable(error);
+        emit unusable(tr("%1 %2").arg(error, advice()));
         return;
     }
     GLint side = 0;
@@ -82,8 +95,30 @@ void Viewport::resizeGL(int, int)
 
 void Viewport::paintGL()
 {
-    if (_renderer)
+    if (_renderer && !isLost())
         _renderer->draw(_camera.camera(), _options);
+}
+
+/// Asked for each frame: a driver that was reset draws nothing, and says nothing by itself.
+bool Viewport::isLost()
+{
+    if (_isLost)
+        return true;
+    const bool canTell = epoxy_gl_version() >= 45 || epoxy_has_gl_extension("GL_KHR_robustness");
+    _isLost = canTell && glGetGraphicsResetStatus() != GL_NO_ERROR;
+    if (_isLost)
+        emit contextLost();
+    return _isLost;
+}
+
+void Viewport::showEvent(QShowEvent *event)
+{
+    QOpenGLWidget::showEvent(event);
+    // The context is made with the window.
+    QTimer::singleShot(0, this, [this] {
+        if (isVisible() && !isValid())
+            emit unusable(tr("OpenGL 4.3 cannot be used here. %1").arg(advice()));
+    });
 }
 
 bool Viewport::event(QEvent *event)
@@ -102,7 +137,7 @@ void Viewport::moved()
     emit cameraMoved();
 }
 
-void Viewport::show(const std::shared_ptr<LoadedFile> &file, bool keepsCamera)
+void Viewport::showModel(const std::shared_ptr<LoadedFile> &file, bool keepsCamera)
 {
     cancelUpload();
     _waiting = file;
@@ -230,12 +265,15 @@ void Viewport::highlightMaterial(const QString &name)
 
 QImage Viewport::picture(const QSize &size, const Render::RenderOptions &options, QString &error)
 {
-    if (!_renderer) {
+    if (!_renderer || _isLost) {
         error = tr("There is no picture: OpenGL cannot be used.");
         return {};
     }
     makeCurrent();
-    return Render::renderPicture(*_renderer, size, _camera.camera(size), options, &error);
+    const QImage image =
+        Render::renderPicture(*_renderer, size, _camera.camera(size), options, &error);
+    doneCurrent();
+    return image;
 }
 
 } // namespace Halvard::Orv::Viewer

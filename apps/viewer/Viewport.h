@@ -41,7 +41,7 @@ public:
     /// Begins to upload a model. Ends with modelShown() or uploadFailed(), unless it is cancelled
     /// or another one begins.
     /// \param keepsCamera otherwise the model is framed from the usual side.
-    void show(const std::shared_ptr<LoadedFile> &file, bool keepsCamera);
+    void showModel(const std::shared_ptr<LoadedFile> &file, bool keepsCamera);
     void cancelUpload();
     bool isUploading() const { return _upload || _waiting; }
     /// Of the model that is shown; null for none.
@@ -85,6 +85,8 @@ signals:
     void uploadFailed(const QString &sentence);
     /// OpenGL cannot be used. \param sentence says what to do.
     void unusable(const QString &sentence);
+    /// The graphics driver was reset, and everything that it held is gone.
+    void contextLost();
     /// The model went with the context; there is a new one, to load it again.
     void contextRenewed();
     void cameraMoved();
@@ -94,8 +96,10 @@ protected:
     void resizeGL(int width, int height) override;
     void paintGL() override;
     bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
+    bool isLost();
     void stepUpload();
     void finishUpload();
     void dropOpenGL();
@@ -115,6 +119,7 @@ private:
     bool _keepsCamera = false;
     QTimer _uploadTimer;
     bool _hadContext = false;
+    bool _isLost = false;
 };
 
 } // namespace Halvard::Orv::Viewer

@@ -4,6 +4,7 @@
 #include <common/FileNames.h>
 
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QSettings>
 #include <QtWidgets/QApplication>
 
@@ -18,6 +19,9 @@ int main(int argc, char *argv[])
     QApplication::setOrganizationName(QStringLiteral("OrvModel"));
     QApplication::setApplicationVersion(ModelVersions::getVersion());
     QGuiApplication::setDesktopFileName(QStringLiteral("orv-view"));
+
+    // What the loader counts is in the window.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
 
     QCommandLineParser line;
     line.setApplicationDescription(
