@@ -168,7 +168,7 @@ void MainWindow::connectLoading()
     });
     connect(_watch, &FileWatch::changed, this, [this] {
         if (!_loader->isLoading() && !_viewport->isUploading())
-            load(_path, true);
+            load(_viewport->details() ? _shownPath : _path, true);
         else
             _watch->tryAgain();
     });
@@ -319,8 +319,7 @@ void MainWindow::fail(const QString &sentence)
     }
     endLoading();
     if (_viewport->details()) {
-        _notice->say(sentence, Notice::Kind::Goes);
-        _path = _shownPath; // which is what is watched, and what there is to load again
+        _notice->say(sentence, Notice::Kind::Goes); // what is shown is watched as before
     } else {
         _notice->say(sentence);
         _watch->watch(_path, stampsOf({_path}));
