@@ -223,7 +223,9 @@ FindingTexts ofFace(const Tally &t)
     case Code::LineContinued:
         return {QStringLiteral("%1 %2 in a backslash, to go on in the next one.")
                     .arg(counted(t.count, "line"), verb(t.count, "ends", "end")),
-                t.subject == QLatin1String("f")
+                t.file > 0 ? text("Lines are not continued: this one is passed over, or read up to "
+                                  "there.")
+                : t.subject == QLatin1String("f")
                     ? text("Lines are not continued: the face cannot be read. ") + notDrawn(t.faces)
                     : text("Lines are not continued: the numbers that are missing read as 0."),
                 text("Join the lines.")};

@@ -81,6 +81,7 @@ bool LibraryCheck::read(const Reference &reference)
     _file = _findings.addFile(reference.shown);
     _section = {};
     _isNameless = false;
+    _continuedLine = -1;
     MTLLines lines(*device);
     if (!lines.text().transcodedFrom().isNull())
         tell(Code::Encoding, QString::fromLatin1(lines.text().transcodedFrom()), 1);
@@ -214,6 +215,12 @@ bool LibraryCheck::checkNumbers(const MTLLines &lines)
 {
     const QStringList words = lines.rest().simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     const int count = valueCount(lines.type());
+    if (isContinuedLibraryLine(lines.line(), lines.tokens(), count)) {
+        tell(Code::LineContinued, lines.keyword(), lines.line().number).severity =
+            FindingSeverity::Warning; // it costs no faces
+        _continuedLine = lines.line().number;
+        return true;
+    }
     for (int i = 0; i < std::min(count, int(words.size())); ++i) {
         bool ok = false;
         const float value = words.at(i).toFloat(&ok);
@@ -301,6 +308,11 @@ void LibraryCheck::takeMap(const MTLLines &lines)
 void LibraryCheck::takeUnknown(const MTLLines &lines)
 {
     const QString keyword = lines.keyword();
+    if (_continuedLine + 1 == lines.line().number && continuesLibraryLine(lines.tokens())) {
+        if (lines.tokens()[lines.tokens().size() - 1].endsWith('\\'))
+            ++_continuedLine;
+        return;
+    }
     if (keyword == QLatin1String("Tr")) {
         bool ok = false;
         const float value = lines.rest().section(QLatin1Char(' '), 0, 0).toFloat(&ok);

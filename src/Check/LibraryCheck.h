@@ -86,7 +86,8 @@ private:
     QString _directory;
     int _file = 0;
     Section _section;
-    bool _isNameless = false; // a "newmtl" without a name was read: what follows is told by that
+    qint64 _continuedLine = -1; // the last one that is meant to go on in the next
+    bool _isNameless = false;   // a "newmtl" without a name was read: what follows is told by that
 };
 
 } // namespace Halvard::Orv::Checking

@@ -148,6 +148,14 @@ TEST_F(ModelCheck, SaysNothingOfValuesBehindAMaterialWithoutAName)
                             "b.mtl:1 warning material-line-outside Kd"));
 }
 
+TEST_F(ModelCheck, TellsContinuedLinesOfLibrariesOnce)
+{
+    _files.write(QStringLiteral("a.mtl"), "newmtl a\nKd 1 \\\n0 \\\n1\n2 3\nKs 1 \\\nTf 1\nd 1\n");
+    EXPECT_THAT(told("mtllib a.mtl\n" + Square + "usemtl a\nf 1 2 3 4\n"),
+                ElementsAre("a.mtl:2 warning line-continued Kd", "a.mtl:5 hint keyword-ignored 2",
+                            "a.mtl:6 warning line-continued Ks"));
+}
+
 TEST_F(ModelCheck, OnlyHintsAtWhatNoFaceUses)
 {
     _files.write(QStringLiteral("a.mtl"), "newmtl a\nd 0\nnewmtl b\nd 0\n");

@@ -102,4 +102,20 @@ bool hasDecimalComma(const QString &text)
     return ok;
 }
 
+bool isContinuedLibraryLine(const TextLine &line, const LineTokens &tokens, int count)
+{
+    const int numbers = tokens.size() - 2; // between the keyword and what ends in the backslash
+    return numbers >= 0 && numbers < count && tokens[tokens.size() - 1].endsWith('\\') &&
+           std::find(line.begin, line.end, '#') == line.end;
+}
+
+bool continuesLibraryLine(const LineTokens &tokens)
+{
+    if (tokens.isEmpty())
+        return false;
+    const char first = *tokens[0].begin;
+    return (first >= '0' && first <= '9') || first == '-' || first == '+' || first == '.' ||
+           first == '\\';
+}
+
 } // namespace Halvard::Orv::Checking

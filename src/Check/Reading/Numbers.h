@@ -36,4 +36,12 @@ bool readInt(const LineTokens &tokens, const char *begin, const char *end, bool 
 /// Whether a text is a number with a comma in place of its point.
 bool hasDecimalComma(const QString &text);
 
+/// Whether a line of a library ends in a backslash before it has all numbers that its keyword takes,
+/// so that it is meant to go on in the next one. A backslash in a comment is none.
+/// \param tokens those of the line. \param count how many numbers the keyword takes.
+bool isContinuedLibraryLine(const TextLine &line, const LineTokens &tokens, int count);
+
+/// Whether a line begins as one that gives such a line its further numbers.
+bool continuesLibraryLine(const LineTokens &tokens);
+
 } // namespace Halvard::Orv::Checking

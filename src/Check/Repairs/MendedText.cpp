@@ -160,8 +160,12 @@ bool MendedText::isContinuable(const TextLine &line)
     if (end == line.begin || (static_cast<signed char>(end[-1]) >= 0 && end[-1] != '\\'))
         return false;
     _tokens.split(line);
-    return !_tokens.isEmpty() && _tokens[_tokens.size() - 1].endsWith('\\') &&
-           (_isJoining || _tokens.is(0, "f") || numberCount() > 0);
+    if (_tokens.isEmpty() || !_tokens[_tokens.size() - 1].endsWith('\\'))
+        return false;
+    if (_wishes.format == Format::OBJ)
+        return _isJoining || _tokens.is(0, "f") || numberCount() > 0;
+    return _isJoining ? !contains(line.begin, line.end, '#')
+                      : isContinuedLibraryLine(line, _tokens, numberCount());
 }
 
 /// Whether a line stands for itself, whatever stands at the end of the line before it.
@@ -170,6 +174,8 @@ bool MendedText::startsLine(const TextLine &line)
     _tokens.split(line);
     if (_tokens.isEmpty() || _tokens[0].startsWith('#'))
         return true;
+    if (_wishes.format == Format::MTL)
+        return !continuesLibraryLine(_tokens);
     const QByteArray word(_tokens[0].begin, static_cast<int>(_tokens[0].size()));
     return std::any_of(std::begin(Keywords), std::end(Keywords),
                        [&word](const char *keyword) { return word == keyword; });
@@ -187,7 +193,7 @@ void MendedText::takePiece(const TextLine &piece)
     }
     if (!_isJoining)
         _joinedLine = _sourceLine;
-    if (_wishes.format == Format::OBJ && isContinuable(piece)) {
+    if (isContinuable(piece)) {
         const char *const backslash = _tokens[_tokens.size() - 1].end - 1;
         tell(Code::LineContinued, _sourceLine, {},
              "The line is joined with the one that continues it.");

@@ -18,7 +18,7 @@ namespace Halvard::Orv::Checking {
 ///
 /// * UTF-16 and UTF-32 become UTF-8;
 /// * carriage returns inside a line become line feeds;
-/// * continued lines of an OBJ file are joined;
+/// * continued lines are joined, in libraries those of numbers;
 /// * decimal commas become points.
 ///
 /// All further steps read this text, so that they meet none of these faults. The bytes of a file

@@ -75,6 +75,40 @@ TEST(TextRepair, JoinsContinuedLines)
     });
 }
 
+TEST(TextRepair, JoinsContinuedLinesOfLibraries)
+{
+    const QByteArray rest = Triangle + "usemtl a\nf 1 2 3\n";
+    const QByteArray model = "mtllib p.mtl\n" + rest;
+    const QByteArray fixed = "mtllib fixed.mtl\n" + rest;
+    const std::vector<std::string> joined = {"p.mtl:2 line-continued  1"};
+    const auto library = [](const QByteArray &lines) {
+        return std::vector<OrvTest::RowFile>{{"p.mtl", "newmtl a\n" + lines}};
+    };
+    expectRows({
+        {"colour", model, library("Kd 1 0 \\\n.5\n"), fixed, "newmtl a\nKd 1 0 .5\n", joined},
+        {"without a blank", model, library("Kd 1 0\\\n1\n"), fixed, "newmtl a\nKd 1 0 1\n", joined},
+        {"thrice",
+         model,
+         library("Kd \\\n1 \\\n0 \\\n1\nd 1\n"),
+         fixed,
+         "newmtl a\nKd 1 0 1\nd 1\n",
+         {"p.mtl:2 line-continued  3"}},
+        {"with a decimal comma",
+         model,
+         library("Kd 1 \\\n0,5 0\n"),
+         fixed,
+         "newmtl a\nKd 1 0.5 0\n",
+         {"p.mtl:2 line-continued  1", "p.mtl:2 number-decimal-comma Kd 1"}},
+        {"opacity, before a transparency that it replaces", model, library("d 0.5\\\nTr 0.5\n"),
+         fixed, "newmtl a\nd 0.5\nTr 0.5\n", joined},
+        {"a line of its own follows", model, library("Kd 1 0 \\\nKs 0 0 0\n"), fixed,
+         "newmtl a\nKd 1 0 \nKs 0 0 0\n", joined},
+        {"all numbers are there", model, library("Kd 1 0 0 \\\n1\n"), model, {}, {}},
+        {"a comment", model, library("Kd 1 0 # \\\n1\n"), model, {}, {}},
+        {"a path", model, library("map_Bump tex\\\n1\n"), model, {}, {}},
+    });
+}
+
 TEST(TextRepair, TellsLinesBehindAJoinedOneAsTheyAreInTheFile)
 {
     expectRows({{"two joints before a comma",
