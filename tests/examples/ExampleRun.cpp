@@ -20,7 +20,7 @@ ExampleRun runExample(const QStringList &arguments, const QByteArray &input)
 {
     constexpr int PatienceMs = 60 * 1000;
     QProcess process;
-    process.start(QStringLiteral(ORV_EXAMPLE), arguments);
+    process.start(qEnvironmentVariable("ORV_EXAMPLE", QStringLiteral(ORV_EXAMPLE)), arguments);
     process.write(input);
     process.closeWriteChannel();
     ExampleRun run;

@@ -21,6 +21,7 @@ struct ExampleRun
 bool operator==(const ExampleRun &first, const ExampleRun &second);
 std::ostream &operator<<(std::ostream &stream, const ExampleRun &run);
 
+/// Runs the example that the test was built for, or that ORV_EXAMPLE of the environment names.
 /// \param input what the example can read from its standard input.
 ExampleRun runExample(const QStringList &arguments, const QByteArray &input = {});
 
