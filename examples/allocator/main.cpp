@@ -3,7 +3,6 @@
 // A ModelBuilder asks an allocator for every array that it fills. Here they come from an arena: one
 // block, had at once, handed out from front to back, and given back as a whole. It may as well be a
 // mapped file, or memory that a graphics card reads.
-#include <OrvGL/OpenGLFunctions.h> // for the names of types; nothing of OpenGL is called
 #include <OrvModel/ModelBuilder.h>
 #include <OrvModel/ModelPreparing.h>
 #include <OrvModel/PreparedModel.h>

@@ -46,6 +46,7 @@ const std::set<std::string> Foundation = {
 /// An exported header belongs to the room of the source of its name, but for these.
 const std::map<std::string, std::string> RoomOfExportedHeader = {
     {"PreparationReport.h", "Reports"},
+    {"OpenGLTypes.h", "Builder"},
     {"VertexKey.h", "Builder"},
     // For loadMaterialsFromMTLFile(): the other loader, which is above, includes it as well.
     {"ModelLoading.h", "Libraries"},
