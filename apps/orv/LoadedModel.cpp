@@ -1,6 +1,7 @@
 #include "LoadedModel.h"
 
 #include "CommandLine.h"
+#include "DriverRoom.h"
 #include "Messages.h"
 #include "PreparedFile.h"
 
@@ -16,6 +17,10 @@ LoadedModel::~LoadedModel() = default;
 
 ExitStatus LoadedModel::load(const QString &fileName, int threads)
 {
+    if (!hasRoomForContext()) {
+        printError(QStringLiteral("There is not enough memory for OpenGL."));
+        return OutOfMemory;
+    }
     QString error;
     _context = HeadlessContext::create(&error);
     if (!_context || !_context->makeCurrent()) {
@@ -33,7 +38,7 @@ ExitStatus LoadedModel::load(const QString &fileName, int threads)
         return Fine;
     Messages::flush();
     printError(QStringLiteral("There is no room for '%1' on the GPU.").arg(fileName));
-    return CannotRun;
+    return OutOfMemory;
 }
 
 } // namespace Halvard::Orv::Cli

@@ -2,13 +2,16 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
+#include "DriverRoom.h"
 #include "LoadedModel.h"
+#include "Messages.h"
 #include "OutputFile.h"
 #include "Progress.h"
 #include "UndrawnFaces.h"
 #include "WriteAll.h"
 
 #include <OrvGL/GPUModel.h>
+#include <render/ImageConversion.h>
 #include <render/Picture.h>
 
 #include <QtCore/QBuffer>
@@ -292,15 +295,24 @@ bool isOpaque(const Render::RenderOptions &options)
     return options.backgroundTop.alpha() == 255 && options.backgroundBottom.alpha() == 255;
 }
 
+/// In a format that the writer takes as it is: what writers convert, Qt's threads do, for which it
+/// waits without end where none can be started.
+QImage convertedFor(const RenderRequest &request, const QImage &picture)
+{
+    if (request.format == "pgm")
+        return Render::convertedOnThisThread(picture, QImage::Format_Grayscale8);
+    // Without an alpha channel that says nothing.
+    return Render::convertedOnThisThread(
+        picture, isOpaque(request.options) ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+}
+
 /// The whole file; empty when it cannot be made, `error` then says why.
 QByteArray encoded(const QImage &picture, const RenderRequest &request, QString &error)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, request.format);
-    // Without an alpha channel that says nothing.
-    if (writer.write(isOpaque(request.options) ? picture.convertToFormat(QImage::Format_RGB32)
-                                               : picture))
+    if (writer.write(convertedFor(request, picture)))
         return buffer.data();
     error =
         QStringLiteral("Cannot write '%1': %2.").arg(shownOutput(request), writer.errorString());
@@ -364,6 +376,11 @@ ExitStatus renderCommand(const QStringList &arguments)
         return status;
     if (loaded.model().bundleCount() == 0)
         qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
+    if (!hasRoomForPicture(request.size)) {
+        Messages::flush();
+        printError(Render::noMemoryFor(request.size));
+        return OutOfMemory;
+    }
     QImage picture;
     {
         const Progress progress(QStringLiteral("drawing"));
@@ -371,7 +388,7 @@ ExitStatus renderCommand(const QStringList &arguments)
     }
     if (picture.isNull()) {
         printError(error);
-        return CannotRun;
+        return error == Render::noMemoryFor(request.size) ? OutOfMemory : CannotRun;
     }
     return write(picture, request);
 }

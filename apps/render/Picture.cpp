@@ -8,6 +8,13 @@
 
 namespace Halvard::Orv::Render {
 
+QString noMemoryFor(const QSize &picture)
+{
+    return QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
+        .arg(picture.width())
+        .arg(picture.height());
+}
+
 QImage renderPicture(Renderer &renderer, const QSize &size, const Camera &camera,
                      const RenderOptions &options, QString *error)
 {
@@ -19,9 +26,7 @@ QImage renderPicture(Renderer &renderer, const QSize &size, const Camera &camera
     renderer.draw(camera, options);
     QImage picture = target->read();
     if (picture.isNull() && error)
-        *error = QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
-                     .arg(size.width())
-                     .arg(size.height());
+        *error = noMemoryFor(size);
     return picture;
 }
 

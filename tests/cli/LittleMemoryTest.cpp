@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <QtCore/QFile>
+#include <QtGui/QImage>
+
 namespace {
 
 using namespace OrvTest;
@@ -99,10 +102,11 @@ TEST_F(LittleMemoryTest, ThreadsThatCannotBeStartedAreDoneWithout)
         return runOrvFromShell(
             QStringLiteral("ulimit -s 8000000; ulimit -v 4000000; exec \"$0\" \"$@\""), arguments);
     };
+    const QString output = _files.path(QStringLiteral("out.obj"));
     const QStringList calls[] = {
         {QStringLiteral("info"), QStringLiteral("--threads"), QStringLiteral("4")},
         {QStringLiteral("check")},
-        {QStringLiteral("fix"), QStringLiteral("-o"), QStringLiteral("-")}};
+        {QStringLiteral("fix"), QStringLiteral("-o"), output}};
     for (const QStringList &call : calls) {
         SCOPED_TRACE(call.join(QLatin1Char(' ')).toStdString());
         const OrvRun free = runOrv(call + QStringList(model));
@@ -115,6 +119,81 @@ TEST_F(LittleMemoryTest, ThreadsThatCannotBeStartedAreDoneWithout)
     const OrvRun verbose =
         runWithoutThreads(calls[0] + QStringList{QStringLiteral("--verbose"), model});
     EXPECT_THAT(verbose.err.toStdString(), HasSubstr("QThread::start: Thread creation error"));
+}
+
+/// A square with a texture that Qt would convert on several threads.
+class DrawnWithLittle : public LittleMemoryTest
+{
+protected:
+    void SetUp() override
+    {
+        LittleMemoryTest::SetUp();
+        QImage image(300, 700, QImage::Format_Grayscale8);
+        image.fill(128);
+        ASSERT_TRUE(image.save(_files.path(QStringLiteral("t.png"))));
+        _files.write(QStringLiteral("m.mtl"), "newmtl m\nmap_Kd t.png\n");
+        _model = _files.write(QStringLiteral("m.obj"),
+                              "mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 0 1\n"
+                              "usemtl m\nf 1/1 2/2 3/3\n");
+    }
+
+    QByteArray bytesOfPicture(const QString &name) const
+    {
+        QFile file(_files.path(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    OrvRun renderWithin(const QString &limits, const QString &output) const
+    {
+        QFile::remove(_files.path(output));
+        return runOrvFromShell(limits + QStringLiteral("; exec \"$0\" render \"$1\" -o \"$2\""),
+                               {_model, _files.path(output)});
+    }
+
+    QString _model;
+};
+
+TEST_F(DrawnWithLittle, PicturesAreDrawnWithoutThreads)
+{
+    for (const char *format : {"png", "bmp", "pgm", "pbm", "ppm", "jpg", "xpm", "xbm"}) {
+        SCOPED_TRACE(format);
+        const QString name = QStringLiteral("out.") + QLatin1String(format);
+        ASSERT_EQ(renderWithin(QStringLiteral("true"), name).status, 0);
+        const QByteArray expected = bytesOfPicture(name);
+        const OrvRun run =
+            renderWithin(QStringLiteral("ulimit -s 8000000; ulimit -v 4000000"), name);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.err, "");
+        EXPECT_EQ(bytesOfPicture(name), expected);
+    }
+}
+
+/// The driver itself would crash, abort or wait under some of these.
+TEST_F(DrawnWithLittle, AnyLimitGivesThePictureOrExitStatusThree)
+{
+    const QString name = QStringLiteral("out.png");
+    ASSERT_EQ(renderWithin(QStringLiteral("true"), name).status, 0);
+    const QByteArray expected = bytesOfPicture(name);
+    const std::string noPicture = "orv: There is no memory for a picture of 800x600 pixels.\n";
+    int refused = 0;
+    for (int limit = 100'000; limit <= 1'000'000; limit += 50'000) {
+        SCOPED_TRACE(limit);
+        const OrvRun run = renderWithin(QStringLiteral("ulimit -v %1").arg(limit), name);
+        EXPECT_EQ(run.out, "");
+        if (run.status == 0) {
+            EXPECT_EQ(run.err, "");
+            EXPECT_EQ(bytesOfPicture(name), expected);
+            continue;
+        }
+        ++refused;
+        EXPECT_EQ(run.status, 3);
+        EXPECT_FALSE(QFile::exists(_files.path(name)));
+        EXPECT_THAT(run.err.toStdString(), AnyOf("orv: There is not enough memory for OpenGL.\n",
+                                                 noPicture, "orv: There is not enough memory.\n"));
+    }
+    EXPECT_GT(refused, 3);
+    EXPECT_EQ(renderWithin(QStringLiteral("ulimit -v 4000000"), name).status, 0);
 }
 
 } // namespace
