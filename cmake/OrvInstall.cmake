@@ -101,9 +101,31 @@ orv_install_pc(OrvModel orv_development "${PROJECT_DESCRIPTION}"
 orv_install_pc(OrvCheck orv_development "What in Wavefront OBJ/MTL files will not do what is expected"
   REQUIRES Qt5Core Qt5Gui PRIVATE OrvModel)
 
+# orv_install_manuals(TARGET COMPONENT): the pages, and the completion, that a program's --help makes.
+find_program(ORV_BASH bash)
+function(orv_install_manuals target component)
+  if(NOT ORV_BASH OR CMAKE_CROSSCOMPILING OR ORV_SANITIZE)
+    return()
+  endif()
+  set(manuals ${PROJECT_BINARY_DIR}/manuals/${target})
+  string(TIMESTAMP date "%Y-%m-%d" UTC)
+  add_custom_target(${target}-manuals ALL DEPENDS ${manuals}/${target}.1.gz)
+  add_custom_command(OUTPUT ${manuals}/${target}.1.gz VERBATIM
+    COMMAND ${ORV_BASH} ${PROJECT_SOURCE_DIR}/packaging/make_manuals.sh
+      ${PROJECT_VERSION} ${date} ${manuals} $<TARGET_FILE:${target}>
+    DEPENDS ${target} ${PROJECT_SOURCE_DIR}/packaging/make_manuals.sh)
+  # A program that was built alone is installed without.
+  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component}
+    FILES_MATCHING PATTERN "*.1.gz")
+  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    COMPONENT ${component} FILES_MATCHING PATTERN "*.bash")
+endfunction()
+
 if(TARGET orv)
   orv_install_program(orv orv_tools)
+  orv_install_manuals(orv orv_tools)
 endif()
 if(TARGET orv-view)
   orv_install_program(orv-view orv_viewer)
+  orv_install_manuals(orv-view orv_viewer)
 endif()

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that this project needs, those that are missing only.
 #
-#     scripts/setup.sh [build] [test] [fuzz] [bench] [coverage]
+#     scripts/setup.sh [build] [test] [fuzz] [bench] [coverage] [package]
 #
 #   build     what compiling the libraries, `orv` and `orv-view` takes, and an
 #             OpenGL driver that runs without a graphics card or a display
@@ -9,6 +9,7 @@
 #   fuzz      clang, whose libFuzzer the fuzz targets are linked with
 #   bench     Google Benchmark, and the libraries that benchmarks/compare.sh measures
 #   coverage  what scripts/coverage.sh counts with
+#   package   what scripts/package.sh makes Debian packages with
 #
 # Without a name: build and test. Runs as root or through sudo; needs neither when nothing is
 # missing.
@@ -42,6 +43,7 @@ test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen pyth
 fuzz_packages=(clang libclang-rt-14-dev llvm)
 bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev python3)
 coverage_packages=(gcovr)
+package_packages=(dpkg-dev file git lintian)
 
 is_installed() {
   [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
@@ -90,6 +92,7 @@ for group in "${@:-all}"; do
     fuzz) wanted+=("${fuzz_packages[@]}") ;;
     bench) wanted+=("${bench_packages[@]}") ;;
     coverage) wanted+=("${coverage_packages[@]}") ;;
+    package) wanted+=("${package_packages[@]}") ;;
     all) wanted+=("${build_packages[@]}" "${test_packages[@]}") ;;
     *) wrong_usage "no such group of packages: '$group'" ;;
   esac

@@ -25,11 +25,12 @@ configure_beside() {
   quietly cmake -G Ninja -S "$source_dir" -B "$work_dir/build" "${options[@]}" \
     -DORV_BUILD_TESTS=OFF "-DCMAKE_INSTALL_LIBDIR=$libdir"
   while IFS= read -r file; do
+    file=${file%/}
     [[ -e $file ]] && continue
     name=${file#"$work_dir/build/"}
     [[ -e $build_dir/$name ]] || continue # ends the installation if it is needed
     mkdir -p "$(dirname "$file")"
-    cp -P "$build_dir/$name" "$file"
+    cp -a "$build_dir/$name" "$file"
   done < <(find "$work_dir/build" -name cmake_install.cmake -exec grep -ohE "\"$work_dir/build/[^\"]+\"" {} + |
     tr -d '"' | sort -u)
   build_dir=$work_dir/build
