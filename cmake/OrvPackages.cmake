@@ -13,7 +13,6 @@ macro(orv_package group package section summary description)
   string(TOUPPER ${group} upper_group)
   set(CPACK_DEBIAN_${upper_group}_PACKAGE_NAME ${package})
   set(CPACK_DEBIAN_${upper_group}_PACKAGE_SECTION ${section})
-  set(CPACK_COMPONENT_GROUP_${upper_group}_DESCRIPTION "${summary}\n${description}")
   set(CPACK_DEBIAN_${upper_group}_DESCRIPTION "${summary}\n${description}")
   foreach(component ${ARGN} orv_documents_${group})
     string(TOUPPER ${component} upper_component)
@@ -32,7 +31,9 @@ macro(orv_package group package section summary description)
 endmacro()
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "The OrvModel maintainers <maintainers@orvmodel.org>")
+set(CPACK_PACKAGE_CONTACT "The OrvModel maintainers <maintainers@orvmodel.example>")
+# Would stand above each package's own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -51,10 +52,12 @@ string(TIMESTAMP orv_debian_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 
 orv_package(library ${orv_library_package} libs
   "Wavefront OBJ/MTL files to data a renderer draws at once"
-  "libOrvModel welds, triangulates and batches Wavefront OBJ models, as plain arrays\nor as OpenGL buffers; libOrvCheck says what in such files will not do what is\nexpected. libOrvCore and libOrvGL are the platform below them."
+  "libOrvModel welds, triangulates and batches Wavefront OBJ models, as plain\narrays or as OpenGL buffers; libOrvCheck says what in such files will not do\nwhat is expected. libOrvCore and libOrvGL are the platform below them."
   orv_platform_runtime orv_runtime)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+# Not CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS, which calls ldconfig in scripts, as Debian did once.
+configure_file(packaging/shlibs.in ${PROJECT_BINARY_DIR}/shlibs @ONLY)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_BINARY_DIR}/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
 # Contexts without a window load libEGL when they are made.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "libegl1, libgl1-mesa-dri")
 
@@ -67,7 +70,7 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
 
 orv_package(tools orvmodel-tools graphics
   "draw, inspect, check and mend Wavefront OBJ models"
-  "The orv command line draws models to pictures without a display, says what is in\nthem and what will not do what is expected, and mends what can be mended."
+  "The orv command line draws models to pictures without a display, says what\nis in them and what will not do what is expected, and mends what can be mended."
   orv_tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${orv_library_package} (= ${orv_debian_version})")
 
