@@ -46,6 +46,7 @@ expect_relocatable() {
     ! grep -rIlF -- "$old" "$prefix" || fail "the files above name $old"
   done
   while IFS= read -r -d '' file; do
+    # shellcheck disable=SC2016  # the linker reads $ORIGIN
     readelf -d "$file" 2>/dev/null | grep -E 'R(UN)?PATH' | grep -qv '\[\$ORIGIN[^:]*\]' &&
       fail "$file has the run path $(readelf -d "$file" | grep -E 'R(UN)?PATH')"
   done < <(find "$prefix" -type f \( -name '*.so*' -o -path '*/bin/*' \) -print0)
