@@ -64,7 +64,7 @@ expect_loaded_from() {
 # use_package KIND SOURCE_DIR WORK_DIR LIBDIR PREFIX...: builds the consumer against what is installed in
 # the prefixes, by find_package and by pkg-config, and runs both programs.
 use_package() {
-  local kind=$1 source_dir=$2 work_dir=$3 libdir=$4 list path prefix
+  local kind=$1 source_dir=$2 work_dir=$3 libdir=$4 list path pc_path prefix
   shift 4
   list=$(IFS=';'; printf '%s' "$*")
   quietly cmake -G Ninja -S "$source_dir/tests/install/consumer" -B "$work_dir/by-cmake" \
@@ -72,19 +72,18 @@ use_package() {
   quietly cmake --build "$work_dir/by-cmake"
   expect_consumer "$work_dir/by-cmake/consumer" "$kind" "$source_dir"
 
-  path=
+  path='' pc_path=''
   for prefix in "$@"; do
-    path+=:$prefix/$libdir
+    path+=${path:+:}$prefix/$libdir
+    pc_path+=${pc_path:+:}$prefix/$libdir/pkgconfig
   done
-  path=${path#:}
   local static=()
   [[ $kind == shared ]] || static=(--static)
   # Qt is built such that programs have to be position independent.
   # shellcheck disable=SC2046  # flags are words
   quietly c++ -std=c++17 -fPIC "$source_dir/tests/install/consumer/main.cpp" \
     -o "$work_dir/by-pkg-config" \
-    $(PKG_CONFIG_PATH=${path//"$libdir"/"$libdir/pkgconfig"} \
-      pkg-config --cflags --libs "${static[@]}" OrvCheck OrvModel)
+    $(PKG_CONFIG_PATH=$pc_path pkg-config --cflags --libs "${static[@]}" OrvCheck OrvModel)
   LD_LIBRARY_PATH=$path expect_consumer "$work_dir/by-pkg-config" "$kind" "$source_dir"
 
   if [[ $kind == shared && $# -eq 1 ]]; then
