@@ -2,9 +2,9 @@
 
 #include "CommandLine.h"
 #include "Confinement.h"
-#include "ModelSummary.h"
 #include "OutputFile.h"
 #include "PreparedFile.h"
+#include "SummaryJSON.h"
 #include "WriteAll.h"
 
 #include <OrvModel/PreparedModel.h>
@@ -16,13 +16,14 @@ namespace Halvard::Orv::Cli {
 
 namespace {
 
-ExitStatus print(const ModelSummary &summary, bool asJSON)
+ExitStatus print(const Apps::ModelSummary &summary, const std::vector<UndrawnFaces> &undrawn,
+                 bool asJSON)
 {
     return OutputFile::write(QString(), [&](QIODevice &device) {
         if (asJSON)
-            writeSummaryJSON(device, summary);
+            writeSummaryJSON(device, summary, undrawn);
         else
-            writeAll(device, summaryText(summary).toLocal8Bit());
+            writeAll(device, Apps::summaryText(summary).toLocal8Bit());
     });
 }
 
@@ -44,13 +45,14 @@ ExitStatus infoCommand(const QStringList &arguments)
     const qint64 nanoseconds = timer.nsecsElapsed();
     if (!model)
         return status;
-    ModelSummary summary = summarize(*model);
+    Apps::ModelSummary summary =
+        Apps::summarize(*model, {Confinement::relative, Confinement::objection});
     summary.fileName = Confinement::relative(line.model());
     summary.fileBytes = qint64(summary.report.bytes);
     summary.nanoseconds = nanoseconds;
-    summary.undrawnFaces = undrawnFaces(model->report(), line.model());
-    tell(summary.undrawnFaces, line.model());
-    const ExitStatus printed = print(summary, line.isSet(QStringLiteral("json")));
+    const std::vector<UndrawnFaces> undrawn = undrawnFaces(model->report(), line.model());
+    tell(undrawn, line.model());
+    const ExitStatus printed = print(summary, undrawn, line.isSet(QStringLiteral("json")));
     return printed == Fine ? verdictOn(model->report(), line.model()) : printed;
 }
 

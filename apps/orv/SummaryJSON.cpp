@@ -1,12 +1,15 @@
-#include "ModelSummary.h"
+#include "SummaryJSON.h"
 
 #include "JSONWriter.h"
 
 namespace Halvard::Orv::Cli {
 
+using Apps::ModelSummary;
+
 namespace {
 
-void writeFile(JSONWriter &json, const ModelSummary &summary)
+void writeFile(JSONWriter &json, const ModelSummary &summary,
+               const std::vector<UndrawnFaces> &undrawnFaces)
 {
     const PreparationReport &report = summary.report;
     json.key("file");
@@ -28,7 +31,7 @@ void writeFile(JSONWriter &json, const ModelSummary &summary)
     json.member("facesNotDrawn", report.faces - report.facesDrawn);
     json.key("notDrawn");
     json.beginArray();
-    for (const UndrawnFaces &faces : summary.undrawnFaces) {
+    for (const UndrawnFaces &faces : undrawnFaces) {
         json.beginObject();
         json.member("reason", faces.reason);
         json.member("subject", faces.subject);
@@ -131,11 +134,12 @@ void writeTimes(JSONWriter &json, const ModelSummary &summary)
 
 } // namespace
 
-bool writeSummaryJSON(QIODevice &device, const ModelSummary &summary)
+bool writeSummaryJSON(QIODevice &device, const ModelSummary &summary,
+                      const std::vector<UndrawnFaces> &undrawnFaces)
 {
     JSONWriter json(device);
     json.beginObject();
-    writeFile(json, summary);
+    writeFile(json, summary, undrawnFaces);
     writeGPU(json, summary);
     writeMaterials(json, summary);
     writeBounds(json, summary);

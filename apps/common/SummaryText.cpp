@@ -1,29 +1,23 @@
 #include "ModelSummary.h"
 
-#include "PrintedText.h"
+#include "PrintedName.h"
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
-/// Lines of a label and a right-aligned value. All columns are as wide everywhere,
-/// so that the sections line up.
+/// Collects sections.
 class Table
 {
 public:
-    void heading(const QString &text) { _text += QLatin1Char('\n') + text + QLatin1Char('\n'); }
+    void heading(const QString &text) { _sections.push_back({text, {}}); }
 
     void row(int indent, const QString &label, const QString &value,
              const QString &remark = QString())
     {
-        const QString shifted = QString(2 * indent, QLatin1Char(' ')) + label;
-        _text += shifted.leftJustified(LabelWidth) + value.rightJustified(ValueWidth);
-        if (!remark.isEmpty())
-            _text += QLatin1String("  ") + remark;
-        _text += QLatin1Char('\n');
+        _sections.back().rows.push_back({indent, label, value, remark});
     }
 
     void row(int indent, const QString &label, qint64 value, const QString &remark = QString())
@@ -31,20 +25,14 @@ public:
         row(indent, label, grouped(value), remark);
     }
 
-    void line(int indent, const QString &text)
-    {
-        _text += QString(2 * indent, QLatin1Char(' ')) + text + QLatin1Char('\n');
-    }
+    void line(int indent, const QString &text) { row(indent, text, QString()); }
 
     static QString grouped(qint64 value) { return QLocale(QLocale::English).toString(value); }
 
-    const QString &text() const { return _text; }
+    std::vector<SummarySection> takeSections() { return std::move(_sections); }
 
 private:
-    static constexpr int LabelWidth = 26;
-    static constexpr int ValueWidth = 14;
-
-    QString _text;
+    std::vector<SummarySection> _sections;
 };
 
 void addFaces(Table &table, const PreparationReport &report)
@@ -143,18 +131,41 @@ void addTimes(Table &table, const ModelSummary &summary)
     row(2, QStringLiteral("other"), summary.otherNanoseconds());
 }
 
+/// A label and a right-aligned value. All columns are as wide everywhere, so that the sections line
+/// up.
+QString lineOf(const SummaryRow &row)
+{
+    constexpr int LabelWidth = 26;
+    constexpr int ValueWidth = 14;
+    const QString shifted = QString(2 * row.indent, QLatin1Char(' ')) + row.label;
+    if (row.value.isEmpty())
+        return shifted;
+    const QString line = shifted.leftJustified(LabelWidth) + row.value.rightJustified(ValueWidth);
+    return row.remark.isEmpty() ? line : line + QLatin1String("  ") + row.remark;
+}
+
 } // namespace
 
-QString summaryText(const ModelSummary &summary)
+std::vector<SummarySection> summarySections(const ModelSummary &summary)
 {
     Table table;
-    table.line(0, printed(summary.fileName));
     addFile(table, summary);
     addGPU(table, summary);
     addMaterials(table, summary);
     addBounds(table, summary);
     addTimes(table, summary);
-    return table.text();
+    return table.takeSections();
 }
 
-} // namespace Halvard::Orv::Cli
+QString summaryText(const ModelSummary &summary)
+{
+    QString text = printed(summary.fileName) + QLatin1Char('\n');
+    for (const SummarySection &section : summarySections(summary)) {
+        text += QLatin1Char('\n') + section.heading + QLatin1Char('\n');
+        for (const SummaryRow &row : section.rows)
+            text += lineOf(row) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+} // namespace Halvard::Orv::Apps

@@ -1,7 +1,5 @@
 #include "ModelSummary.h"
 
-#include "Confinement.h"
-
 #include <OrvGL/DrawBuffers.h>
 #include <OrvModel/PreparedModel.h>
 
@@ -10,16 +8,16 @@
 
 #include <algorithm>
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 namespace {
 
-/// What lies outside of --within is not looked for: not even whether it exists is told.
-bool isThere(const QString &path)
+/// Of what is not to be looked for, not even whether it exists is told.
+bool isThere(const QString &path, const SummaryPaths &paths)
 {
     if (path.contains(QChar::Null))
         return false;
-    const QString objection = Confinement::objection(path);
+    const QString objection = paths.objection ? paths.objection(path) : QString();
     if (objection.isEmpty())
         return QFileInfo(path).isFile();
     qWarning().noquote() << QStringLiteral("The texture '%1' %2.").arg(path, objection);
@@ -27,27 +25,28 @@ bool isThere(const QString &path)
 }
 
 /// Only those in files: plain colours are nothing to look for.
-std::vector<ModelSummary::Texture> texturesOf(const InstanceData &record)
+std::vector<ModelSummary::Texture> texturesOf(const InstanceData &record, const SummaryPaths &paths)
 {
     std::vector<ModelSummary::Texture> textures;
     for (const QString &member : record.members()) {
         const QString path = record.texturePath(member);
         if (!path.isNull())
-            textures.push_back({member, Confinement::relative(path), isThere(path)});
+            textures.push_back(
+                {member, paths.shown ? paths.shown(path) : path, isThere(path, paths)});
     }
     std::sort(textures.begin(), textures.end(),
               [](const auto &a, const auto &b) { return a.member < b.member; });
     return textures;
 }
 
-void addCommands(ModelSummary &summary, const PreparedModel &model)
+void addCommands(ModelSummary &summary, const PreparedModel &model, const SummaryPaths &paths)
 {
     const QVector<PreparedModel::Command> commands = model.commands();
     for (int i = 0; i < commands.size(); ++i) {
         ModelSummary::Material material;
         material.name = commands.at(i).material;
         material.triangles = commands.at(i).indexCount / 3;
-        material.textures = texturesOf(model.material(i));
+        material.textures = texturesOf(model.material(i), paths);
         summary.triangles += material.triangles;
         summary.materials.push_back(std::move(material));
     }
@@ -89,15 +88,15 @@ qint64 ModelSummary::otherNanoseconds() const
     return nanoseconds - (stages.read + stages.weld + stages.triangulate + stages.normals);
 }
 
-ModelSummary summarize(const PreparedModel &model)
+ModelSummary summarize(const PreparedModel &model, const SummaryPaths &paths)
 {
     ModelSummary summary;
     summary.report = model.report();
     summary.minimum = model.minimum();
     summary.maximum = model.maximum();
-    addCommands(summary, model);
+    addCommands(summary, model, paths);
     addBytes(summary.gpuBytes, model);
     return summary;
 }
 
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps

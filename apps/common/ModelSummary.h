@@ -1,25 +1,21 @@
 /// \file
-/// What `orv info` tells about a model.
+/// What a model holds and what became of it: what `orv info` tells, and the window.
 #pragma once
-
-#include "UndrawnFaces.h"
 
 #include <OrvModel/PreparationReport.h>
 
+#include <QtCore/QString>
 #include <QtGui/QVector3D>
 
-#include <QtCore/QString>
-
+#include <functional>
 #include <utility>
 #include <vector>
-
-class QIODevice;
 
 namespace Halvard::Orv {
 class PreparedModel;
 } // namespace Halvard::Orv
 
-namespace Halvard::Orv::Cli {
+namespace Halvard::Orv::Apps {
 
 struct ModelSummary
 {
@@ -51,7 +47,6 @@ struct ModelSummary
     QString fileName;
     qint64 fileBytes = 0;
     PreparationReport report;
-    std::vector<UndrawnFaces> undrawnFaces;
     qint64 nanoseconds = 0; // of the whole preparation
 
     quint64 bundles = 0;
@@ -66,13 +61,38 @@ struct ModelSummary
     qint64 otherNanoseconds() const;
 };
 
-/// Fills in what the model knows. The caller adds what it knows of the file.
-ModelSummary summarize(const PreparedModel &model);
+/// What is told of the files that a model names. Null functions change nothing.
+struct SummaryPaths
+{
+    /// How a path is told.
+    std::function<QString(const QString &path)> shown;
+    /// Why a file is not to be looked for, to end the sentence "The texture 'x' "; empty where it
+    /// may.
+    std::function<QString(const QString &path)> objection;
+};
 
-/// For people to read.
+/// Fills in what the model knows. The caller adds what it knows of the file.
+ModelSummary summarize(const PreparedModel &model, const SummaryPaths &paths = {});
+
+/// A line of a summary.
+struct SummaryRow
+{
+    int indent = 1;
+    QString label;
+    QString value; ///< empty for a line without columns
+    QString remark;
+};
+
+struct SummarySection
+{
+    QString heading;
+    std::vector<SummaryRow> rows;
+};
+
+/// For people to read. Printable.
+std::vector<SummarySection> summarySections(const ModelSummary &summary);
+
+/// The same as lines, below the file's name.
 QString summaryText(const ModelSummary &summary);
 
-/// For programs. \return whether all of it reached the device.
-bool writeSummaryJSON(QIODevice &device, const ModelSummary &summary);
-
-} // namespace Halvard::Orv::Cli
+} // namespace Halvard::Orv::Apps
