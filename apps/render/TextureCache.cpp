@@ -206,6 +206,23 @@ void TextureCache::admit(Image &image)
         prepared.image = QImage();
 }
 
+QImage TextureCache::thumbnail(const QString &path, int side) const
+{
+    const Image *const image = _byPath.value(path);
+    if (!image || image->prepared.isNull())
+        return {};
+    const auto scaled = [](const QImage &from, int most, Qt::TransformationMode mode) {
+        return from.width() <= most && from.height() <= most
+                   ? from
+                   : from.scaled(most, most, Qt::KeepAspectRatio, mode);
+    };
+    // Of a large image a sample will do: smoothing all of it takes seconds.
+    const QImage sample = scaled(image->prepared.image, 4 * side, Qt::FastTransformation);
+    return scaled(sample, side, Qt::SmoothTransformation)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied)
+        .mirrored();
+}
+
 bool TextureCache::uploadNext()
 {
     while (_nextToUpload < _images.size()) {

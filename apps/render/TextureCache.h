@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+class QImage;
 class QThreadPool;
 
 namespace Halvard::Orv {
@@ -53,6 +54,10 @@ public:
     /// \return false when it was stopped.
     bool prepare(const QStringList &paths, QThreadPool *pool = nullptr,
                  const std::function<bool(double fraction)> &progress = {});
+
+    /// A decoded image, the top row first, made so small that no side is longer than `side`. Null
+    /// where there is none, or it is uploaded already. On any thread, as prepare().
+    QImage thumbnail(const QString &path, int side) const;
 
     /// Makes one texture of a decoded image. Needs the OpenGL context current.
     /// \return whether there are more.

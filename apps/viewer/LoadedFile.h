@@ -10,10 +10,12 @@
 
 #include <OrvModel/PreparationReport.h>
 #include <OrvModel/PreparedModel.h>
+#include <common/ModelSummary.h>
 
 #include <QtCore/QMetaType>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtGui/QImage>
 
 #include <memory>
 #include <vector>
@@ -28,6 +30,8 @@ struct ModelDetails
         QString name;
         quint64 triangles = 0;
         Render::Material values;
+        /// Of the diffuse texture, made small; null where there is none, or none can be shown.
+        QImage thumbnail;
     };
 
     QString path; ///< as it was asked for, made absolute
@@ -36,6 +40,7 @@ struct ModelDetails
     PreparationReport report;
     bool normalsAreGenerated = false;
     std::vector<Material> materials; ///< one a draw command
+    Apps::ModelSummary summary;
     Render::Bounds bounds;
     /// The libraries and the textures that the model names, whether they exist or not.
     QStringList libraries;

@@ -7,6 +7,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
+#include <QtCore/QMap>
 #include <QtCore/QThread>
 
 #include <algorithm>
@@ -18,6 +19,9 @@ namespace {
 
 /// The parts of a load, as far as the progress bar is concerned.
 constexpr double PrepareEnds = 0.8;
+
+/// In pixels: enough for the panel of materials on a screen of high resolution.
+constexpr int ThumbnailSide = 96;
 
 QString nameOf(PrepareStage stage)
 {
@@ -57,11 +61,26 @@ std::shared_ptr<ModelDetails> detailsOf(const PreparedModel &model, const QStrin
     const QVector<PreparedModel::Command> commands = model.commands();
     for (int i = 0; i < commands.size(); ++i)
         details->materials.push_back({commands.at(i).material, commands.at(i).indexCount / 3,
-                                      Render::materialFromRecord(model.material(i))});
+                                      Render::materialFromRecord(model.material(i)), QImage()});
     const Apps::ModelFiles files = Apps::filesOf(path);
+    details->summary = Apps::summarize(model);
+    details->summary.fileName = path;
+    details->summary.fileBytes = qint64(details->report.bytes);
     details->libraries = files.libraries;
     details->textures = files.textures;
     return details;
+}
+
+/// Of each texture one, whose pixels materials share.
+void addThumbnails(ModelDetails &details, const Render::TextureCache &textures)
+{
+    QMap<QString, QImage> made;
+    for (ModelDetails::Material &material : details.materials) {
+        const QString path = material.values.diffuseMap.path;
+        if (!path.isEmpty() && !made.contains(path))
+            made.insert(path, textures.thumbnail(path, ThumbnailSide));
+        material.thumbnail = made.value(path);
+    }
 }
 
 } // namespace
@@ -99,7 +118,7 @@ private:
         if (!verdict.isEmpty())
             return fail(verdict);
         const std::shared_ptr<ModelDetails> details = detailsOf(*file->model, _path);
-        details->nanoseconds = nanoseconds;
+        details->nanoseconds = details->summary.nanoseconds = nanoseconds;
         details->stamps = stampsOf(details->libraries + details->textures);
         details->stamps.insert(_path, stamp);
         file->geometry = Render::geometryOf(*file->model);
@@ -107,6 +126,7 @@ private:
         file->details = details;
         if (!decodeTextures(*file))
             return cancel();
+        addThumbnails(*details, *file->textures);
         _loader.post(_stop, [loader = &_loader, file] {
             const bool isStopped = *loader->_stop; // since it was posted
             loader->finish();

@@ -73,6 +73,8 @@ protected:
         return label->isVisible() ? label->text() : QString();
     }
 
+    FindingsPanelTest() { window().resize(900, 640); }
+
     void waitForCheck()
     {
         waitFor([this] { return !panel().isBusy(); }, "the check");
@@ -435,7 +437,7 @@ TEST_F(FindingsPanelTest, AReloadKeepsTheChosenFindingAndTheCamera)
 
 TEST_F(FindingsPanelTest, WaitsWithTheCheckUntilItIsSeen)
 {
-    auto *const dock = window().findChild<QDockWidget *>(QStringLiteral("findings"));
+    auto *const dock = window().findChild<QDockWidget *>(QStringLiteral("findingsDock"));
     dock->hide();
     openModel(Wall);
     QTest::qWait(50);

@@ -228,6 +228,11 @@ void FindingsPanel::setModelFile(const QString &path, bool isShown)
         check();
 }
 
+QSize FindingsPanel::sizeHint() const
+{
+    return {800, 200};
+}
+
 void FindingsPanel::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);

@@ -50,6 +50,8 @@ public:
     /// Mends the model into another file, and says what was changed.
     void fixInto(const QString &output);
 
+    QSize sizeHint() const override;
+
     FindingsModel &findings() { return *_findings; }
     /// Of a check or a repair.
     bool isBusy() const { return _checker.isBusy() || _fixer.isBusy() || _isWaiting; }

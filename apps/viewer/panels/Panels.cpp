@@ -1,6 +1,8 @@
 #include "Panels.h"
 
 #include "FindingsPanel.h"
+#include "MaterialsPanel.h"
+#include "StatisticsPanel.h"
 
 #include "../MainWindow.h"
 #include "../Viewport.h"
@@ -29,8 +31,9 @@ void addAction(MainWindow &window, const QString &text, const QString &shortcut,
 void addFindings(MainWindow &window)
 {
     auto *const panel = new FindingsPanel;
-    QDockWidget *const dock = window.addPanel(panel, MainWindow::tr("Findings"),
-                                              QStringLiteral("findings"), Qt::BottomDockWidgetArea);
+    QDockWidget *const dock =
+        window.addPanel(panel, MainWindow::tr("Findings"), QStringLiteral("findingsDock"),
+                        Qt::BottomDockWidgetArea);
     QObject::connect(&window, &MainWindow::modelShown, panel,
                      [panel](const std::shared_ptr<const ModelDetails> &details) {
                          panel->setModelFile(details->path, true);
@@ -57,10 +60,34 @@ void addFindings(MainWindow &window)
               shown([panel] { panel->choosePrevious(); }));
 }
 
+QDockWidget *addMaterials(MainWindow &window)
+{
+    auto *const panel = new MaterialsPanel;
+    QObject::connect(&window, &MainWindow::modelShown, panel, &MaterialsPanel::setDetails);
+    QObject::connect(panel, &MaterialsPanel::materialChosen, &window.viewport(),
+                     &Viewport::highlightMaterial);
+    return window.addPanel(panel, MainWindow::tr("Materials"), QStringLiteral("materialsDock"));
+}
+
+QDockWidget *addStatistics(MainWindow &window)
+{
+    auto *const panel = new StatisticsPanel;
+    QObject::connect(&window, &MainWindow::modelShown, panel,
+                     [panel](const std::shared_ptr<const ModelDetails> &details) {
+                         panel->setSummary(details->summary);
+                     });
+    return window.addPanel(panel, MainWindow::tr("Statistics"), QStringLiteral("statisticsDock"));
+}
+
 } // namespace
 
 void addPanels(MainWindow &window)
 {
+    window.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    QDockWidget *const materials = addMaterials(window);
+    QDockWidget *const statistics = addStatistics(window);
+    window.tabifyDockWidget(materials, statistics);
+    materials->raise();
     addFindings(window);
 }
 
