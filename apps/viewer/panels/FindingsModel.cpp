@@ -142,7 +142,7 @@ QVariant FindingsModel::headerData(int section, Qt::Orientation orientation, int
     case Message:
         return tr("Message");
     case Faces:
-        return tr("Lost Faces");
+        return tr("Lost");
     case Code:
         return tr("Code");
     default:

@@ -163,6 +163,8 @@ QWidget *FindingsPanel::makeList()
     _details->setObjectName(QStringLiteral("findingDetails"));
     _details->setAccessibleName(tr("The chosen finding"));
     _details->setOpenLinks(false);
+    _details->setPlaceholderText(
+        tr("Choose a finding to fly to it, and to read what follows from it and what to do."));
     onCopyKey(_details, [this] { _details->copy(); });
 
     _splitter = new QSplitter;

@@ -61,7 +61,6 @@ FixReportDialog::FixReportDialog(std::shared_ptr<const ModelRepairReport> report
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     QPushButton *const open =
         buttons->addButton(tr("&Open the Fixed Model"), QDialogButtonBox::AcceptRole);
-    open->setDefault(true);
     QPushButton *const copy = buttons->addButton(tr("&Copy List"), QDialogButtonBox::ActionRole);
     copy->setEnabled(!_report->result.changes.isEmpty());
     connect(copy, &QPushButton::clicked, this, [this] { copyText(changesAsText()); });
@@ -72,6 +71,8 @@ FixReportDialog::FixReportDialog(std::shared_ptr<const ModelRepairReport> report
     layout->addWidget(text);
     layout->addWidget(makeList(), 1);
     layout->addWidget(buttons);
+    open->setDefault(true); // which it can be only in its window
+    open->setFocus();
     resize(760, 420);
 }
 

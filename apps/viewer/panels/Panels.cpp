@@ -83,7 +83,6 @@ QDockWidget *addStatistics(MainWindow &window)
 
 void addPanels(MainWindow &window)
 {
-    window.setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     QDockWidget *const materials = addMaterials(window);
     QDockWidget *const statistics = addStatistics(window);
     window.tabifyDockWidget(materials, statistics);
