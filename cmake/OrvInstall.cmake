@@ -128,4 +128,15 @@ endif()
 if(TARGET orv-view)
   orv_install_program(orv-view orv_viewer)
   orv_install_manuals(orv-view orv_viewer)
+  # What desktops know it by: an entry in their menus, an icon, the type of OBJ files, and thumbnails.
+  set(orv_share ${CMAKE_INSTALL_DATAROOTDIR})
+  set(orv_desktop ${PROJECT_SOURCE_DIR}/apps/viewer/desktop)
+  install(FILES ${orv_desktop}/orv-view.desktop DESTINATION ${orv_share}/applications
+          COMPONENT orv_viewer)
+  install(FILES ${orv_desktop}/orv-view.svg DESTINATION ${orv_share}/icons/hicolor/scalable/apps
+          COMPONENT orv_viewer)
+  install(FILES ${orv_desktop}/orv-view.xml DESTINATION ${orv_share}/mime/packages
+          COMPONENT orv_viewer)
+  install(FILES ${orv_desktop}/orv.thumbnailer DESTINATION ${orv_share}/thumbnailers
+          COMPONENT orv_viewer)
 endif()

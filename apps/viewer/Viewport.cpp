@@ -123,6 +123,9 @@ void Viewport::showEvent(QShowEvent *event)
 
 bool Viewport::event(QEvent *event)
 {
+    // QOpenGLWidget forgets the number of samples with its first context.
+    if (event->type() == QEvent::Show && !isValid())
+        setFormat(format());
     if (_renderer && _navigation.handle(event)) {
         event->accept();
         moved();
