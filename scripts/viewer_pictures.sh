@@ -14,6 +14,10 @@ expect_arguments 1 "$@"
 build_dir=${1:-$repository/build/release}
 [[ -f $build_dir/CMakeCache.txt ]] || die "'$build_dir' is not configured: cmake --preset release"
 build "$build_dir" --target OrvWindowPictures
+# In a folder of their own, so that the paths in the window have no part of this machine in them.
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cp -r "$repository/samples" "$work"
 bash "$repository/tests/viewer/with_display.sh" "$build_dir/tests/viewer/OrvWindowPictures" \
-  "$repository/samples" "$repository/docs/images"
+  "$work/samples" "$repository/docs/images"
 printf 'The pictures are in %s\n' "$repository/docs/images"

@@ -91,6 +91,8 @@ const std::vector<Picture> &pictures()
              window.actions().shadings.at(Render::Shading::Material)->trigger();
              showPanels(window, true);
              handleEvents(1500); // the check
+             // The second one is of a face.
+             QTest::keyClick(&window, Qt::Key_F8);
              QTest::keyClick(&window, Qt::Key_F8);
          }},
         {"viewer_dark", "lighthouse.obj",
