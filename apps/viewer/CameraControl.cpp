@@ -146,7 +146,9 @@ void CameraControl::flyTo(const std::vector<QVector3D> &points)
     const QVector3D centre = bounds.centre();
     ViewPose next = pose();
     next.target = {double(centre.x()), double(centre.y()), double(centre.z())};
-    next.distance = radius / (PartOfView * std::min(slopes.x, slopes.y));
+    // Large faces are no reason to go farther away than for the whole model.
+    next.distance = std::min(radius / (PartOfView * std::min(slopes.x, slopes.y)),
+                             Render::framingPose(geometry(), _angles, aspect(_size)).distance);
     goTo(next);
 }
 
