@@ -1,180 +1,144 @@
 #include "Triangles/Ears/BlockerSearch.h"
 
+#include "Triangles/Ears/PointNeighbours.h"
+
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 namespace Halvard::Orv {
 
 namespace {
 
-constexpr int NoSite = -1;
-constexpr int Lanes = 4;
 /// Below this many points all are looked at, which takes less time than boxes do.
 constexpr int FewPoints = 256;
-constexpr float Gone = std::numeric_limits<float>::quiet_NaN();
+/// Placing anew is not worth it for fewer.
+constexpr int FewestToPlace = 4;
 
 bool isFinite(QVector2D point)
 {
     return std::isfinite(point.x()) && std::isfinite(point.y());
 }
 
-/// A corner and where it stands, with any order of places.
-struct PlacedCorner
-{
-    PlacedCorner(QVector2D point, int number) : x(point.x()), y(point.y()), corner(number) {}
-
-    bool operator<(const PlacedCorner &other) const
-    {
-        if (x != other.x)
-            return x < other.x;
-        return y < other.y || (y == other.y && corner < other.corner);
-    }
-
-    float x;
-    float y;
-    int corner;
-};
-
 } // namespace
 
 void BlockerSearch::reset(QVector2D const *points, int count)
 {
-    _points = points;
-    makeSites(count);
-    _placed.resize(_sites.size());
+    makeSites(points, count);
+    _placed.resize(_points.size());
     std::iota(_placed.begin(), _placed.end(), 0);
     place();
 }
 
 /// One for each corner, or, in a large ring, for each distinct point.
-void BlockerSearch::makeSites(int count)
+void BlockerSearch::makeSites(QVector2D const *points, int count)
 {
     _states.assign(static_cast<size_t>(count), {NoSite, NoSite});
-    _sites.clear();
-    _sites.reserve(static_cast<size_t>(count));
+    _points.clear();
+    _cornersAt.clear();
+    _placedNear.clear();
+    _points.reserve(static_cast<size_t>(count));
+    _cornersAt.reserve(static_cast<size_t>(count));
     // Corners that are not finite never block, see TriangleReach.
     for (int corner = 0; corner < count; ++corner) {
-        if (!isFinite(_points[corner]))
-            continue;
-        state(corner).site = static_cast<int>(_sites.size());
-        _sites.push_back({_points[corner], 1, 0});
+        if (isFinite(points[corner]))
+            addSite(corner, points[corner]);
     }
-    if (_sites.size() >= FewPoints)
-        joinCoincidentCorners();
+    if (_points.size() >= FewPoints)
+        joinCoincidentCorners(points);
+}
+
+void BlockerSearch::addSite(int corner, QVector2D point)
+{
+    state(corner).site = static_cast<int>(_points.size());
+    _points.push_back(point);
+    _cornersAt.push_back(1);
 }
 
 /// Leaves one site for each distinct point, in the order of their first corners.
-void BlockerSearch::joinCoincidentCorners()
+void BlockerSearch::joinCoincidentCorners(QVector2D const *points)
 {
-    std::vector<PlacedCorner> sorted;
-    sorted.reserve(_sites.size());
+    std::vector<int> corners;
+    corners.reserve(_points.size());
     for (int corner = 0; corner < static_cast<int>(_states.size()); ++corner) {
         if (state(corner).site != NoSite)
-            sorted.emplace_back(_points[corner], corner);
+            corners.push_back(corner);
     }
-    std::sort(sorted.begin(), sorted.end());
+    const PointNeighbours neighbours(points, corners);
     // For now a corner's site is the first corner that stands there.
-    const PlacedCorner *first = nullptr;
-    for (const PlacedCorner &placed : sorted) {
-        if (!first || first->x != placed.x || first->y != placed.y)
-            first = &placed;
-        state(placed.corner).site = first->corner;
-    }
-    _sites.clear();
-    for (int corner = 0; corner < static_cast<int>(_states.size()); ++corner) {
-        int &number = state(corner).site;
-        if (number == NoSite)
-            continue;
-        if (number == corner) {
-            number = static_cast<int>(_sites.size());
-            _sites.push_back({_points[corner], 1, 0});
+    neighbours.forEachPoint([&](int corner, int first) { state(corner).site = first; });
+    _points.clear();
+    _cornersAt.clear();
+    for (const int corner : corners) {
+        const int first = state(corner).site;
+        if (first == corner) {
+            addSite(corner, points[corner]);
         } else {
-            number = state(number).site;
-            ++site(number).corners;
+            state(corner).site = state(first).site;
+            ++cornersAt(state(corner).site);
         }
     }
+    for (const int corner : neighbours.pointsWithNeighbours())
+        _placedNear.push_back(state(corner).site);
 }
 
-/// Gives all sites with active corners new slots.
+void BlockerSearch::dropEmptySites(std::vector<int> &sites)
+{
+    const auto isEmpty = [this](int site) { return cornersAt(site) == 0; };
+    sites.erase(std::remove_if(sites.begin(), sites.end(), isEmpty), sites.end());
+}
+
+/// Gives all sites with active corners new places.
 void BlockerSearch::place()
 {
-    const auto isEmpty = [this](int number) { return site(number).corners == 0; };
-    _placed.erase(std::remove_if(_placed.begin(), _placed.end(), isEmpty), _placed.end());
+    dropEmptySites(_placed);
+    dropEmptySites(_placedNear);
     _activeSites = static_cast<int>(_placed.size());
     _hasBoxes = _activeSites >= FewPoints;
-    if (_hasBoxes) {
-        _placedPoints.clear();
-        _placedPoints.reserve(_placed.size());
-        for (const int number : _placed)
-            _placedPoints.push_back(site(number).point);
-        _boxes.build(_placedPoints);
-    }
-    const size_t slotCount =
-        (_placed.size() + RingBoxes::LeafSize - 1) / RingBoxes::LeafSize * RingBoxes::LeafSize;
-    _x.assign(slotCount, Gone);
-    _y.assign(slotCount, Gone);
-    _siteAt.resize(slotCount);
-    for (size_t slot = 0; slot < _placed.size(); ++slot) {
-        const size_t at = _hasBoxes ? static_cast<size_t>(_boxes.order()[slot]) : slot;
-        const int number = _placed[at];
-        Site &placed = site(number);
-        _x[slot] = placed.point.x();
-        _y[slot] = placed.point.y();
-        _siteAt[slot] = number;
-        placed.slot = static_cast<int>(slot);
-    }
+    _tree.place(_placed, _points, _hasBoxes, RingBoxes::Splits::ForTriangles);
+    if (_hasBoxes)
+        _nearTree.place(_placedNear, _points, true, RingBoxes::Splits::ForSurroundings);
 }
 
 void BlockerSearch::remove(int corner)
 {
-    const int number = state(corner).site;
-    if (number == NoSite || --site(number).corners > 0)
+    const int site = state(corner).site;
+    if (site == NoSite || --cornersAt(site) > 0)
         return;
-    _x[static_cast<size_t>(site(number).slot)] = Gone;
+    _tree.remove(site);
+    if (_hasBoxes)
+        _nearTree.remove(site);
     --_activeSites;
-    if (_activeSites > Lanes && 2 * _activeSites < static_cast<int>(_placed.size()))
+    if (_activeSites > FewestToPlace && 2 * _activeSites < static_cast<int>(_placed.size()))
         place();
 }
 
 bool BlockerSearch::isBlocked(int corner, const CornerTriangle &triangle)
 {
-    const int last = state(corner).lastBlocker;
-    if (last != NoSite && site(last).corners > 0 && triangle.isBlockedBy(site(last).point))
+    int &last = state(corner).lastBlocker;
+    if (last != NoSite && cornersAt(last) > 0 &&
+        triangle.isBlockedBy(_points[static_cast<size_t>(last)]))
         return true;
-
-    const TriangleReach reach(triangle);
-    if (_hasBoxes) {
-        // An edge too long for a float has no direction, and nothing is inside of it.
-        const QVector2D opposite = triangle.edge(1).direction;
-        if (std::isnan(opposite.x()) || std::isnan(opposite.y()))
-            return false;
-        return _boxes.anyLeaf(triangle, reach, [&](int slot) {
-            return isBlockedBySome(corner, triangle, reach, slot) ||
-                   isBlockedBySome(corner, triangle, reach, slot + Lanes);
-        });
-    }
-    for (int slot = 0; slot < static_cast<int>(_x.size()); slot += Lanes) {
-        if (isBlockedBySome(corner, triangle, reach, slot))
-            return true;
-    }
-    return false;
+    last = blockerOf(triangle);
+    return last != NoSite;
 }
 
-/// Whether one of the sites in four slots blocks.
-bool BlockerSearch::isBlockedBySome(int corner, const CornerTriangle &triangle,
-                                    const TriangleReach &reach, int slot)
+/// A site that blocks the triangle, or NoSite.
+int BlockerSearch::blockerOf(const CornerTriangle &triangle) const
 {
-    const size_t at = static_cast<size_t>(slot);
-    unsigned within = reach.pointsWithin(loadFour(&_x[at]), loadFour(&_y[at]));
-    for (size_t lane = 0; within != 0; ++lane, within >>= 1) {
-        if ((within & 1u) == 0 || !triangle.isBlockedBy({_x[at + lane], _y[at + lane]}))
-            continue;
-        state(corner).lastBlocker = _siteAt[at + lane];
-        return true;
+    const TriangleReach reach(triangle);
+    if (!_hasBoxes)
+        return _tree.blockerAmongAll(triangle, reach);
+    // An edge too long for a float has no direction, and nothing is inside of it.
+    const QVector2D opposite = triangle.edge(1).direction;
+    if (std::isnan(opposite.x()) || std::isnan(opposite.y()))
+        return NoSite;
+    if (!_nearTree.isEmpty()) {
+        const int blocker = _nearTree.blockerAmongNear(triangle, reach);
+        if (blocker != NoSite)
+            return blocker;
     }
-    return false;
+    return _tree.blockerAmongFar(triangle, reach);
 }
 
 } // namespace Halvard::Orv

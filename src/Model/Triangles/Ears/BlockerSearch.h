@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Triangles/Ears/CornerTriangle.h"
-#include "Triangles/Ears/RingBoxes.h"
+#include "Triangles/Ears/SiteTree.h"
 
 #include <QtGui/QVector2D>
 
@@ -16,11 +16,12 @@ namespace Halvard::Orv {
 /// It does not matter which of several corners is found.
 ///
 /// Corners at the same point give the same answer, so that a large ring is searched by
-/// its distinct points, the sites.
+/// its distinct points, the sites. Those that others are near to stand in a tree of
+/// their own as well, see TriangleReach.
 class BlockerSearch
 {
 public:
-    /// All corners are active. `points` stays in use.
+    /// All corners are active. `points` is needed during the call only.
     void reset(QVector2D const *points, int count);
 
     bool isBlocked(int corner, const CornerTriangle &triangle);
@@ -38,36 +39,28 @@ private:
         int lastBlocker;
     };
 
-    struct Site
-    {
-        QVector2D point;
-        /// How many active corners stand there.
-        int corners;
-        int slot;
-    };
-
     CornerState &state(int corner) { return _states[static_cast<size_t>(corner)]; }
-    Site &site(int number) { return _sites[static_cast<size_t>(number)]; }
-    void makeSites(int count);
-    void joinCoincidentCorners();
+    int &cornersAt(int site) { return _cornersAt[static_cast<size_t>(site)]; }
+    void makeSites(QVector2D const *points, int count);
+    void joinCoincidentCorners(QVector2D const *points);
+    void addSite(int corner, QVector2D point);
+    void dropEmptySites(std::vector<int> &sites);
     void place();
-    bool isBlockedBySome(int corner, const CornerTriangle &triangle, const TriangleReach &reach,
-                         int slot);
+    int blockerOf(const CornerTriangle &triangle) const;
 
-    QVector2D const *_points = nullptr;
     std::vector<CornerState> _states;
-    std::vector<Site> _sites;
+    /// By site: where it is, and how many active corners stand there.
+    std::vector<QVector2D> _points;
+    std::vector<int> _cornersAt;
     /// Sites in ring order that may have active corners; those without go when they are
     /// half of them.
     std::vector<int> _placed;
+    /// Those of them that others are near to.
+    std::vector<int> _placedNear;
     int _activeSites = 0;
     bool _hasBoxes = false;
-    RingBoxes _boxes;
-    std::vector<QVector2D> _placedPoints;
-    /// By slot; x is NaN in slots without an active corner.
-    std::vector<float> _x;
-    std::vector<float> _y;
-    std::vector<int> _siteAt;
+    SiteTree _tree;
+    SiteTree _nearTree;
 };
 
 } // namespace Halvard::Orv

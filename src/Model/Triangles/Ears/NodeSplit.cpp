@@ -122,6 +122,11 @@ bool hasTwoSides(const OrientedBox &box)
     return box.across > (products + Least) * box.along;
 }
 
+QVector2D longerAxisOf(const OrientedBox &box)
+{
+    return box.extentY() > box.extentX() ? QVector2D(0.0f, 1.0f) : QVector2D(1.0f, 0.0f);
+}
+
 /// Along a box that is about as wide as long, boxes along the axes of the plane are as
 /// good, and closer to squares. A thin strip is split along or across. Two arcs upon
 /// each other want to be parted across: a triangle between the two then meets neither.
@@ -129,10 +134,8 @@ HalvesInSpace halvesInSpace(const QVector2D *points, const OrientedBox &box, con
                             bool isAcross)
 {
     constexpr float Thin = 0.25f;
-    if (box.across > Thin * box.along) {
-        const bool isHigh = box.extentY() > box.extentX();
-        return {points, isHigh ? QVector2D(0.0f, 1.0f) : QVector2D(1.0f, 0.0f), sample};
-    }
+    if (box.across > Thin * box.along)
+        return {points, longerAxisOf(box), sample};
     const HalvesInSpace along(points, box.axis, sample);
     if (!hasTwoSides(box))
         return along;
@@ -165,6 +168,11 @@ std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, 
         inRingOrder.size <= MuchLarger * inSpace.size)
         return {};
     return inSpace.axis;
+}
+
+AlongAxis longerAxis(const QVector2D *points, const int *first, const int *last)
+{
+    return {points, longerAxisOf(Sample(first, last).boxAround(points))};
 }
 
 } // namespace Halvard::Orv

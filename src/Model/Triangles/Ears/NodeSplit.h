@@ -49,4 +49,8 @@ private:
 std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, const int *middle,
                                      const int *last, bool isAcross);
 
+/// The axis of the plane along which some of the node's points extend farther: halves that
+/// are as wide as long as far as can be.
+AlongAxis longerAxis(const QVector2D *points, const int *first, const int *last);
+
 } // namespace Halvard::Orv

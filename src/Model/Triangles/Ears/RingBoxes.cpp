@@ -8,8 +8,9 @@
 
 namespace Halvard::Orv {
 
-void RingBoxes::build(const std::vector<QVector2D> &points)
+void RingBoxes::build(const std::vector<QVector2D> &points, Splits splits)
 {
+    _splits = splits;
     _points = points.data();
     _order.resize(points.size());
     std::iota(_order.begin(), _order.end(), 0);
@@ -46,10 +47,10 @@ void RingBoxes::addChild(int parent, int *first, int *last)
     node.children[lane] = child;
     node.boxes.centreX[lane] = box.centre.x();
     node.boxes.centreY[lane] = box.centre.y();
-    node.boxes.axisX[lane] = box.axis.x();
-    node.boxes.axisY[lane] = box.axis.y();
-    node.boxes.along[lane] = box.along;
-    node.boxes.across[lane] = box.across;
+    node.boxes.alongX[lane] = box.along * box.axis.x();
+    node.boxes.alongY[lane] = box.along * box.axis.y();
+    node.boxes.acrossX[lane] = box.across * box.axis.x();
+    node.boxes.acrossY[lane] = box.across * box.axis.y();
     node.boxes.extentX[lane] = box.extentX();
     node.boxes.extentY[lane] = box.extentY();
 }
@@ -62,7 +63,9 @@ int *RingBoxes::split(int *first, int *last, bool isAcross)
         first + std::min<ptrdiff_t>(last - first, (half + LeafSize - 1) / LeafSize * LeafSize);
     if (middle == last)
         return middle;
-    const std::optional<AlongAxis> axis = axisToSplit(_points, first, middle, last, isAcross);
+    const std::optional<AlongAxis> axis = _splits == Splits::ForTriangles
+                                              ? axisToSplit(_points, first, middle, last, isAcross)
+                                              : longerAxis(_points, first, last);
     if (!axis)
         return middle;
     _sorted.assign(first, last);
@@ -77,10 +80,8 @@ int *RingBoxes::split(int *first, int *last, bool isAcross)
 ///
 /// What blocks a triangle is most likely inside of it; the float comparisons also reach
 /// far beyond the ends of a sliver.
-int RingBoxes::push(const Node &node, unsigned children, const TriangleWindow &window, int *waiting,
-                    int count)
+int RingBoxes::push(const Node &node, unsigned children, Float4 distances, int *waiting, int count)
 {
-    const Float4 distances = window.distances(node.boxes);
     int nearest = -1;
     for (int child = 0; child < node.childCount; ++child) {
         if ((children >> child & 1u) == 0)
@@ -96,26 +97,6 @@ int RingBoxes::push(const Node &node, unsigned children, const TriangleWindow &w
     if (nearest >= 0)
         waiting[count++] = node.children[nearest];
     return count;
-}
-
-/// A leaf that the triangle meets, by choosing any child that it meets in each node; -1
-/// where it meets none.
-int RingBoxes::leafAtRandom(const TriangleReach &reach, const TriangleWindow &window,
-                            QuickRandom &random) const
-{
-    int number = 0;
-    while (number >= 0) {
-        const Node &node = _nodes[static_cast<size_t>(number)];
-        const unsigned children = childrenWithin(node, reach, window);
-        if (children == 0)
-            return -1;
-        unsigned child;
-        do {
-            child = random.next() % Fanout;
-        } while ((children >> child & 1u) == 0);
-        number = node.children[child];
-    }
-    return ~number;
 }
 
 } // namespace Halvard::Orv

@@ -4,7 +4,6 @@
 
 #include "Triangles/Ears/Sampling.h"
 #include "Triangles/Ears/TriangleReach.h"
-#include "Triangles/Ears/TriangleWindow.h"
 
 #include <QtGui/QVector2D>
 
@@ -24,18 +23,27 @@ public:
     /// Points of a leaf. All leaves but the last are full.
     static constexpr int LeafSize = 8;
 
+    /// How nodes are split: for triangles that mostly have neighbours in the ring as
+    /// corners, or for the surroundings of points.
+    enum class Splits
+    {
+        ForTriangles,
+        ForSurroundings
+    };
+
     /// \param points finite.
-    void build(const std::vector<QVector2D> &points);
+    void build(const std::vector<QVector2D> &points, Splits splits = Splits::ForTriangles);
 
     /// Numbers of the points leaf by leaf.
     const std::vector<int> &order() const { return _order; }
 
     /// Calls `visit(first)` with the place in order() of the first point of each leaf
-    /// that may have a point that blocks the triangle, until one returns true. Where
-    /// there are very many, some leaves are visited more than once.
+    /// within reach, until one returns true. Where there are very many, some leaves are
+    /// visited more than once.
+    /// \param reach a FarReach or a NearReach.
     /// \return whether one did.
-    template <typename Visit>
-    bool anyLeaf(const CornerTriangle &triangle, const TriangleReach &reach, Visit visit) const;
+    template <typename Reach, typename Visit>
+    bool anyLeaf(const Reach &reach, Visit visit) const;
 
 private:
     static constexpr int Fanout = 4;
@@ -53,23 +61,43 @@ private:
     int *split(int *first, int *last, bool isAcross);
 
     /// One bit per child: set where it may hold a point that blocks.
-    static unsigned childrenWithin(const Node &node, const TriangleReach &reach,
-                                   const TriangleWindow &window)
+    template <typename Reach>
+    static unsigned childrenWithin(const Node &node, const Reach &reach)
     {
         const unsigned all = (1u << node.childCount) - 1u;
-        return reach.boxesWithin(node.boxes) & window.boxesWithin(node.boxes) & all;
+        return reach.boxesWithin(node.boxes) & all;
     }
 
-    static int push(const Node &node, unsigned children, const TriangleWindow &window, int *waiting,
-                    int count);
-    int leafAtRandom(const TriangleReach &reach, const TriangleWindow &window,
-                     QuickRandom &random) const;
+    static int push(const Node &node, unsigned children, Float4 distances, int *waiting, int count);
+    template <typename Reach>
+    int leafAtRandom(const Reach &reach, QuickRandom &random) const;
 
     const QVector2D *_points = nullptr;
     std::vector<int> _order;
     std::vector<int> _sorted;
     std::vector<Node> _nodes;
+    Splits _splits = Splits::ForTriangles;
 };
+
+/// A leaf within reach, by choosing any child within reach in each node; -1 where a node
+/// has none.
+template <typename Reach>
+int RingBoxes::leafAtRandom(const Reach &reach, QuickRandom &random) const
+{
+    int number = 0;
+    while (number >= 0) {
+        const Node &node = _nodes[static_cast<size_t>(number)];
+        const unsigned children = childrenWithin(node, reach);
+        if (children == 0)
+            return -1;
+        unsigned child;
+        do {
+            child = random.next() % Fanout;
+        } while ((children >> child & 1u) == 0);
+        number = node.children[child];
+    }
+    return ~number;
+}
 
 /// Visits the leaves from the nearest on.
 ///
@@ -79,13 +107,11 @@ private:
 /// those far off all block. So after some leaves as many are visited at random. When a
 /// share p of all leaves within reach has a point that blocks, about 1 / p visits find
 /// one, wherever it is, and a triangle that nothing blocks costs twice the visits.
-template <typename Visit>
-bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &reach,
-                        Visit visit) const
+template <typename Reach, typename Visit>
+bool RingBoxes::anyLeaf(const Reach &reach, Visit visit) const
 {
     constexpr int ManyLeaves = 64;
     constexpr int Growth = 3;
-    const TriangleWindow window(triangle);
     // A split halves, so that the depth is that of the number of points in base 4, and
     // every level leaves at most three children waiting.
     int waiting[Fanout * 16];
@@ -98,9 +124,9 @@ bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &rea
         const int next = waiting[--count];
         if (next >= 0) {
             const Node &node = _nodes[static_cast<size_t>(next)];
-            const unsigned children = childrenWithin(node, reach, window);
+            const unsigned children = childrenWithin(node, reach);
             if (children != 0)
-                count = push(node, children, window, waiting, count);
+                count = push(node, children, reach.distances(node.boxes), waiting, count);
             continue;
         }
         if (visit(LeafSize * ~next))
@@ -108,7 +134,7 @@ bool RingBoxes::anyLeaf(const CornerTriangle &triangle, const TriangleReach &rea
         if (++visits < visitsInOrder || count == 0)
             continue;
         for (int i = 0; i < visits; ++i) {
-            const int leaf = leafAtRandom(reach, window, random);
+            const int leaf = leafAtRandom(reach, random);
             if (leaf >= 0 && visit(LeafSize * leaf))
                 return true;
         }

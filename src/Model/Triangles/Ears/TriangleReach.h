@@ -34,16 +34,14 @@
 // Nothing is asked of the triangle: slivers and edges without length, whose e is
 // zero, are covered.
 //
-// What is computed for a point is t = cross(e, d) + 5.5 u s + 2^-100 |d|_1 + near, with
-// d = fl(D), s as S with d in place of D, and |d|_1 = |d.x| + |d.y| >= |d|. Errors: d
-// u S, products u S; the difference and the sums are of the size of the result, and
-// floats keep the sign of a sum. Where X is far, 3 u S + 2 u S leave t >= 0. Where it is
-// near, |d|_1 <= 1.415e-6, so that
+// A point counts as far while t >= 0, with d = fl(D), |e.x| and |e.y| times 5.5 u and
+// 2^-100 added to each, and
 //
-//     near = 2.5e-6 - |d|_1, at least 0, at most 1.1e-6
+//     t = cross(e, d) + (|e.x|' |d.y| + |e.y|' |d.x|).
 //
-// exceeds 1.08e-6, and t >= 0 again. Before that, 5.5 u |d|_1 in place of the two terms
-// with s and |d|_1 keeps most points away with fewer operations: it is not less.
+// Errors: d u S, products u S; the difference and the sums are of the size of the result,
+// and floats keep the sign of a sum. 3 u S + 2 u S leave t >= 0. It counts as near while
+// |d|^2 <= 1.00001e-12, which is off by 2 u of itself.
 //
 // A box with centre C, axis a, and half extents h (along) and k (across) has only
 // points X for which, the factor 1 / |a|^2 being in h and k already,
@@ -53,16 +51,14 @@
 // Let it extend by m and n from C along the axes of the plane, so that with D = C - V
 //
 //     |e.x (X - V).y| + |e.y (X - V).x| <= R = |e.x| (|D.y| + n) + |e.y| (|D.x| + m),
-//     cross(e, X - V) <= cross(e, D) + h |cross(e, a)| + k |dot(e, a)|.
+//     cross(e, X - V) <= cross(e, D) + |cross(e, h a)| + |dot(e, k a)|.
 //
-// Errors of the right side: the first term 3 u, the others 4 u of what they add to R. With
-// the 3 u R of a far point that is at most 7 u R, and the right side with 9.2 u R added
-// is not below 0. If the box has a point near V, then
-// |D|_1 <= 1.415 (1.000001e-6 + h + k), and
+// Errors of the right side: the first term 3 u; the others, of the vectors h a and k a as
+// rounded, 4 u of what they add to R. With the 3 u R of a far point that is at most 7 u R,
+// and the right side with 9.2 u R added, 2^-100 in it as above, is not below 0.
 //
-//     near = 2.5e-6 + 1.5 (h + k) - |D|_1, at least 0, at most 1.1e-6
-//
-// is again enough.
+// If the box has a point near V, then C is within (m + 1.000001e-6, n + 1.000001e-6) of V,
+// and cross(e, X - V) >= -1.000002e-6, so that the right side is not below -1.1e-6.
 //
 // Numbers that are not finite: a point with such a coordinate gives unit() a NaN, which
 // makes (1) false, whatever the edge: it never blocks. A D that overflows does the same
@@ -82,12 +78,14 @@ struct Boxes4
 {
     Float4 centreX;
     Float4 centreY;
-    Float4 axisX;
-    Float4 axisY;
-    Float4 along;
-    Float4 across;
-    /// Half extents along the axes of the plane: along |axisX| + across |axisY|, or a
-    /// little more, and likewise.
+    /// The axis times the half extent along it.
+    Float4 alongX;
+    Float4 alongY;
+    /// The axis times the half extent across it.
+    Float4 acrossX;
+    Float4 acrossY;
+    /// Half extents along the axes of the plane: |alongX| + |acrossY|, or a little more,
+    /// and likewise.
     Float4 extentX;
     Float4 extentY;
 };
@@ -99,21 +97,16 @@ inline Float4 absolute(Float4 value)
                                     Mask4{AllButSign, AllButSign, AllButSign, AllButSign});
 }
 
-/// Between 0 and `limit`.
-inline Float4 clamped(Float4 value, float limit)
-{
-    const Float4 zero = {};
-    const Float4 top = {limit, limit, limit, limit};
-    const Float4 positive = value > zero ? value : zero;
-    return positive < top ? positive : top;
-}
-
 inline Float4 four(float value)
 {
     return Float4{value, value, value, value};
 }
 
 /// A triangle as its surroundings see it.
+///
+/// What blocks it is inside of all three edges but for rounding, or near one of its
+/// corners. The two are sought apart, since boxes that are good for the one, as thin as
+/// the slivers of a flat ring, are bad for the other.
 class TriangleReach
 {
 public:
@@ -125,79 +118,109 @@ public:
     /// that are not finite never block.
     unsigned pointsWithin(Float4 x, Float4 y) const
     {
-        const unsigned within =
-            lanesOf((_edges[0].quickReach(x, y) >= 0.0f) & (_edges[1].quickReach(x, y) >= 0.0f) &
-                    (_edges[2].quickReach(x, y) >= 0.0f));
-        if (within == 0)
-            return 0;
-        return within & lanesOf((_edges[0].reach(x, y) >= 0.0f) & (_edges[1].reach(x, y) >= 0.0f) &
-                                (_edges[2].reach(x, y) >= 0.0f));
+        return lanesOf(_edges[0].isInsideOrNear(x, y) & _edges[1].isInsideOrNear(x, y) &
+                       _edges[2].isInsideOrNear(x, y));
     }
 
-    /// One bit per box: set where the box may hold a point that blocks.
-    unsigned boxesWithin(const Boxes4 &boxes) const
+    /// The same but for points that are near a corner of the triangle.
+    unsigned farPointsWithin(Float4 x, Float4 y) const
     {
-        return ~lanesOf((_edges[0].reach(boxes) < 0.0f) | (_edges[1].reach(boxes) < 0.0f) |
-                        (_edges[2].reach(boxes) < 0.0f)) &
+        return lanesOf(_edges[0].isInside(x, y) & _edges[1].isInside(x, y) &
+                       _edges[2].isInside(x, y));
+    }
+
+    /// One bit per box: set where the box may hold a point that blocks and is not near a
+    /// corner of the triangle.
+    unsigned farBoxesWithin(const Boxes4 &boxes) const
+    {
+        return ~lanesOf((_edges[0].insideOf(boxes) < 0.0f) | (_edges[1].insideOf(boxes) < 0.0f) |
+                        (_edges[2].insideOf(boxes) < 0.0f)) &
                0xfu;
+    }
+
+    /// One bit per box: set where the box may hold a point that blocks and is near a corner
+    /// of the triangle.
+    unsigned nearBoxesWithin(const Boxes4 &boxes) const
+    {
+        const Mask4 near[] = {_edges[0].isNear(boxes), _edges[1].isNear(boxes),
+                              _edges[2].isNear(boxes)};
+        const Mask4 isNearSome = near[0] | near[1] | near[2];
+        if (lanesOf(isNearSome) == 0)
+            return 0;
+        const Mask4 isOutside = _edges[0].isOutside(boxes, near[0]) |
+                                _edges[1].isOutside(boxes, near[1]) |
+                                _edges[2].isOutside(boxes, near[2]);
+        return lanesOf(isNearSome & ~isOutside);
     }
 
 private:
     static constexpr float PointSlope = 5.5f * 0x1p-24f;
     static constexpr float BoxSlope = 9.2f * 0x1p-24f;
     static constexpr float Underflow = 0x1p-100f;
-    static constexpr float NearEnd = 2.5e-6f;
-    static constexpr float NearLimit = 1.1e-6f;
+    static constexpr float NearSquare = 1.00001e-12f;
+    static constexpr float BoxNear = 1.1e-6f;
 
     struct Edge
     {
         explicit Edge(const CornerTriangle::Edge &edge)
             : startX(four(edge.start.x())), startY(four(edge.start.y())),
-              x(four(edge.direction.x())), y(four(edge.direction.y()))
+              x(four(edge.direction.x())), y(four(edge.direction.y())),
+              pointSlopeX(PointSlope * absolute(x) + Underflow),
+              pointSlopeY(PointSlope * absolute(y) + Underflow),
+              boxSlopeX(BoxSlope * absolute(x) + Underflow),
+              boxSlopeY(BoxSlope * absolute(y) + Underflow)
         {}
 
-        Float4 quickReach(Float4 pointX, Float4 pointY) const
+        Mask4 isInside(Float4 pointX, Float4 pointY) const
         {
             const Float4 dx = pointX - startX;
             const Float4 dy = pointY - startY;
-            const Float4 distance = absolute(dx) + absolute(dy);
-            return x * dy - y * dx +
-                   (PointSlope * distance + clamped(NearEnd - distance, NearLimit));
+            return x * dy - y * dx + (pointSlopeX * absolute(dy) + pointSlopeY * absolute(dx)) >=
+                   0.0f;
         }
 
-        Float4 reach(Float4 pointX, Float4 pointY) const
+        Mask4 isInsideOrNear(Float4 pointX, Float4 pointY) const
         {
             const Float4 dx = pointX - startX;
             const Float4 dy = pointY - startY;
-            const Float4 first = x * dy;
-            const Float4 second = y * dx;
-            const Float4 distance = absolute(dx) + absolute(dy);
-            return first - second +
-                   (PointSlope * (absolute(first) + absolute(second)) + Underflow * distance +
-                    clamped(NearEnd - distance, NearLimit));
+            return isInside(pointX, pointY) | (dx * dx + dy * dy <= NearSquare);
         }
 
-        Float4 reach(const Boxes4 &boxes) const
+        /// The right side above: less than 0 where all points of a box that are far are
+        /// outside.
+        Float4 insideOf(const Boxes4 &boxes) const
         {
             const Float4 dx = boxes.centreX - startX;
             const Float4 dy = boxes.centreY - startY;
-            const Float4 sine = absolute(x * boxes.axisY - y * boxes.axisX);
-            const Float4 cosine = absolute(x * boxes.axisX + y * boxes.axisY);
-            const Float4 first = x * dy;
-            const Float4 second = y * dx;
-            const Float4 products = absolute(first) + absolute(second) +
-                                    (absolute(x) * boxes.extentY + absolute(y) * boxes.extentX);
-            const Float4 distance = absolute(dx) + absolute(dy);
-            const Float4 extent = boxes.along + boxes.across;
-            const Float4 near = clamped(NearEnd + 1.5f * extent - distance, NearLimit);
-            return first - second + (boxes.along * sine + boxes.across * cosine) +
-                   (BoxSlope * products + Underflow * (distance + extent) + near);
+            const Float4 spread = absolute(x * boxes.alongY - y * boxes.alongX) +
+                                  absolute(x * boxes.acrossX + y * boxes.acrossY);
+            return x * dy - y * dx + spread +
+                   (boxSlopeX * (absolute(dy) + boxes.extentY) +
+                    boxSlopeY * (absolute(dx) + boxes.extentX));
+        }
+
+        Mask4 isNear(const Boxes4 &boxes) const
+        {
+            return (absolute(boxes.centreX - startX) <= boxes.extentX + BoxNear) &
+                   (absolute(boxes.centreY - startY) <= boxes.extentY + BoxNear);
+        }
+
+        /// All points are outside, also those that are near where some may be.
+        Mask4 isOutside(const Boxes4 &boxes, Mask4 mayBeNear) const
+        {
+            const Mask4 limit = mayBeNear & reinterpret_cast<Mask4>(four(-BoxNear));
+            return insideOf(boxes) < reinterpret_cast<Float4>(limit);
         }
 
         Float4 startX;
         Float4 startY;
         Float4 x;
         Float4 y;
+        /// The absolute values of x and y times the slopes, and a little more.
+        Float4 pointSlopeX;
+        Float4 pointSlopeY;
+        Float4 boxSlopeX;
+        Float4 boxSlopeY;
     };
 
     Edge _edges[3];

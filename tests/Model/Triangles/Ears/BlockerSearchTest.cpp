@@ -4,7 +4,9 @@
 #include "support/RingRecipes.h"
 
 #include "Triangles/Ears/NodeSplit.h"
+#include "Triangles/Ears/PointNeighbours.h"
 #include "Triangles/Ears/RingBoxes.h"
+#include "Triangles/Ears/SearchReach.h"
 
 #include <gtest/gtest.h>
 
@@ -46,6 +48,48 @@ bool isCandidate(const CornerTriangle &triangle)
     const QVector2D toPrev = unit(triangle.edge(2).start - corner);
     return cross(toNext, toPrev) > 0.0f;
 }
+
+/// Calls `visit(first)` for leaves where anything may block.
+template <typename Visit>
+bool anyLeaf(const RingBoxes &boxes, const CornerTriangle &triangle, Visit visit)
+{
+    const TriangleReach reach(triangle);
+    return boxes.anyLeaf(FarReach(triangle, reach), visit) ||
+           boxes.anyLeaf(NearReach(reach), visit);
+}
+
+bool isNear(QVector2D point, const CornerTriangle &triangle)
+{
+    constexpr double Near = 1.000001e-6;
+    for (int i = 0; i < 3; ++i) {
+        const QVector2D corner = triangle.edge(i).start;
+        if (std::hypot(static_cast<double>(point.x()) - static_cast<double>(corner.x()),
+                       static_cast<double>(point.y()) - static_cast<double>(corner.y())) <= Near)
+            return true;
+    }
+    return false;
+}
+
+/// Leaves that a search for the ones near the triangle's corners, or for the others, visits.
+struct Leaves
+{
+    Leaves(const RingBoxes &boxes, const CornerTriangle &triangle)
+    {
+        const TriangleReach reach(triangle);
+        boxes.anyLeaf(FarReach(triangle, reach), [&](int first) {
+            isFarTwice = !far.insert(first).second || isFarTwice;
+            return false;
+        });
+        boxes.anyLeaf(NearReach(reach), [&](int first) {
+            near.insert(first);
+            return false;
+        });
+    }
+
+    std::set<int> far;
+    std::set<int> near;
+    bool isFarTwice = false;
+};
 
 std::vector<QVector2D> finitePoints(const Ring &ring)
 {
@@ -122,11 +166,8 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocks)
             const CornerTriangle triangle = anyTriangle(dice, points);
             if (!isCandidate(triangle))
                 continue;
-            std::set<int> leaves;
-            boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int first) {
-                EXPECT_TRUE(leaves.insert(first).second) << "twice";
-                return false;
-            });
+            const Leaves leaves(boxes, triangle);
+            EXPECT_FALSE(leaves.isFarTwice);
             for (std::size_t place = 0; place < points.size(); ++place) {
                 const auto point = static_cast<std::size_t>(boxes.order()[place]);
                 if (!triangle.isBlockedBy(points[point]))
@@ -134,7 +175,9 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocks)
                 ++blocking;
                 const int first =
                     static_cast<int>(place) / RingBoxes::LeafSize * RingBoxes::LeafSize;
-                EXPECT_EQ(leaves.count(first), 1u) << ring.name << ", round " << round;
+                const bool mayBeNear = isNear(points[point], triangle);
+                EXPECT_EQ((mayBeNear ? leaves.near : leaves.far).count(first), 1u)
+                    << ring.name << ", round " << round;
             }
         }
     }
@@ -149,9 +192,9 @@ TEST(RingBoxes, StopsWhereItIsTold)
     boxes.build(points);
     const CornerTriangle all({-9, -9}, {9, -9}, {0, 20});
     int visits = 0;
-    EXPECT_TRUE(boxes.anyLeaf(all, TriangleReach(all), [&](int) { return ++visits == 3; }));
+    EXPECT_TRUE(anyLeaf(boxes, all, [&](int) { return ++visits == 3; }));
     EXPECT_EQ(visits, 3);
-    EXPECT_FALSE(boxes.anyLeaf(all, TriangleReach(all), [](int) { return false; }));
+    EXPECT_FALSE(anyLeaf(boxes, all, [](int) { return false; }));
 }
 
 /// Where very many leaves are within reach, a leaf may be visited again, but none is left
@@ -170,12 +213,8 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocksASliver)
             const CornerTriangle triangle = anyTriangle(dice, points);
             if (!isCandidate(triangle))
                 continue;
-            std::set<int> leaves;
-            boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int first) {
-                leaves.insert(first);
-                return false;
-            });
-            mostLeaves = std::max(mostLeaves, leaves.size());
+            const Leaves leaves(boxes, triangle);
+            mostLeaves = std::max(mostLeaves, leaves.far.size());
             for (std::size_t place = 0; place < points.size(); ++place) {
                 const auto point = static_cast<std::size_t>(boxes.order()[place]);
                 if (!triangle.isBlockedBy(points[point]))
@@ -183,7 +222,8 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocksASliver)
                 ++blocking;
                 const int first =
                     static_cast<int>(place) / RingBoxes::LeafSize * RingBoxes::LeafSize;
-                ASSERT_EQ(leaves.count(first), 1u) << family.name;
+                const bool mayBeNear = isNear(points[point], triangle);
+                ASSERT_EQ((mayBeNear ? leaves.near : leaves.far).count(first), 1u) << family.name;
             }
         }
     }
@@ -206,7 +246,7 @@ double visitsPerCandidate(const std::vector<QVector2D> &points)
         if (!isCandidate(triangle))
             continue;
         ++candidates;
-        boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int first) {
+        anyLeaf(boxes, triangle, [&](int first) {
             ++visits;
             const int last = std::min(first + RingBoxes::LeafSize, count);
             return std::any_of(
@@ -269,7 +309,7 @@ TEST(RingBoxes, LooksAtFewLeavesForSpikesAcrossHalvesInRingOrder)
     for (int i = 0; i < Spikes; ++i) {
         const double angle = TwoPi * i / Spikes;
         const CornerTriangle spike({0, 0}, onCircle(angle), onCircle(angle + 1e-3));
-        boxes.anyLeaf(spike, TriangleReach(spike), [&](int) {
+        anyLeaf(boxes, spike, [&](int) {
             ++visits;
             return false;
         });
@@ -296,7 +336,7 @@ TEST(RingBoxes, LooksAtFewLeavesOfRingsOfManyCorners)
             if (!isCandidate(triangle))
                 continue;
             ++candidates;
-            boxes.anyLeaf(triangle, TriangleReach(triangle), [&](int) {
+            anyLeaf(boxes, triangle, [&](int) {
                 ++visits;
                 return false;
             });

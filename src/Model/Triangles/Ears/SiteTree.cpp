@@ -1,0 +1,104 @@
+#include "Triangles/Ears/SiteTree.h"
+
+#include "Triangles/Ears/SearchReach.h"
+
+#include <limits>
+
+namespace Halvard::Orv {
+
+namespace {
+
+constexpr size_t Lanes = 4;
+constexpr int NoSlot = -1;
+constexpr float Gone = std::numeric_limits<float>::quiet_NaN();
+
+static_assert(RingBoxes::LeafSize == 2 * Lanes, "a leaf is looked at in two steps");
+
+} // namespace
+
+void SiteTree::place(const std::vector<int> &sites, const std::vector<QVector2D> &points,
+                     bool hasBoxes, RingBoxes::Splits splits)
+{
+    if (hasBoxes) {
+        _placedPoints.clear();
+        _placedPoints.reserve(sites.size());
+        for (const int site : sites)
+            _placedPoints.push_back(points[static_cast<size_t>(site)]);
+        _boxes.build(_placedPoints, splits);
+    }
+    const size_t slotCount =
+        (sites.size() + RingBoxes::LeafSize - 1) / RingBoxes::LeafSize * RingBoxes::LeafSize;
+    _x.assign(slotCount, Gone);
+    _y.assign(slotCount, Gone);
+    _siteAt.resize(slotCount);
+    _slots.assign(points.size(), NoSlot);
+    for (size_t slot = 0; slot < sites.size(); ++slot) {
+        const size_t at = hasBoxes ? static_cast<size_t>(_boxes.order()[slot]) : slot;
+        const int site = sites[at];
+        _x[slot] = points[static_cast<size_t>(site)].x();
+        _y[slot] = points[static_cast<size_t>(site)].y();
+        _siteAt[slot] = site;
+        _slots[static_cast<size_t>(site)] = static_cast<int>(slot);
+    }
+}
+
+void SiteTree::remove(int site)
+{
+    if (isEmpty())
+        return;
+    const int slot = _slots[static_cast<size_t>(site)];
+    if (slot != NoSlot)
+        _x[static_cast<size_t>(slot)] = Gone;
+}
+
+int SiteTree::blockerAmongAll(const CornerTriangle &triangle, const TriangleReach &reach) const
+{
+    for (size_t slot = 0; slot < _x.size(); slot += Lanes) {
+        const unsigned within = reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
+        const int blocker = blockerInSlots(slot, within, triangle);
+        if (blocker != NoSite)
+            return blocker;
+    }
+    return NoSite;
+}
+
+int SiteTree::blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach) const
+{
+    int blocker = NoSite;
+    _boxes.anyLeaf(FarReach(triangle, reach), [&](int first) {
+        const size_t slot = static_cast<size_t>(first);
+        const unsigned within =
+            reach.farPointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot])) |
+            reach.farPointsWithin(loadFour(&_x[slot + Lanes]), loadFour(&_y[slot + Lanes]))
+                << Lanes;
+        blocker = blockerInSlots(slot, within, triangle);
+        return blocker != NoSite;
+    });
+    return blocker;
+}
+
+int SiteTree::blockerAmongNear(const CornerTriangle &triangle, const TriangleReach &reach) const
+{
+    int blocker = NoSite;
+    _boxes.anyLeaf(NearReach(reach), [&](int first) {
+        const size_t slot = static_cast<size_t>(first);
+        const unsigned within =
+            reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot])) |
+            reach.pointsWithin(loadFour(&_x[slot + Lanes]), loadFour(&_y[slot + Lanes])) << Lanes;
+        blocker = blockerInSlots(slot, within, triangle);
+        return blocker != NoSite;
+    });
+    return blocker;
+}
+
+/// The first site that blocks among those in slots whose bits are set.
+int SiteTree::blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle) const
+{
+    for (; within != 0; ++slot, within >>= 1) {
+        if ((within & 1u) != 0 && triangle.isBlockedBy({_x[slot], _y[slot]}))
+            return _siteAt[slot];
+    }
+    return NoSite;
+}
+
+} // namespace Halvard::Orv
