@@ -78,6 +78,27 @@ std::vector<int> placesInOrder(const RingRecipe &recipe, int count, Dice &dice)
     return places;
 }
 
+bool isRandom(RingRecipe::Shape shape)
+{
+    return shape == RingRecipe::Square || shape == RingRecipe::Walk ||
+           shape == RingRecipe::ClosedWalk || shape == RingRecipe::Lattice;
+}
+
+/// Takes out what a walk has gone from its beginning to its end, a share at each step.
+void closeWalk(std::vector<Place> &places)
+{
+    if (places.empty())
+        return;
+    const Place end = places.back();
+    double steps = 0.0;
+    for (Place &place : places) {
+        steps += 1.0;
+        const double share = steps / static_cast<double>(places.size());
+        place.x -= share * end.x;
+        place.y -= share * end.y;
+    }
+}
+
 /// The places of a shape that is random by itself.
 std::vector<Place> randomPlaces(const RingRecipe &recipe, int count, Dice &dice)
 {
@@ -88,16 +109,23 @@ std::vector<Place> randomPlaces(const RingRecipe &recipe, int count, Dice &dice)
             places.push_back(Place{dice.real(-1.0, 1.0), dice.real(-1.0, 1.0)});
             continue;
         }
+        if (recipe.shape == RingRecipe::Lattice) {
+            places.push_back(Place{static_cast<double>(dice.below(recipe.period)),
+                                   static_cast<double>(dice.below(recipe.period))});
+            continue;
+        }
         walker.x += dice.real(-recipe.bend, recipe.bend);
         walker.y += dice.real(-recipe.bend, recipe.bend);
         places.push_back(walker);
     }
+    if (recipe.shape == RingRecipe::ClosedWalk)
+        closeWalk(places);
     return places;
 }
 
 std::vector<Place> placesOf(const RingRecipe &recipe, int count, Dice &dice)
 {
-    if (recipe.shape == RingRecipe::Square || recipe.shape == RingRecipe::Walk)
+    if (isRandom(recipe.shape))
         return randomPlaces(recipe, count, dice);
     std::vector<Place> places;
     for (const int place : placesInOrder(recipe, count, dice))
@@ -200,6 +228,7 @@ const std::vector<RingFamily> &hostileRings()
         {"flat lens", with(R::Lens, R::Forward, 1e-3)},
         {"flatter lens", with(R::Lens, R::Forward, 1e-5)},
         {"tilted lens", with(R::Lens, R::Forward, 1e-3, 3, 0.0, 0.0, 0.4)},
+        {"jittered lens", with(R::Lens, R::Forward, 1e-5, 3, 0.02)},
         {"lens in random order", with(R::Lens, R::Shuffled, 1e-3)},
         {"line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 0.0, 0.35)},
         {"noisy line", with(R::Line, R::Forward, 1.0, 3, 0.0, 1e-7)},
@@ -211,7 +240,10 @@ const std::vector<RingFamily> &hostileRings()
         {"fan in random order", with(R::Fan, R::Shuffled)},
         {"fan from outside in", with(R::Fan, R::OutsideIn)},
         {"crossing", with(R::Square, R::Forward)},
+        {"circle in random order", with(R::Arc, R::Shuffled, 2.0 * Pi)},
         {"random walk", with(R::Walk, R::Forward, 1e-2)},
+        {"closed random walk", with(R::ClosedWalk, R::Forward, 1e-2)},
+        {"lattice", with(R::Lattice, R::Forward, 1.0, 360)},
         {"zigzag", with(R::Zigzag, R::Forward, 1e-3)},
         {"zigzag from outside in", with(R::Zigzag, R::OutsideIn, 2e-6)},
         {"turns", with(R::Turns, R::Forward, 1.0, 10)},

@@ -33,6 +33,10 @@ struct RingRecipe
         Square,
         /// A random walk in steps of up to `bend`.
         Walk,
+        /// The same, brought back to where it began.
+        ClosedWalk,
+        /// Anywhere on a lattice of `period` points each way, a unit apart.
+        Lattice,
         ShapeCount
     };
 

@@ -36,15 +36,15 @@ QVector2D mainAxis(const QVector2D *points, const int *first, const int *last, p
     double xx = 0.0;
     double xy = 0.0;
     double yy = 0.0;
-    for (SampledNumbers i(step, last - first); !i.isAtEnd(); ++i) {
-        const Offset offset(points[first[*i]], origin);
+    forEachSampled(step, last - first, [&](ptrdiff_t i) {
+        const Offset offset(points[first[i]], origin);
         n += 1.0;
         x += offset.x;
         y += offset.y;
         xx += offset.x * offset.x;
         xy += offset.x * offset.y;
         yy += offset.y * offset.y;
-    }
+    });
     // The axis lies at half the angle of this vector.
     const double difference = (xx - x * x / n) - (yy - y * y / n);
     const double twice = 2.0 * (xy - x * y / n);
@@ -73,15 +73,15 @@ OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const
     double high = 0.0;
     double left = 0.0;
     double right = 0.0;
-    for (SampledNumbers i(step, last - first); !i.isAtEnd(); ++i) {
-        const Offset offset(points[first[*i]], origin);
+    forEachSampled(step, last - first, [&](ptrdiff_t i) {
+        const Offset offset(points[first[i]], origin);
         const double along = ax * offset.x + ay * offset.y;
         const double across = ax * offset.y - ay * offset.x;
         low = std::min(low, along);
         high = std::max(high, along);
         left = std::min(left, across);
         right = std::max(right, across);
-    }
+    });
     const double middle = 0.5 * (low + high);
     const double centre = 0.5 * (left + right);
     OrientedBox box;

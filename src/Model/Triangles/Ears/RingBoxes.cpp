@@ -3,6 +3,8 @@
 #include "Triangles/Ears/NodeSplit.h"
 #include "Triangles/Ears/OrientedBox.h"
 
+#include <QtCore/QtAlgorithms>
+
 #include <algorithm>
 #include <numeric>
 
@@ -82,20 +84,14 @@ int *RingBoxes::split(int *first, int *last, bool isAcross)
 /// far beyond the ends of a sliver.
 int RingBoxes::push(const Node &node, unsigned children, Float4 distances, int *waiting, int count)
 {
-    int nearest = -1;
-    for (int child = 0; child < node.childCount; ++child) {
-        if ((children >> child & 1u) == 0)
-            continue;
-        if (nearest >= 0 && !(distances[child] < distances[nearest])) {
-            waiting[count++] = node.children[child];
-            continue;
-        }
-        if (nearest >= 0)
-            waiting[count++] = node.children[nearest];
-        nearest = child;
+    unsigned nearest = qCountTrailingZeroBits(children);
+    for (children &= children - 1; children != 0; children &= children - 1) {
+        const unsigned child = qCountTrailingZeroBits(children);
+        const bool isNearer = distances[child] < distances[nearest];
+        waiting[count++] = node.children[isNearer ? nearest : child];
+        nearest = isNearer ? child : nearest;
     }
-    if (nearest >= 0)
-        waiting[count++] = node.children[nearest];
+    waiting[count++] = node.children[nearest];
     return count;
 }
 

@@ -5,6 +5,7 @@
 #include "Triangles/Ears/Sampling.h"
 #include "Triangles/Ears/TriangleReach.h"
 
+#include <QtCore/QtAlgorithms>
 #include <QtGui/QVector2D>
 
 #include <vector>
@@ -110,7 +111,7 @@ int RingBoxes::leafAtRandom(const Reach &reach, QuickRandom &random) const
 template <typename Reach, typename Visit>
 bool RingBoxes::anyLeaf(const Reach &reach, Visit visit) const
 {
-    constexpr int ManyLeaves = 64;
+    constexpr int ManyLeaves = 16;
     constexpr int Growth = 3;
     // A split halves, so that the depth is that of the number of points in base 4, and
     // every level leaves at most three children waiting.
@@ -125,8 +126,10 @@ bool RingBoxes::anyLeaf(const Reach &reach, Visit visit) const
         if (next >= 0) {
             const Node &node = _nodes[static_cast<size_t>(next)];
             const unsigned children = childrenWithin(node, reach);
-            if (children != 0)
+            if ((children & (children - 1)) != 0)
                 count = push(node, children, reach.distances(node.boxes), waiting, count);
+            else if (children != 0)
+                waiting[count++] = node.children[qCountTrailingZeroBits(children)];
             continue;
         }
         if (visit(LeafSize * ~next))

@@ -59,4 +59,17 @@ private:
     QuickRandom _random;
 };
 
+/// Calls `look(number)` for SampledNumbers. All numbers need none of their bookkeeping.
+template <typename Look>
+void forEachSampled(std::ptrdiff_t step, std::ptrdiff_t count, Look look)
+{
+    if (step > 1) {
+        for (SampledNumbers i(step, count); !i.isAtEnd(); ++i)
+            look(*i);
+        return;
+    }
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        look(i);
+}
+
 } // namespace Halvard::Orv

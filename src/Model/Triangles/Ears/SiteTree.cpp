@@ -94,9 +94,10 @@ int SiteTree::blockerAmongNear(const CornerTriangle &triangle, const TriangleRea
 /// The first site that blocks among those in slots whose bits are set.
 int SiteTree::blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle) const
 {
-    for (; within != 0; ++slot, within >>= 1) {
-        if ((within & 1u) != 0 && triangle.isBlockedBy({_x[slot], _y[slot]}))
-            return _siteAt[slot];
+    for (; within != 0; within &= within - 1) {
+        const size_t at = slot + qCountTrailingZeroBits(within);
+        if (triangle.isBlockedBy({_x[at], _y[at]}))
+            return _siteAt[at];
     }
     return NoSite;
 }
