@@ -46,6 +46,8 @@ void BlockerSearch::makeSites(QVector2D const *points, int count)
     }
     if (_points.size() >= FewPoints)
         joinCoincidentCorners(points);
+    _tree.reset(_points.size());
+    _nearTree.reset(_points.size());
 }
 
 void BlockerSearch::addSite(int corner, QVector2D point)
@@ -106,8 +108,7 @@ void BlockerSearch::remove(int corner)
     if (site == NoSite || --cornersAt(site) > 0)
         return;
     _tree.remove(site);
-    if (_hasBoxes)
-        _nearTree.remove(site);
+    _nearTree.remove(site);
     --_activeSites;
     if (_activeSites > FewestToPlace && 2 * _activeSites < static_cast<int>(_placed.size()))
         place();

@@ -75,12 +75,12 @@ OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const
     double right = 0.0;
     forEachSampled(step, last - first, [&](ptrdiff_t i) {
         const Offset offset(points[first[i]], origin);
-        const double along = ax * offset.x + ay * offset.y;
-        const double across = ax * offset.y - ay * offset.x;
-        low = std::min(low, along);
-        high = std::max(high, along);
-        left = std::min(left, across);
-        right = std::max(right, across);
+        const double u = ax * offset.x + ay * offset.y;
+        const double v = ax * offset.y - ay * offset.x;
+        low = std::min(low, u);
+        high = std::max(high, u);
+        left = std::min(left, v);
+        right = std::max(right, v);
     });
     const double middle = 0.5 * (low + high);
     const double centre = 0.5 * (left + right);

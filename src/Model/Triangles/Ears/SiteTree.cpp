@@ -16,6 +16,11 @@ static_assert(RingBoxes::LeafSize == 2 * Lanes, "a leaf is looked at in two step
 
 } // namespace
 
+void SiteTree::reset(size_t siteCount)
+{
+    _slots.assign(siteCount, NoSlot);
+}
+
 void SiteTree::place(const std::vector<int> &sites, const std::vector<QVector2D> &points,
                      bool hasBoxes, RingBoxes::Splits splits)
 {
@@ -31,7 +36,6 @@ void SiteTree::place(const std::vector<int> &sites, const std::vector<QVector2D>
     _x.assign(slotCount, Gone);
     _y.assign(slotCount, Gone);
     _siteAt.resize(slotCount);
-    _slots.assign(points.size(), NoSlot);
     for (size_t slot = 0; slot < sites.size(); ++slot) {
         const size_t at = hasBoxes ? static_cast<size_t>(_boxes.order()[slot]) : slot;
         const int site = sites[at];
@@ -44,8 +48,6 @@ void SiteTree::place(const std::vector<int> &sites, const std::vector<QVector2D>
 
 void SiteTree::remove(int site)
 {
-    if (isEmpty())
-        return;
     const int slot = _slots[static_cast<size_t>(site)];
     if (slot != NoSlot)
         _x[static_cast<size_t>(slot)] = Gone;
@@ -64,14 +66,14 @@ int SiteTree::blockerAmongAll(const CornerTriangle &triangle, const TriangleReac
 
 int SiteTree::blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach) const
 {
+    const auto within = [&](size_t slot) {
+        return reach.farPointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
+    };
     int blocker = NoSite;
     _boxes.anyLeaf(FarReach(triangle, reach), [&](int first) {
         const size_t slot = static_cast<size_t>(first);
-        const unsigned within =
-            reach.farPointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot])) |
-            reach.farPointsWithin(loadFour(&_x[slot + Lanes]), loadFour(&_y[slot + Lanes]))
-                << Lanes;
-        blocker = blockerInSlots(slot, within, triangle);
+        const unsigned found = within(slot) | within(slot + Lanes) << Lanes;
+        blocker = blockerInSlots(slot, found, triangle);
         return blocker != NoSite;
     });
     return blocker;
@@ -79,13 +81,14 @@ int SiteTree::blockerAmongFar(const CornerTriangle &triangle, const TriangleReac
 
 int SiteTree::blockerAmongNear(const CornerTriangle &triangle, const TriangleReach &reach) const
 {
+    const auto within = [&](size_t slot) {
+        return reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
+    };
     int blocker = NoSite;
     _boxes.anyLeaf(NearReach(reach), [&](int first) {
         const size_t slot = static_cast<size_t>(first);
-        const unsigned within =
-            reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot])) |
-            reach.pointsWithin(loadFour(&_x[slot + Lanes]), loadFour(&_y[slot + Lanes])) << Lanes;
-        blocker = blockerInSlots(slot, within, triangle);
+        const unsigned found = within(slot) | within(slot + Lanes) << Lanes;
+        blocker = blockerInSlots(slot, found, triangle);
         return blocker != NoSite;
     });
     return blocker;

@@ -17,6 +17,10 @@ constexpr int NoSite = -1;
 class SiteTree
 {
 public:
+    /// Forgets what was placed: other sites follow.
+    void reset(size_t siteCount);
+
+    /// Places sites, or, of those that were, the ones that are left.
     /// \param sites ascending.
     /// \param points by number of the site.
     /// \param hasBoxes whether to build the tree of boxes, without which all are looked at.
