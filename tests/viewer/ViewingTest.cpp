@@ -11,6 +11,7 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QDockWidget>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -46,6 +47,8 @@ protected:
     {
         files.write(QStringLiteral("m.mtl"), "newmtl red\nKd 1 0 0\nnewmtl blue\nKd 0 0 1\n");
         window().resize(900, 640);
+        for (QDockWidget *panel : window().findChildren<QDockWidget *>())
+            panel->hide();
         openModel(TwoSquares);
         showPlainly();
         QTest::keyClick(&window(), Qt::Key_1);
@@ -101,9 +104,10 @@ TEST_F(ViewingTest, EachShadingShowsWhatItSays)
     // Eight fields a unit: both places are in the middle of light ones. Redder along u.
     const QColor near = colourOf({0.3125f, 0.3125f, 0});
     const QColor far = colourOf({0.8125f, 0.3125f, 0});
-    EXPECT_EQ(near.red(), near.green());
+    // Of the pixel's middle, which is not quite the place.
+    EXPECT_NEAR(near.red(), near.green(), 2);
     EXPECT_GT(far.red(), far.green() + 30);
-    EXPECT_EQ(far.green(), near.green());
+    EXPECT_NEAR(far.green(), near.green(), 2);
 
     press(Qt::Key_C, Render::Shading::Groups);
     const QColor one = colourOf(red);
