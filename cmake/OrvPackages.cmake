@@ -79,6 +79,8 @@ if(TARGET orv-view)
     "window that shows Wavefront OBJ models and their faults"
     "orv-view shows models as they are drawn by libOrvModel, and what in their files\nwill not do what is expected."
     orv_viewer)
+  # Thumbnails are drawn by orv.
+  set(CPACK_DEBIAN_VIEWER_PACKAGE_RECOMMENDS orvmodel-tools)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS "${orv_library_package} (= ${orv_debian_version})")
 endif()
 
