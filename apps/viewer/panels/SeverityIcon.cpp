@@ -31,7 +31,7 @@ void paintWarning(QPainter &painter)
 
 void paintHint(QPainter &painter)
 {
-    painter.setPen(Qt::NoPen);
+    painter.setPen(QPen(Qt::white, 1)); // or it is lost on the blue of chosen rows
     painter.setBrush(QColor(0x3b, 0x82, 0xd6));
     painter.drawRoundedRect(QRectF(1.5, 1.5, 13, 13), 3, 3);
     painter.setPen(QPen(Qt::white, 2, Qt::SolidLine, Qt::RoundCap));
