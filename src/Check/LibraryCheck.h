@@ -77,7 +77,7 @@ private:
     const CheckOptions &_options;
     TextureProbe _textures;
     QSet<QString> _read; // paths as given, and canonical: one file has many names
-    QHash<QString, QMap<QString, QString>> _records;   // by material
+    QMap<QString, QMap<QString, QString>> _records;    // by material
     std::vector<std::pair<Tally *, int>> _ofMaterials; // findings, and whose they are
     QHash<int, int> _unknownKeywords;                  // their number by file
 

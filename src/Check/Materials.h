@@ -2,7 +2,7 @@
 /// The materials of a model, and the faces that use them.
 #pragma once
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QVector>
 #include <QtGui/QVector3D>
@@ -62,7 +62,7 @@ public:
 
 private:
     std::vector<Material> _materials;
-    QHash<QString, int> _numbers;
+    QMap<QString, int> _numbers;
 };
 
 } // namespace Halvard::Orv::Checking

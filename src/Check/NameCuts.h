@@ -5,7 +5,7 @@
 #include "FindingTable.h"
 #include "Materials.h"
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 
 namespace Halvard::Orv::Checking {
 
@@ -32,7 +32,7 @@ private:
 
     FindingTable &_findings;
     const Materials &_materials;
-    QHash<QString, Cut> _cuts; // by the word that is read
+    QMap<QString, Cut> _cuts; // by the word that is read
 };
 
 } // namespace Halvard::Orv::Checking

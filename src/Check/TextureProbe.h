@@ -4,7 +4,7 @@
 
 #include <OrvCheck/ModelCheck.h>
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 
 #include <utility>
@@ -51,7 +51,7 @@ private:
     CheckOptions _options;
     qint64 _pixels = 0; // decoded so far
     int _searches = 0;  // for files that are missing
-    QHash<QString, TextureTrouble> _known;
+    QMap<QString, TextureTrouble> _known;
 };
 
 /// What a map line says after its options, such as "-s 2 2 1"; all of it where it begins with

@@ -11,6 +11,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -120,10 +121,10 @@ private:
     LibraryLines _lines;
     std::vector<Library> _libraries;
     std::vector<Reference> _references;
-    QHash<QString, int> _numbers; // of libraries, by canonical path
-    QHash<QString, int> _owners;  // first reference that defines a material
-    QSet<QString> _textured;      // names of materials
-    QSet<qint64> _late;           // lines of references that move
+    QMap<QString, int> _numbers; // of libraries, by canonical path
+    QMap<QString, int> _owners;  // first reference that defines a material
+    QSet<QString> _textured;     // names of materials
+    QSet<qint64> _late;          // lines of references that move
     std::vector<Output> _outputs;
     std::optional<QStringList> _replaced; // libraries of the model that the output replaces
     QString _newLibrary;                  // name of one made for definitions alone

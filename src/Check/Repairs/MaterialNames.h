@@ -3,7 +3,7 @@
 /// that it reads whole.
 #pragma once
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -45,12 +45,12 @@ private:
 
     QStringList _definitionsInOrder;
     QStringList _usesInOrder;
-    QHash<QString, QString> _definitions; // names by what is written
-    QHash<QString, QString> _uses;
-    QHash<QString, QString> _ofWords; // by the word that the loader reads: the first definition
-    QHash<QString, QString> _fresh;   // new names by what is written
+    QMap<QString, QString> _definitions; // names by what is written
+    QMap<QString, QString> _uses;
+    QMap<QString, QString> _ofWords; // by the word that the loader reads: the first definition
+    QMap<QString, QString> _fresh;   // new names by what is written
     QSet<QString> _taken;
-    QHash<QString, int> _numbers; // last one added to a name
+    QMap<QString, int> _numbers; // last one added to a name
 };
 
 /// Whether a "newmtl" line of that name defines it.

@@ -6,7 +6,7 @@
 #include "Reading/OBJLines.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -83,7 +83,7 @@ private:
     void takeMaterial(const OBJLines &lines);
     void takeValue(AttributeSurvey &attribute, const OBJLines &lines);
 
-    QHash<QString, int> _numbers; // of materials
+    QMap<QString, int> _numbers; // of materials
     int _material = -1;
     qint64 _materialLine = 0; // that selects it
 };
