@@ -101,6 +101,20 @@ TEST(PointNeighbours, FindsNeighboursFarOut)
     }
 }
 
+/// Across the direction of sorting, hundreds come to about the same place, the two of a pair
+/// far from each other.
+TEST(PointNeighbours, FindsNeighboursAcrossTheDirectionOfSorting)
+{
+    Points points;
+    for (int i = 0; i < 200; ++i) {
+        const auto x = static_cast<float>(-0.59444776 * i / 200);
+        const auto y = static_cast<float>(0.80412737 * i / 200);
+        points.emplace_back(x, y);
+        points.emplace_back(x + 6e-7f, y);
+    }
+    EXPECT_EQ(withNeighbours(points), allNumbers(points));
+}
+
 /// There may be more: where very many are about as far along the direction of sorting, not
 /// all are looked at.
 TEST(PointNeighbours, MissesNoneThatIsNear)
