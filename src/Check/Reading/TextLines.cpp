@@ -72,11 +72,12 @@ private:
 
 bool TextLine::hasInnerReturn() const
 {
-    const auto size = static_cast<size_t>(end - begin);
+    // Bytes that begin a character and end the file count, too: further lines may come behind them.
+    const auto size = static_cast<size_t>(next - begin);
     const void *const found = size > 0 ? std::memchr(begin, '\r', size) : nullptr;
     // At the line's end they are no part of it: another character follows.
-    const auto isText = [](char c) { return c != '\r' && c != ' ' && c != '\t'; };
-    return found && std::any_of(static_cast<const char *>(found), end, isText);
+    const auto isText = [](char c) { return c != '\r' && c != '\n' && c != ' ' && c != '\t'; };
+    return found && std::any_of(static_cast<const char *>(found), next, isText);
 }
 
 TextLines::TextLines(QIODevice &device, const Limits &limits) : _device(device), _limits(limits)
