@@ -60,14 +60,21 @@ QString fileOf(const QMimeData &data)
 QString factsOf(const ModelDetails &details)
 {
     const QLocale locale;
-    const QString text = MainWindow::tr("%1 triangles, %2 vertices, %3 materials")
-                             .arg(locale.toString(qulonglong(details.report.triangles)),
-                                  locale.toString(qulonglong(details.report.vertices)),
-                                  locale.toString(qulonglong(details.materials.size())));
+    const auto counted = [&locale](quint64 count, const QString &one, const QString &many) {
+        return locale.toString(count) + QLatin1Char(' ') + (count == 1 ? one : many);
+    };
+    const QString text =
+        counted(details.report.triangles, MainWindow::tr("triangle"), MainWindow::tr("triangles")) +
+        QStringLiteral(", ") +
+        counted(details.report.vertices, MainWindow::tr("vertex"), MainWindow::tr("vertices")) +
+        QStringLiteral(", ") +
+        counted(quint64(details.materials.size()), MainWindow::tr("material"),
+                MainWindow::tr("materials"));
     const quint64 lost = details.report.faces - details.report.facesDrawn;
-    return lost == 0 ? text
-                     : MainWindow::tr("%1; %2 faces are not drawn")
-                           .arg(text, locale.toString(qulonglong(lost)));
+    return lost == 0
+               ? text
+               : MainWindow::tr("%1; %2 not drawn")
+                     .arg(text, counted(lost, MainWindow::tr("face"), MainWindow::tr("faces")));
 }
 
 } // namespace
