@@ -1,6 +1,5 @@
 #include "support/Fuzzing.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QTextCodec>
 #include <QtCore/QtGlobal>
 
@@ -22,12 +21,10 @@ unsigned choiceOf(const QByteArray &text)
 
 } // namespace OrvFuzz
 
-/// An input must do the same each time and on every machine: no seed of the day in
-/// the order of material groups, no locale, and no messages, which would cost more
-/// than what is tested.
+/// An input must do the same each time and on every machine: no locale, and no messages,
+/// which would cost more than what is tested.
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    qSetGlobalQHashSeed(0);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     return 0;
