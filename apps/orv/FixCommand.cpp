@@ -98,6 +98,9 @@ ExitStatus fixCommand(const QStringList &arguments)
     QString output = line.value(QStringLiteral("output"));
     if (output.isEmpty() && (!isDryRun || line.isSet(QStringLiteral("output"))))
         return line.wrongUsage(QStringLiteral("The output file has no name: give '-o OUT.obj'."));
+    if (output == QLatin1String("-"))
+        return line.wrongUsage(QStringLiteral("A mended model needs a file: its material library "
+                                              "is written beside it, give '-o OUT.obj'."));
     if (output.isEmpty())
         output = supposedOutput(line.model());
     return fix(line.model(), output, isDryRun);

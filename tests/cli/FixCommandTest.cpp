@@ -152,6 +152,10 @@ TEST_F(FixCommandTest, WantsAnOutput)
         EXPECT_EQ(run.status, 2);
         EXPECT_THAT(run.err.toStdString(), StartsWith("orv: The output file has no name"));
     }
+    const OrvRun run = runOrv({Fix, _broken, Output, QStringLiteral("-")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err.toStdString(), StartsWith("orv: A mended model needs a file"));
+    EXPECT_FALSE(QFile::exists(QStringLiteral("-")));
 }
 
 } // namespace
