@@ -1,13 +1,13 @@
 #include "TextureCache.h"
 
+#include "SharedTasks.h"
+
 #include <OrvGL/Texture.h>
 #include <OrvModel/TexturePreparing.h>
 
 #include <SimilarFiles.h>
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QRunnable>
-#include <QtCore/QSemaphore>
 #include <QtCore/QThreadPool>
 #include <QtCore/QtDebug>
 
@@ -47,28 +47,6 @@ void warnWithout(const QString &path, const QString &reason)
     // Names with a zero byte have to come out whole.
     qWarning().noquote()
         << QStringLiteral("The texture '%1' %2; drawn without it.").arg(path, reason);
-}
-
-/// Does something for each of some items, on the calling thread and on those that a pool has idle.
-template <typename Item, typename Work>
-void share(const std::vector<Item> &items, QThreadPool *pool, const Work &work)
-{
-    QSemaphore done;
-    int given = 0;
-    for (size_t i = 1; i < items.size(); ++i) {
-        auto *const task = QRunnable::create([&work, &done, item = items[i]] {
-            work(item);
-            done.release();
-        });
-        ++given;
-        if (pool && pool->tryStart(task)) // which deletes it
-            continue;
-        task->run();
-        delete task;
-    }
-    if (!items.empty())
-        work(items.front());
-    done.acquire(given);
 }
 
 } // namespace
@@ -174,8 +152,9 @@ bool TextureCache::decode(const std::vector<Image *> &images, QThreadPool *pool,
         options.mostOnASide = _settings.mostOnASide;
         options.convertsTo32Bits = true;
         options.mostPixels = std::min(options.mostPixels, _settings.mostPixels - _pixels);
-        share(batch, pool,
-              [&options](Image *image) { image->prepared = prepareTexture(image->path, options); });
+        shareTasks(batch.size(), pool, [&](std::size_t i) {
+            batch[i]->prepared = prepareTexture(batch[i]->path, options);
+        });
         for (Image *image : batch)
             admit(*image);
     }
