@@ -63,12 +63,14 @@ void hold(const QString &text)
 
 /// What the PNG reader has to say of colour profiles and the like changes nothing. Where it
 /// cannot read an image, somebody else says so with the name of the file. Where no thread can be
-/// started, the calling one does the work.
+/// started, the calling one does the work. A name with a zero byte is that of no file, which is
+/// said with the name.
 bool isOfNoConsequence(const QString &text)
 {
     return text.startsWith(QLatin1String("libpng ")) ||
            text.startsWith(QLatin1String("QImage: out of memory")) ||
-           text.startsWith(QLatin1String("QThread::start: Thread "));
+           text.startsWith(QLatin1String("QThread::start: Thread ")) ||
+           text == QLatin1String("Broken filename passed to function");
 }
 
 void handle(QtMsgType type, const QMessageLogContext &, const QString &text)

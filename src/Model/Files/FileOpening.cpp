@@ -93,8 +93,7 @@ FileTrouble openNative(QFile &file, QIODevice::OpenMode mode)
 
 FileTrouble openWithoutWaiting(QFile &file, QIODevice::OpenMode mode)
 {
-    // The system would cut a name at a zero byte; Qt refuses it, but complains of the caller.
-    if (file.fileName().contains(QChar::Null) || !file.exists())
+    if (!file.exists()) // also names that the system would cut at a zero byte
         return FileTrouble::Missing;
     const QFileInfo info(file);
 #ifdef Q_OS_UNIX
