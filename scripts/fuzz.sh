@@ -49,6 +49,8 @@ case $mode in
   --replay)
     seconds=$replay_seconds
     mode_options=("${replay_options[@]}")
+    # Of what is run every time, a busy machine is not to make a finding.
+    limits+=(-timeout=60)
     jobs=$(job_count)
     ;;
   *)
