@@ -5,12 +5,12 @@
 #include "FindingTable.h"
 #include "Materials.h"
 #include "NameCuts.h"
+#include "NameSet.h"
 #include "Reading/MTLLines.h"
 #include "TextureProbe.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QMap>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 
 #include <memory>
@@ -76,7 +76,7 @@ private:
     NameCuts &_names;
     const CheckOptions &_options;
     TextureProbe _textures;
-    QSet<QString> _read; // paths as given, and canonical: one file has many names
+    NameSet _read; // paths as given, and canonical: one file has many names
     QMap<QString, QMap<QString, QString>> _records;    // by material
     std::vector<std::pair<Tally *, int>> _ofMaterials; // findings, and whose they are
     QHash<int, int> _unknownKeywords;                  // their number by file

@@ -239,7 +239,7 @@ void LibraryPlan::settleMaterials()
 {
     bool isLate = false;
     QStringList definitions;
-    QSet<QString> defined;
+    NameSet defined;
     for (const MaterialUse &use : _survey.materials) {
         const QString name = _names.ofUse(use.written);
         if (use.firstFace == 0 || name == DefaultMaterial)

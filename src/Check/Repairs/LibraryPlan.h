@@ -3,6 +3,7 @@
 /// names them from now on.
 #pragma once
 
+#include "NameSet.h"
 #include "Repairs/LibraryRepair.h"
 #include "Repairs/MaterialNames.h"
 #include "Repairs/MendedText.h"
@@ -123,7 +124,7 @@ private:
     std::vector<Reference> _references;
     QMap<QString, int> _numbers; // of libraries, by canonical path
     QMap<QString, int> _owners;  // first reference that defines a material
-    QSet<QString> _textured;     // names of materials
+    NameSet _textured;           // names of materials
     QSet<qint64> _late;          // lines of references that move
     std::vector<Output> _outputs;
     std::optional<QStringList> _replaced; // libraries of the model that the output replaces

@@ -2,6 +2,7 @@
 /// One material library: what it defines, and its text with what is wrong with it mended.
 #pragma once
 
+#include "NameSet.h"
 #include "Reading/MTLLines.h"
 #include "Repairs/MaterialNames.h"
 #include "Repairs/RepairLog.h"
@@ -9,7 +10,6 @@
 #include "TextureProbe.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QTextCodec>
@@ -42,7 +42,7 @@ public:
     /// As written, one for each "newmtl" line, in order.
     const QStringList &names() const { return _names; }
     /// Those of them whose section has a texture.
-    const QSet<QString> &textured() const { return _textured; }
+    const NameSet &textured() const { return _textured; }
 
     /// Whether the library's encoding has all letters of a name. To be asked after readNames().
     bool canWrite(const QString &name) const { return _codec && _codec->canEncode(name); }
@@ -77,7 +77,7 @@ private:
     const QString _path;
     const QString _shown;
     QStringList _names;
-    QSet<QString> _textured;
+    NameSet _textured;
     const QTextCodec *_codec = nullptr; // of the mended text
     QHash<qint64, QString> _opacities;  // for "Tr" lines, by number
     const RepairOptions &_options;

@@ -3,8 +3,9 @@
 /// that it reads whole.
 #pragma once
 
+#include "NameSet.h"
+
 #include <QtCore/QMap>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -49,7 +50,7 @@ private:
     QMap<QString, QString> _uses;
     QMap<QString, QString> _ofWords; // by the word that the loader reads: the first definition
     QMap<QString, QString> _fresh;   // new names by what is written
-    QSet<QString> _taken;
+    NameSet _taken;
     QMap<QString, int> _numbers; // last one added to a name
 };
 
