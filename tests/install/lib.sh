@@ -47,7 +47,7 @@ expect_relocatable() {
   done
   while IFS= read -r -d '' file; do
     # shellcheck disable=SC2016  # the linker reads $ORIGIN
-    readelf -d "$file" 2>/dev/null | grep -E 'R(UN)?PATH' | grep -qv '\[\$ORIGIN[^:]*\]' &&
+    readelf -d "$file" 2>/dev/null | grep -E 'R(UN)?PATH' | grep -v '\[\$ORIGIN[^:]*\]' >/dev/null &&
       fail "$file has the run path $(readelf -d "$file" | grep -E 'R(UN)?PATH')"
   done < <(find "$prefix" -type f \( -name '*.so*' -o -path '*/bin/*' \) -print0)
   return 0

@@ -22,7 +22,7 @@ orv render samples/generated_normals.obj -o by-orv.png
 passed "checking and rendering"
 # The base root may be told to leave manuals out.
 for page in orv.1 orv-render.1 orv-check.1; do
-  dpkg-deb -c debs/orvmodel-tools_*.deb | grep -q "/man1/$page.gz$" || fail "there is no manual page $page"
+  dpkg-deb -c debs/orvmodel-tools_*.deb | grep "/man1/$page.gz$" >/dev/null || fail "there is no manual page $page"
 done
 bash -c 'source /usr/share/bash-completion/completions/orv.bash
   COMP_WORDS=(orv render --sh) COMP_CWORD=2; _orv; [[ ${COMPREPLY[*]} == --shading ]]' ||
@@ -30,7 +30,7 @@ bash -c 'source /usr/share/bash-completion/completions/orv.bash
 passed "manual pages and completion"
 if compgen -G 'debs/orvmodel-view_*.deb' >/dev/null; then
   install ./debs/orvmodel-view_*.deb
-  QT_QPA_PLATFORM=offscreen orv-view --version | grep -qx "orv-view .*" || fail "orv-view does not start"
+  QT_QPA_PLATFORM=offscreen orv-view --version | grep -x "orv-view .*" >/dev/null || fail "orv-view does not start"
   passed "the window's program"
 fi
 
