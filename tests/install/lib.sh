@@ -70,13 +70,16 @@ use_package() {
   quietly cmake -G Ninja -S "$source_dir/tests/install/consumer" -B "$work_dir/by-cmake" \
     "-DCMAKE_PREFIX_PATH=$list"
   quietly cmake --build "$work_dir/by-cmake"
-  expect_consumer "$work_dir/by-cmake/consumer" "$kind" "$source_dir"
 
   path='' pc_path=''
   for prefix in "$@"; do
     path+=${path:+:}$prefix/$libdir
     pc_path+=${pc_path:+:}$prefix/$libdir/pkgconfig
   done
+  # A run path leads to what a program itself takes, not to what its libraries take elsewhere.
+  LD_LIBRARY_PATH=$([[ $# -eq 1 ]] || printf '%s' "$path") \
+    expect_consumer "$work_dir/by-cmake/consumer" "$kind" "$source_dir"
+
   local static=()
   [[ $kind == shared ]] || static=(--static)
   # Qt is built such that programs have to be position independent.
