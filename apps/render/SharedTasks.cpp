@@ -13,8 +13,8 @@ namespace Halvard::Orv::Render {
 
 namespace {
 
-/// What the threads of one call share. A helper that comes late finds it closed, and does not touch
-/// the task, which is gone by then.
+/// What the threads of one call share. A helper that comes late finds no task left, and does not
+/// touch the function, which is gone by then.
 class Crew
 {
 public:

@@ -155,8 +155,7 @@ FindingTexts ofMaterial(const Tally &t)
         if (t.severity == FindingSeverity::Warning)
             return {text("The material has no name."),
                     text("The line is passed over: what follows changes the material before it, if "
-                         "there "
-                         "is one."),
+                         "there is one."),
                     text("Give the material a name.")};
         return {text("The line selects a material without a name."), notDrawn(t.faces),
                 text("Name a material.")};
