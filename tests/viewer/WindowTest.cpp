@@ -63,29 +63,27 @@ void WindowTest::openModel(const QByteArray &contents)
 
 void WindowTest::showsAfter(const std::function<void()> &action)
 {
-    bool isShown = false;
-    QString sentence;
-    QObject context;
-    QObject::connect(&window(), &MainWindow::modelShown, &context, [&] { isShown = true; });
-    QObject::connect(&window(), &MainWindow::loadFailed, &context,
-                     [&](const QString &text) { sentence = text; });
-    action();
-    waitFor([&] { return isShown || !sentence.isEmpty(); }, "the model");
-    EXPECT_EQ(sentence, QString());
+    EXPECT_EQ(endOfLoadAfter(action).value_or(QString()), QString());
 }
 
 QString WindowTest::failsAfter(const std::function<void()> &action)
 {
+    const std::optional<QString> sentence = endOfLoadAfter(action);
+    EXPECT_TRUE(sentence) << "a model is shown";
+    return sentence.value_or(QString());
+}
+
+std::optional<QString> WindowTest::endOfLoadAfter(const std::function<void()> &action)
+{
     bool isShown = false;
-    QString sentence;
+    std::optional<QString> sentence;
     QObject context;
     QObject::connect(&window(), &MainWindow::modelShown, &context, [&] { isShown = true; });
     QObject::connect(&window(), &MainWindow::loadFailed, &context,
                      [&](const QString &text) { sentence = text; });
     action();
-    waitFor([&] { return isShown || !sentence.isEmpty(); }, "a failure");
-    EXPECT_FALSE(isShown);
-    return sentence;
+    waitFor([&] { return isShown || sentence; }, "the end of the load");
+    return isShown ? std::nullopt : sentence;
 }
 
 QString WindowTest::notice() const

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <viewer/MainWindow.h>
 #include <viewer/Viewport.h>
 #include <viewer/WindowActions.h>
@@ -58,6 +59,10 @@ protected:
     TemporaryModel files;
 
 private:
+    /// Does something and waits. \return the sentence of a load that fails; nothing of one that does
+    ///         not.
+    std::optional<QString> endOfLoadAfter(const std::function<void()> &action);
+
     QTemporaryDir _folder;
     std::unique_ptr<QSettings> _settings;
     std::unique_ptr<Halvard::Orv::Viewer::MainWindow> _window;
