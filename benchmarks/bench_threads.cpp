@@ -2,9 +2,10 @@
 //
 //     bench_threads [--threads 1,2,4] [--repeat N] FILE.obj...
 //
-// For each file and number of threads, in turns: wall and CPU milliseconds of reading and of
-// preparing, the least of N rounds, and the stages' wall time in the fastest round. Nothing
-// is uploaded. What is prepared must be the same for all numbers of threads.
+// For each file and number of threads, in turns: wall milliseconds, the median and the least
+// of N rounds, and CPU milliseconds; those of reading and of preparing, the least of each; and
+// the stages' wall time in the fastest round. Nothing is uploaded. What is prepared must be the
+// same for all numbers of threads.
 #include "Libraries/MaterialLibraries.h"
 #include "Preparing/GeometryPreparing.h"
 #include "Reports/CurrentReport.h"
@@ -56,6 +57,7 @@ struct Times
     double prepareCPU = 1e9;
     double allWall = 1e9;
     double allCPU = 1e9;
+    std::vector<double> walls;
     PreparationReport::Stages stages; ///< of the round with the least wall time
 };
 
@@ -117,6 +119,7 @@ quint64 load(const QString &fileName, int threads, Times &times)
     times.prepareWall = std::min(times.prepareWall, end.wall - read.wall);
     times.prepareCPU = std::min(times.prepareCPU, end.cpu - read.cpu);
     times.allCPU = std::min(times.allCPU, end.cpu - begin.cpu);
+    times.walls.push_back(end.wall - begin.wall);
     if (end.wall - begin.wall < times.allWall) {
         times.allWall = end.wall - begin.wall;
         times.stages = report.stages;
@@ -124,12 +127,19 @@ quint64 load(const QString &fileName, int threads, Times &times)
     return digest(prepared);
 }
 
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 void print(const QString &fileName, int threads, const Times &times)
 {
-    std::printf("%-16s %7d  %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f %6.1f\n",
-                qUtf8Printable(QFileInfo(fileName).completeBaseName()), threads, times.allWall,
-                times.allCPU, times.readWall, times.readCPU, times.prepareWall, times.prepareCPU,
-                1e-6 * static_cast<double>(times.stages.weld),
+    std::printf("%-16s %7d  %6.1f %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f %6.1f\n",
+                qUtf8Printable(QFileInfo(fileName).completeBaseName()), threads,
+                median(times.walls), times.allWall, times.allCPU, times.readWall, times.readCPU,
+                times.prepareWall, times.prepareCPU, 1e-6 * static_cast<double>(times.stages.weld),
                 1e-6 * static_cast<double>(times.stages.triangulate),
                 1e-6 * static_cast<double>(times.stages.normals));
 }
@@ -158,8 +168,8 @@ int main(int argc, char *argv[])
         else
             files.append(QFile::decodeName(argv[i]));
     }
-    std::printf("%-16s %7s  %6s %6s  %6s %6s  %6s %6s  %6s %6s %6s\n", "ms", "threads", "all",
-                "CPU", "read", "CPU", "prep.", "CPU", "weld", "tri.", "norm.");
+    std::printf("%-16s %7s  %6s %6s %6s  %6s %6s  %6s %6s  %6s %6s %6s\n", "ms", "threads",
+                "median", "least", "CPU", "read", "CPU", "prep.", "CPU", "weld", "tri.", "norm.");
     bool same = true;
     for (const QString &file : qAsConst(files)) {
         std::map<int, Times> times;

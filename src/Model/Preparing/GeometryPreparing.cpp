@@ -255,7 +255,7 @@ private:
         WorkSteps steps{{WorkStage::Normals, 0.0, 0.9}, TaskRange::taskCount(size, indexCount)};
         if (!_inParallel) {
             VertexNormalSums sums = startNormals();
-            _work.forEach(steps.part, steps.count, [&](size_t task) {
+            _work.forEachInOrder(steps.part, steps.count, [&](size_t task) {
                 const TaskRange range(task, size, indexCount);
                 sums.add(indices + range.begin, range.end - range.begin);
             });

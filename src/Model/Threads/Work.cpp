@@ -212,8 +212,8 @@ void Work::together(unsigned helperCount, const std::function<void(bool isCaller
         std::rethrow_exception(failure);
 }
 
-void Work::forEachAlone(const StagePart &part, size_t count,
-                        const std::function<void(size_t)> &task)
+void Work::forEachInOrder(const StagePart &part, size_t count,
+                          const std::function<void(size_t)> &task)
 {
     _isStopping = false;
     for (size_t number = 0; number < count; ++number) {
@@ -226,7 +226,7 @@ void Work::forEachAlone(const StagePart &part, size_t count,
 void Work::forEach(const StagePart &part, size_t count, const std::function<void(size_t)> &task)
 {
     if (isAlone() || count <= 1)
-        return forEachAlone(part, count, task);
+        return forEachInOrder(part, count, task);
 
     std::atomic<size_t> next{0};
     std::mutex mutex;

@@ -80,6 +80,10 @@ public:
     /// calling thread is alone.
     void forEach(const StagePart &part, size_t count, const std::function<void(size_t)> &task);
 
+    /// The same on the calling thread only, in this order: for tasks that count on each other.
+    void forEachInOrder(const StagePart &part, size_t count,
+                        const std::function<void(size_t)> &task);
+
     /// Calls task(part, begin, end) for steps of at most `size` elements that cover [0, count).
     /// Each of some large parts is done in order by one thread: neighbouring elements share
     /// memory that threads would otherwise take from each other.
@@ -117,7 +121,6 @@ public:
 
 private:
     void tell(WorkStage stage, double fraction);
-    void forEachAlone(const StagePart &part, size_t count, const std::function<void(size_t)> &task);
 
     QThreadPool *_pool;
     unsigned _threadCount;

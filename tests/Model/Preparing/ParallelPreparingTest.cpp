@@ -85,10 +85,15 @@ void expectSame(const PlainModel &model, const QStringList &groups, Dice &dice)
                          " faces and " + std::to_string(elements) + " elements");
             WorkThreads crew(threads);
             crew.disturb(static_cast<std::uint32_t>(dice.below(1 << 30)));
-            const Prepared found =
-                prepared(model, groups, textBytes, &crew.work(), smallTasks(faces, elements));
-            EXPECT_EQ(found.lines, expected.lines);
-            EXPECT_EQ(found.messages, expected.messages);
+            PreparingSizes sizes = smallTasks(faces, elements);
+            // Too small for threads is prepared by one, also where a pool is at hand.
+            for (const quint32 threadsFromCorners : {0u, std::numeric_limits<quint32>::max()}) {
+                sizes.threadsFromCorners = threadsFromCorners;
+                const Prepared found = prepared(model, groups, textBytes, &crew.work(), sizes);
+                EXPECT_EQ(found.lines, expected.lines)
+                    << "threads from " << threadsFromCorners << " corners on";
+                EXPECT_EQ(found.messages, expected.messages);
+            }
         }
     }
 }
