@@ -3,14 +3,13 @@
 // of the tuples in that order numbers them in the order of the corners, too. The
 // vertices before welding, one per corner, are never made.
 //
-// Memory, beside the geometry itself: 4 bytes per position while tuples are found; per
-// tuple 4 for its position, 4 for its chain and then its vertex, and 6 for the hash
-// table. The other indices of tuples, and in the end the vertices' values, take over the
+// Memory, beside the geometry itself: 4 bytes per position while tuples are found, up to so
+// many for each thread; per tuple 4 for its position, 4 for its chain and then its vertex, 4 more
+// with several threads, and 6 for the hash table. The other indices of tuples, and in the end the vertices' values, take over the
 // memory of the indices of corners.
 #include "Preparing/CornerWelding.h"
 
 #include "Preparing/IndexTuples.h"
-#include "Preparing/ParallelTuples.h"
 #include "Preparing/ParallelWelding.h"
 #include "Threads/Work.h"
 #include "Welding/RowHash.h"
@@ -205,10 +204,8 @@ private:
             if (attribute->exists())
                 others.push_back(takeIndices(*attribute, _geometry.cornerCount));
         }
-        if (_inParallel)
-            return numberIndexTuplesInParallel(std::move(positions), std::move(others), _work,
-                                               _sizes);
-        return numberIndexTuples(std::move(positions), std::move(others));
+        return numberIndexTuples(std::move(positions), std::move(others), _work, _sizes,
+                                 _inParallel ? _work.threadCount() : 1);
     }
 
     /// Numbers the different vertices among those of the tuples.

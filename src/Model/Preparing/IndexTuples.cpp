@@ -2,248 +2,309 @@
 // indices costs far less than comparing the values behind them: only the distinct
 // tuples, a fifth of the corners in most models, have to be welded by their bytes.
 //
-// Tuples of one position form a chain. A position has few of them, unless the file
-// was made to hurt, or is the tip of a large fan: a chain that has its full length
-// grows no more, and further tuples of that position go into a hash table.
+// Several threads take a range of the corners each, and number its tuples as if there were no
+// others. A tuple that an earlier range has as well, seldom more than at the borders of a range,
+// then gets the number it has there, and the others are numbered on from those of the ranges
+// before: in the order of first appearance, whoever did what, and when.
 //
-// There are no more tuples than corners read so far, so the indices of a tuple go
-// where those of an earlier corner were: fresh memory is what costs most here.
+// Each range has a table of its own over all positions. It takes memory where the range's
+// positions are, which are few of all unless the faces are in random order.
 #include "Preparing/IndexTuples.h"
 
-#include "Memory/ZeroedArray.h"
-#include "Welding/RowHash.h"
-#include "Welding/RowSlots.h"
+#include "Preparing/TupleFinder.h"
+#include "Threads/Work.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
+#include <optional>
 #include <utility>
 
 namespace Halvard::Orv {
 
 namespace {
 
-/// Tuples beyond the ends of full chains.
-class OverflowTuples
-{
-public:
-    explicit OverflowTuples(quint32 tupleLimit)
-        : _tupleLimit(tupleLimit), _slots(tupleLimit, FirstRoom)
-    {}
+constexpr StagePart Finding = {WorkStage::Welding, 0.0, 0.32};
+constexpr StagePart Comparing = {WorkStage::Welding, 0.32, 0.36};
+constexpr StagePart Numbering = {WorkStage::Welding, 0.36, 0.38};
+constexpr StagePart Renumbering = {WorkStage::Welding, 0.38, 0.42};
 
-    /// The number of the tuple, or `candidate` if it is new here.
-    /// \param hashOf the hash of a tuple by its number.
-    /// \param isEqual whether a tuple, by its number, is the one sought.
-    template <typename HashOf, typename IsEqual>
-    quint32 findOrInsert(quint64 hash, quint32 candidate, const HashOf &hashOf,
-                         const IsEqual &isEqual)
-    {
-        if (_slots.isFull())
-            grow(hashOf);
-        return _slots.findOrInsert(hash, candidate, isEqual);
-    }
+/// More would hold too many tables where the faces are in random order.
+constexpr size_t MostRanges = 8;
 
-private:
-    static constexpr size_t FirstRoom = 1024;
-
-    template <typename HashOf>
-    void grow(const HashOf &hashOf)
-    {
-        _room *= 2;
-        RowSlots larger(_tupleLimit, _room);
-        _slots.forEach([&](quint32 number) {
-            larger.findOrInsert(hashOf(number), number, [](quint32) { return false; });
-        });
-        _slots = std::move(larger);
-    }
-
-    quint32 _tupleLimit;
-    size_t _room = FirstRoom;
-    RowSlots _slots;
-};
-
-/// All tuples, found by position first.
-template <unsigned Others>
-class TupleChains
-{
-public:
-    using Indices = std::array<quint32, Others>;
-
-    /// \param expectedCount tuples that there will probably be.
-    /// \param others where the other indices of the tuples go.
-    TupleChains(quint32 positionCount, quint32 cornerCount, size_t expectedCount,
-                const std::array<quint32 *, Others> &others)
-        : _heads(static_cast<size_t>(positionCount) + 1), _others(others), _overflow(cornerCount)
-    {
-        _positions.reserveMore(expectedCount);
-        _next.reserveMore(expectedCount);
-    }
-
-    void prefetch(quint32 position) const { __builtin_prefetch(_heads.data() + position); }
-
-    quint32 find(quint32 position, const Indices &others)
-    {
-        quint32 &head = _heads[position];
-        unsigned length = 0;
-        for (quint32 entry = head; entry != 0; entry = _next[entry - 1]) {
-            if (isAt(entry - 1, others))
-                return entry - 1;
-            if (++length == FullLength)
-                return findInOverflow(position, others);
-        }
-        head = 1 + append(position, others, head);
-        return head - 1;
-    }
-
-    /// Moves the tuples' positions out, and the memory of the chains.
-    void takeInto(IndexTuples &tuples)
-    {
-        tuples.positions = std::move(_positions);
-        tuples.reusable = std::move(_next);
-    }
-
-private:
-    static constexpr unsigned FullLength = 16;
-
-    /// In a loop: comparing arrays as a whole calls a function.
-    bool isAt(quint32 number, const Indices &others) const
-    {
-        bool equal = true;
-        for (unsigned i = 0; i < Others; ++i)
-            equal = equal && _others[i][number] == others[i];
-        return equal;
-    }
-
-    Indices at(quint32 number) const
-    {
-        Indices indices;
-        for (unsigned i = 0; i < Others; ++i)
-            indices[i] = _others[i][number];
-        return indices;
-    }
-
-    quint32 append(quint32 position, const Indices &others, quint32 next)
-    {
-        const auto number = static_cast<quint32>(_positions.size());
-        _positions.append(position);
-        _next.append(next);
-        for (unsigned i = 0; i < Others; ++i)
-            _others[i][number] = others[i];
-        return number;
-    }
-
-    quint64 hash(quint32 position, const Indices &others) const
-    {
-        quint64 second = 0;
-        std::memcpy(&second, others.data(), sizeof others);
-        return _hash.add(_hash.start(), position, second);
-    }
-
-    Q_NEVER_INLINE quint32 findInOverflow(quint32 position, const Indices &others)
-    {
-        const auto candidate = static_cast<quint32>(_positions.size());
-        const quint32 number = _overflow.findOrInsert(
-            hash(position, others), candidate,
-            [this](quint32 known) { return hash(_positions[known], at(known)); },
-            [&](quint32 known) { return _positions[known] == position && at(known) == others; });
-        if (number == candidate)
-            append(position, others, 0);
-        return number;
-    }
-
-    const RowHash _hash;
-    ZeroedArray<quint32> _heads; ///< per position 1 + the number of the first tuple
-    std::array<quint32 *, Others> _others;
-    GrowArray<quint32> _positions;
-    GrowArray<quint32> _next; ///< 1 + the number of the next tuple in the chain
-    OverflowTuples _overflow;
-};
+/// Set where a tuple is one of an earlier range: the number beside it is that tuple's slot.
+constexpr quint32 KnownFlag = 1u << 31;
 
 /// Most values belong to one tuple only, so the largest number of values is close
 /// to the number of tuples.
-size_t expectedTuples(size_t positionCount, const std::vector<CornerIndices> &others)
+size_t expectedTuples(const CornerIndices &positions, const std::vector<CornerIndices> &others)
 {
-    size_t largest = positionCount;
+    size_t largest = positions.valueCount;
     for (const CornerIndices &column : others)
         largest = std::max<size_t>(largest, column.valueCount);
     return largest + largest / 8;
 }
 
+/// The tuples of all corners, range by range.
+///
+/// Tuple t of the range that begins with corner b has the slot b + t.
 template <unsigned Others>
-IndexTuples numberTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others)
+class RangesOfTuples
 {
-    /// Corners ahead of which a chain's head is fetched.
-    constexpr size_t Ahead = 16;
+public:
+    RangesOfTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others, Work &work,
+                   const PreparingSizes &sizes, size_t rangeCount)
+        : _positions(std::move(positions)), _others(std::move(others)), _work(work), _sizes(sizes),
+          _ranges(rangeCount)
+    {
+        const size_t cornerCount = _positions.indices.size();
+        for (size_t number = 0; number < rangeCount; ++number) {
+            const EqualRange range(number, rangeCount, cornerCount);
+            _ranges[number].begin = range.begin;
+            _ranges[number].end = range.end;
+        }
+    }
 
-    std::array<quint32 *, Others> indicesOf;
-    std::array<quint32, Others> nothing;
-    for (unsigned i = 0; i < Others; ++i) {
-        indicesOf[i] = others[i].indices.data();
-        nothing[i] = others[i].valueCount;
+    IndexTuples run()
+    {
+        find();
+        _firstCount = _ranges[0].finder->count();
+        if (_ranges.size() == 1)
+            return collect(_firstCount);
+        _numbers.resize(_positions.indices.size());
+        listTasks();
+        findKnown();
+        const quint32 count = number();
+        renumberCorners();
+        return collect(count);
     }
-    const quint32 positionCount = positions.valueCount;
-    const size_t count = positions.indices.size();
-    TupleChains<Others> chains(positionCount, static_cast<quint32>(count),
-                               expectedTuples(positionCount, others), indicesOf);
-    const quint32 *const positionOf = positions.indices.data();
-    quint32 *const tupleOf = positions.indices.data(); // the same memory, behind what is read
-    for (size_t corner = 0; corner < count; ++corner) {
-        if (count - corner > Ahead)
-            chains.prefetch(std::min(positionOf[corner + Ahead], positionCount));
-        // Read before find() may put a tuple where they are.
-        typename TupleChains<Others>::Indices indices;
-        for (unsigned i = 0; i < Others; ++i)
-            indices[i] = std::min(indicesOf[i][corner], nothing[i]);
-        tupleOf[corner] = chains.find(std::min(positionOf[corner], positionCount), indices);
-    }
-    IndexTuples tuples;
-    tuples.tupleOfCorner = std::move(positions.indices);
-    chains.takeInto(tuples);
-    for (CornerIndices &column : others) {
-        tuples.others.push_back(std::move(column.indices));
-        tuples.others.back().resize(tuples.count());
-    }
-    return tuples;
-}
 
-/// Without other attributes: the positions in use.
-IndexTuples numberPositions(CornerIndices &&positions)
-{
-    const quint32 positionCount = positions.valueCount;
-    ZeroedArray<quint32> numbersPlusOne(static_cast<size_t>(positionCount) + 1);
-    IndexTuples tuples;
-    quint32 *const positionOfTuple = tuples.positions.reserveMore(size_t(positionCount) + 2);
-    quint32 count = 0;
-    tuples.tupleOfCorner = std::move(positions.indices);
-    quint32 *const end = tuples.tupleOfCorner.data() + tuples.tupleOfCorner.size();
-    for (quint32 *corner = tuples.tupleOfCorner.data(); corner != end; ++corner) {
-        const quint32 position = std::min(*corner, positionCount); // not a tuple yet
-        quint32 &numberPlusOne = numbersPlusOne[position];
-        // No branch, since whether a corner is the first at its position cannot be
-        // predicted: the next tuple is written in any case, and counted if it is one.
-        positionOfTuple[count] = position;
-        const quint32 isNew = numberPlusOne == 0 ? 1 : 0;
-        count += isNew;
-        numberPlusOne |= count & (0 - isNew);
-        *corner = numberPlusOne - 1;
+private:
+    using Finder = TupleFinder<Others>;
+
+    struct Range
+    {
+        size_t begin = 0;
+        size_t end = 0;
+        std::optional<Finder> finder;
+    };
+
+    /// Some tuples of a range other than the first, whose tuples keep their numbers.
+    struct Task
+    {
+        size_t range;
+        quint32 begin;
+        quint32 end;
+        quint32 newCount = 0; ///< tuples that no earlier range has
+    };
+
+    TupleColumns<Others> columns()
+    {
+        TupleColumns<Others> columns;
+        columns.positions = _positions.indices.data();
+        columns.positionCount = _positions.valueCount;
+        for (unsigned i = 0; i < Others; ++i) {
+            columns.others[i] = _others[i].indices.data();
+            columns.otherCounts[i] = _others[i].valueCount;
+        }
+        return columns;
     }
-    tuples.positions.commit(count);
-    tuples.reusable = std::move(numbersPlusOne).intoArray();
-    tuples.reusable.resize(count);
-    return tuples;
-}
+
+    /// The tuples of each range, numbered from 0 on.
+    void find()
+    {
+        const TupleColumns<Others> all = columns();
+        const size_t expected = expectedTuples(_positions, _others);
+        const size_t size = _sizes.elementsPerTask;
+        WorkSteps steps{Finding,
+                        TaskRange::taskCount(size, _positions.indices.size()) + _ranges.size() - 1};
+        _work.forEach(Finding, _ranges.size(), [&](size_t number) {
+            Range &range = _ranges[number];
+            const size_t count = range.end - range.begin;
+            // The first range's arrays become those of all.
+            Finder finder(all.from(range.begin), count,
+                          number == 0 ? expected : expected / _ranges.size());
+            for (size_t task = 0; task < TaskRange::taskCount(size, count); ++task) {
+                const TaskRange corners(task, size, count);
+                finder.add(corners.begin, corners.end);
+                _work.step(steps);
+            }
+            range.finder.emplace(std::move(finder));
+        });
+    }
+
+    void listTasks()
+    {
+        for (size_t range = 1; range < _ranges.size(); ++range) {
+            const size_t count = _ranges[range].finder->count();
+            for (size_t task = 0; task < TaskRange::taskCount(_sizes.elementsPerTask, count);
+                 ++task) {
+                const TaskRange tuples(task, _sizes.elementsPerTask, count);
+                _tasks.push_back(
+                    {range, static_cast<quint32>(tuples.begin), static_cast<quint32>(tuples.end)});
+            }
+        }
+    }
+
+    /// Calls function(slot) for the slots of a task's tuples.
+    template <typename Function>
+    void forEachSlot(const Task &task, const Function &function)
+    {
+        const size_t begin = _ranges[task.range].begin;
+        for (size_t slot = begin + task.begin; slot < begin + task.end; ++slot)
+            function(slot);
+    }
+
+    /// Notes which tuples an earlier range has: the first that has it, where it is new.
+    void findKnown()
+    {
+        _work.forEach(Comparing, _tasks.size(), [&](size_t number) {
+            Task task = _tasks[number];
+            const Finder &finder = *_ranges[task.range].finder;
+            for (quint32 tuple = task.begin; tuple < task.end; ++tuple) {
+                const quint32 known = slotInEarlierRange(task.range, finder.positionOf(tuple),
+                                                         finder.othersOf(tuple));
+                _numbers[_ranges[task.range].begin + tuple] = known;
+                task.newCount += known == 0 ? 1 : 0;
+            }
+            _tasks[number] = task;
+        });
+    }
+
+    /// \return KnownFlag and the slot; 0 when no earlier range has the tuple.
+    quint32 slotInEarlierRange(size_t before, quint32 position,
+                               const typename Finder::Indices &others) const
+    {
+        for (size_t range = 0; range < before; ++range) {
+            const quint32 tuple = _ranges[range].finder->find(position, others);
+            if (tuple != Finder::NoTuple)
+                return KnownFlag | static_cast<quint32>(_ranges[range].begin + tuple);
+        }
+        return 0;
+    }
+
+    /// Replaces what is noted of each tuple by its number.
+    /// \return how many numbers there are.
+    quint32 number()
+    {
+        std::vector<quint32> firstNumbers;
+        quint32 count = _firstCount;
+        for (const Task &task : _tasks) {
+            firstNumbers.push_back(count);
+            count += task.newCount;
+        }
+        _work.forEach(Numbering, _tasks.size(), [&](size_t number) {
+            quint32 next = firstNumbers[number];
+            forEachSlot(_tasks[number], [&](size_t slot) {
+                if ((_numbers[slot] & KnownFlag) == 0)
+                    _numbers[slot] = next++;
+            });
+        });
+        _work.forEach(Numbering, _tasks.size(), [&](size_t number) {
+            const Task &task = _tasks[number];
+            if (task.newCount == task.end - task.begin)
+                return;
+            forEachSlot(task, [&](size_t slot) {
+                if ((_numbers[slot] & KnownFlag) != 0)
+                    _numbers[slot] = numberAt(_numbers[slot] & ~KnownFlag);
+            });
+        });
+        return count;
+    }
+
+    quint32 numberAt(quint32 slot) const { return slot < _ranges[0].end ? slot : _numbers[slot]; }
+
+    void renumberCorners()
+    {
+        quint32 *const tupleOf = _positions.indices.data();
+        const size_t first = _ranges[0].end;
+        const size_t size = _sizes.elementsPerTask;
+        const size_t count = _positions.indices.size() - first;
+        _work.forEach(Renumbering, TaskRange::taskCount(size, count), [&](size_t task) {
+            const TaskRange corners(task, size, count);
+            size_t corner = first + corners.begin;
+            for (const Range &range : _ranges) {
+                const quint32 *const numbers = _numbers.data() + range.begin;
+                for (; corner < std::min(range.end, first + corners.end); ++corner)
+                    tupleOf[corner] = numbers[tupleOf[corner]];
+            }
+        });
+    }
+
+    /// The tuples of all ranges, each once, in the order of their numbers.
+    IndexTuples collect(quint32 count)
+    {
+        IndexTuples tuples;
+        tuples.tupleOfCorner = std::move(_positions.indices);
+        tuples.positions = _ranges[0].finder->takePositions();
+        tuples.positions.resize(count);
+        for (CornerIndices &column : _others)
+            tuples.others.push_back(std::move(column.indices));
+        _work.forEach(Renumbering, Others + 1, [&](size_t column) {
+            if (column == 0)
+                appendPositions(tuples.positions);
+            else
+                moveTogether(tuples.others[column - 1]);
+        });
+        for (GrowArray<quint32> &others : tuples.others)
+            others.resize(count);
+        tuples.reusable = _ranges[0].finder->takeReusable();
+        tuples.reusable.resize(count);
+        return tuples;
+    }
+
+    /// Calls take(slot, number) for the tuples of the later ranges that are in no earlier one.
+    template <typename Take>
+    void forEachNew(const Take &take)
+    {
+        quint32 next = _firstCount;
+        for (const Task &task : _tasks) {
+            forEachSlot(task, [&](size_t slot) {
+                if (_numbers[slot] == next)
+                    take(slot, next++);
+            });
+        }
+    }
+
+    void appendPositions(GrowArray<quint32> &positions)
+    {
+        size_t range = 0;
+        forEachNew([&](size_t slot, quint32 number) {
+            while (slot >= _ranges[range].end)
+                ++range;
+            positions[number] = _ranges[range].finder->positionOf(
+                static_cast<quint32>(slot - _ranges[range].begin));
+        });
+    }
+
+    /// In place: no number is larger than its slot.
+    void moveTogether(GrowArray<quint32> &others)
+    {
+        forEachNew([&](size_t slot, quint32 number) { others[number] = others[slot]; });
+    }
+
+    CornerIndices _positions;
+    std::vector<CornerIndices> _others;
+    Work &_work;
+    const PreparingSizes _sizes;
+    std::vector<Range> _ranges;
+    quint32 _firstCount = 0; ///< tuples of the first range
+    std::vector<Task> _tasks;
+    GrowArray<quint32> _numbers; ///< per slot, but for those of the first range
+};
 
 } // namespace
 
-IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others)
+IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others,
+                              Work &work, const PreparingSizes &sizes, unsigned threadCount)
 {
+    const size_t ranges = std::min<size_t>({threadCount, MostRanges, positions.indices.size() + 1});
+    const auto run = [&](auto tuples) { return tuples.run(); };
     switch (others.size()) {
     case 0:
-        return numberPositions(std::move(positions));
+        return run(RangesOfTuples<0>(std::move(positions), std::move(others), work, sizes, ranges));
     case 1:
-        return numberTuples<1>(std::move(positions), std::move(others));
+        return run(RangesOfTuples<1>(std::move(positions), std::move(others), work, sizes, ranges));
     default:
-        return numberTuples<2>(std::move(positions), std::move(others));
+        return run(RangesOfTuples<2>(std::move(positions), std::move(others), work, sizes, ranges));
     }
 }
 

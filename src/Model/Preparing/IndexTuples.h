@@ -3,12 +3,15 @@
 #pragma once
 
 #include "Memory/GrowArray.h"
+#include "Preparing/PreparingSizes.h"
 
 #include <QtCore/QtGlobal>
 
 #include <vector>
 
 namespace Halvard::Orv {
+
+class Work;
 
 /// Indices into one kind of values, one per corner.
 struct CornerIndices
@@ -37,9 +40,12 @@ struct IndexTuples
 /// Finds the distinct tuples of a position index and those of `others`, at most two.
 ///
 /// An index that selects no value stands in its tuple as the number of values,
-/// whatever it was.
+/// whatever it was. A tuple may, seldom, come twice: of a position that very many tuples share,
+/// where there are several threads. Both then have the same values.
 ///
 /// \param others as many indices as `positions` has.
-IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others);
+/// \param threadCount among so many threads the corners are shared out.
+IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others,
+                              Work &work, const PreparingSizes &sizes, unsigned threadCount);
 
 } // namespace Halvard::Orv
