@@ -5,8 +5,8 @@
 //
 // Memory, beside the geometry itself: 4 bytes per position while tuples are found, up to so
 // many for each thread; per tuple 4 for its position, 4 for its chain and then its vertex, 4 more
-// with several threads, and 6 for the hash table. The other indices of tuples, and in the end the vertices' values, take over the
-// memory of the indices of corners.
+// with several threads, and 6 for the hash table. The other indices of tuples, and in the end the
+// vertices' values, take over the memory of the indices of corners.
 #include "Preparing/CornerWelding.h"
 
 #include "Preparing/IndexTuples.h"
@@ -231,8 +231,12 @@ private:
     {
         VertexRows<Columns...> rows(columns...);
         const auto tupleCount = static_cast<quint32>(vertexOfTuple.size());
-        if (!_inParallel)
-            return numberRows(rows, tupleCount, vertexOfTuple.data());
+        if (!_inParallel) {
+            return numberRows(rows, tupleCount, vertexOfTuple.data(), [&](quint32 row) {
+                _work.disturb();
+                _work.report(Comparing.stage, Comparing.at(static_cast<double>(row) / tupleCount));
+            });
+        }
         const quint32 count = numberRowsInParallel(rows, vertexOfTuple, _work, _sizes);
         if (count < tupleCount) {
             GrowArray<quint32> *const all[] = {&indices.positions, &indices.normals,
@@ -295,6 +299,7 @@ private:
         return gathered;
     }
 
+    static constexpr StagePart Comparing = {WorkStage::Welding, 0.42, 0.88};
     static constexpr StagePart Keeping = {WorkStage::Welding, 0.88, 0.9};
     static constexpr StagePart Gathering = {WorkStage::Welding, 0.9, 1.0};
 

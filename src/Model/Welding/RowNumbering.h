@@ -6,6 +6,8 @@
 
 #include <QtCore/QtGlobal>
 
+#include <algorithm>
+
 namespace Halvard::Orv {
 
 /// Gives equal rows one number, counted up in the order in which they first
@@ -22,10 +24,12 @@ namespace Halvard::Orv {
 ///
 /// \param numbers receives the number of each row. Entry r may share its memory
 ///        with what row r, and no later row, is read from.
+/// \param tell called now and then with the number of rows that are done; may throw.
 /// \return how many numbers there are.
-template <typename Rows>
-quint32 numberRows(Rows &rows, quint32 rowCount, quint32 *numbers)
+template <typename Rows, typename Tell>
+quint32 numberRows(Rows &rows, quint32 rowCount, quint32 *numbers, const Tell &tell)
 {
+    constexpr quint32 RowsBetweenTelling = 1u << 16;
     constexpr quint32 Ahead = 32;
     quint64 hashes[Ahead];
     RowSlots table(rowCount, rowCount);
@@ -42,19 +46,29 @@ quint32 numberRows(Rows &rows, quint32 rowCount, quint32 *numbers)
     for (quint32 row = 0; row < rowCount && row < Ahead; ++row)
         lookAhead(row);
     quint32 kept = 0;
-    for (quint32 row = 0; row < rowCount; ++row) {
-        const quint64 hash = hashes[row % Ahead];
-        if (rowCount - row > Ahead)
-            lookAhead(row + Ahead);
-        const quint32 number = table.findOrInsert(
-            hash, kept, [&](quint32 known) { return rows.equalsKept(known, row); });
-        if (number == kept) {
-            rows.keep(row);
-            ++kept;
+    for (quint32 row = 0; row < rowCount;) {
+        const quint32 end = row + std::min(RowsBetweenTelling, rowCount - row);
+        for (; row < end; ++row) {
+            const quint64 hash = hashes[row % Ahead];
+            if (rowCount - row > Ahead)
+                lookAhead(row + Ahead);
+            const quint32 number = table.findOrInsert(
+                hash, kept, [&](quint32 known) { return rows.equalsKept(known, row); });
+            if (number == kept) {
+                rows.keep(row);
+                ++kept;
+            }
+            numbers[row] = number;
         }
-        numbers[row] = number;
+        tell(row);
     }
     return kept;
+}
+
+template <typename Rows>
+quint32 numberRows(Rows &rows, quint32 rowCount, quint32 *numbers)
+{
+    return numberRows(rows, rowCount, numbers, [](quint32) {});
 }
 
 } // namespace Halvard::Orv

@@ -169,6 +169,30 @@ TEST(ParallelPreparing, AddsNormalsInTheOrderOfTheTriangles)
     }
 }
 
+/// Also on one thread, which finds and compares index tuples in long loops.
+TEST(ParallelPreparing, AsksTheCallbackThroughoutWelding)
+{
+    Dice dice(Seed);
+    PlainModel model = sheet(dice, 500, true, false);
+    group(model, 1, 1);
+    for (const int threads : {1, 2}) {
+        double before = 0.55; // where welding begins
+        double largestStep = 0.0;
+        WorkThreads crew(threads, [&](WorkStage stage, double fraction) {
+            if (stage == WorkStage::Welding) {
+                largestStep = std::max(largestStep, fraction - before);
+                before = fraction;
+            }
+            return true;
+        });
+        PreparingSizes sizes;
+        sizes.threadsFromCorners = std::numeric_limits<quint32>::max();
+        prepared(model, groupsOf(model), 0, &crew.work(), sizes);
+        EXPECT_NEAR(before, 0.79, 1e-9) << "where triangulating begins";
+        EXPECT_LT(largestStep, 0.04) << threads << " threads, a sixth of welding";
+    }
+}
+
 TEST(ParallelPreparing, StopsAtAnyCallOfTheCallback)
 {
     Dice dice(Seed);
