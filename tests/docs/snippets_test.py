@@ -3,7 +3,8 @@
 
     snippets_test.py ROOT PREFIX ORV_FOLDER WORK_FOLDER
 
-PREFIX is where the libraries are installed, ORV_FOLDER where the command is.
+PREFIX is where the libraries are installed, ORV_FOLDER where the command is. Code for fast_obj is built
+where the environment's ORV_FAST_OBJ_DIR is the folder of its header.
 
 * A box "cpp" with a main() is a program. It is built as it stands, as a user would.
 * Any other box "cpp" is the middle of a function: fragments.h has what may be used in it without
@@ -11,7 +12,7 @@ PREFIX is where the libraries are installed, ORV_FOLDER where the command is.
 * A box "console" holds commands, which begin with "$ ", and below each what it prints, stdout and
   stderr together. "..." stands for any part of a line; alone on a line, for any lines. All boxes of a page run one after another
   in one folder, in which "samples" is that of the repository, "orv" is the command, and "./program" is
-  the program that stands last before the box.
+  the program that stands last before the box; where that is not built, the box is passed over.
 
 A further word behind "cpp" names another library that the code is for.
 """
@@ -24,14 +25,22 @@ import sys
 
 from pages import boxes, pages
 
-# Code for libraries that Debian does not have: nothing here can compile it.
-NOT_COMPILED = {"fast_obj": "no Debian package", "rapidobj": "no Debian package"}
-
-# What code for other libraries needs in its CMakeLists.txt.
+# What code for other libraries needs in its CMakeLists.txt: how they are found, and what is linked.
 OTHER_LIBRARIES = {
     "assimp": ("find_package(assimp REQUIRED)", "assimp::assimp"),
     "tinyobjloader": ("find_package(tinyobjloader REQUIRED)", "tinyobjloader::tinyobjloader"),
 }
+
+# Code for libraries that Debian does not have, and why it is not built.
+NOT_COMPILED = {"rapidobj": "no Debian package"}
+
+FAST_OBJ_DIR = os.environ.get("ORV_FAST_OBJ_DIR")
+if FAST_OBJ_DIR:
+    OTHER_LIBRARIES["fast_obj"] = (
+        "add_library(fast_obj INTERFACE)\n"
+        f'target_include_directories(fast_obj SYSTEM INTERFACE "{FAST_OBJ_DIR}")', "fast_obj")
+else:
+    NOT_COMPILED["fast_obj"] = "no Debian package, and ORV_FAST_OBJ_DIR is not set"
 
 PROJECT = """cmake_minimum_required(VERSION 3.25)
 project(snippets LANGUAGES CXX)
@@ -40,6 +49,9 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 find_package(OrvModel 1.0 CONFIG REQUIRED)
 add_compile_options(-Wall -Wextra -Werror)
 """
+
+# In place of a program's path.
+NOT_BUILT = "not built"
 
 problems = []
 
@@ -141,11 +153,11 @@ def run_consoles(root, work, orv_folder, page, program_of):
     program = None
     count = 0
     for box in boxes(root, page):
-        if box.kind == "console":
+        if box.kind != "console":
+            program = program_of.get(str(box), program)
+        elif program != NOT_BUILT or "./program" not in box.text:
             count += 1
             run_console(box, folder, environment, program)
-        else:
-            program = program_of.get(str(box), program)
     return count
 
 
@@ -178,6 +190,7 @@ def main():
     run(["cmake", "--build", work / "build"])
 
     program_of = {str(box): work / "build" / name for name, box in programs.items()}
+    program_of.update({str(box): NOT_BUILT for box in not_compiled})
     consoles = sum(run_consoles(root, work, orv_folder, page, program_of) for page in pages(root))
     if problems:
         sys.exit("\n".join(problems))
