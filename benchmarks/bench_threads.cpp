@@ -136,7 +136,7 @@ double median(std::vector<double> values)
 
 void print(const QString &fileName, int threads, const Times &times)
 {
-    std::printf("%-16s %7d  %6.1f %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f  %6.1f %6.1f %6.1f\n",
+    std::printf("%-16s %7d  %6.2f %6.2f %6.2f  %6.2f %6.2f  %6.2f %6.2f  %6.2f %6.2f %6.2f\n",
                 qUtf8Printable(QFileInfo(fileName).completeBaseName()), threads,
                 median(times.walls), times.allWall, times.allCPU, times.readWall, times.readCPU,
                 times.prepareWall, times.prepareCPU, 1e-6 * static_cast<double>(times.stages.weld),

@@ -165,8 +165,7 @@ class CornerWelding
 {
 public:
     CornerWelding(OBJGeometry &geometry, Work &work, const PreparingSizes &sizes)
-        : _geometry(geometry), _work(work), _sizes(sizes),
-          _inParallel(!work.isAlone() && geometry.cornerCount >= sizes.threadsFromCorners)
+        : _geometry(geometry), _work(work), _sizes(sizes), _inParallel(!work.isAlone())
     {}
 
     WeldedCorners run()
@@ -204,8 +203,7 @@ private:
             if (attribute->exists())
                 others.push_back(takeIndices(*attribute, _geometry.cornerCount));
         }
-        return numberIndexTuples(std::move(positions), std::move(others), _work, _sizes,
-                                 _inParallel ? _work.threadCount() : 1);
+        return numberIndexTuples(std::move(positions), std::move(others), _work, _sizes);
     }
 
     /// Numbers the different vertices among those of the tuples.

@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace Halvard::Orv {
 
@@ -93,8 +94,8 @@ public:
     Preparation(OBJGeometry &geometry, const FaceSums &sums, Work &work,
                 const PreparingSizes &sizes)
         : _geometry(geometry), _sums(sums), _work(work), _sizes(sizes),
-          _inParallel(!work.isAlone() && geometry.cornerCount >= sizes.threadsFromCorners),
-          _hasNormals(geometry.normals.exists()), _hasTexCoords(geometry.texCoords.exists())
+          _inParallel(!work.isAlone()), _hasNormals(geometry.normals.exists()),
+          _hasTexCoords(geometry.texCoords.exists())
     {}
 
     PreparedGeometry run(const QStringList &groupOrder, const void *builder)
@@ -329,7 +330,11 @@ PreparedGeometry prepareGeometry(OBJGeometry &&geometry, const QStringList &grou
     if (!isDrawable(geometry) || !fitsCounts(geometry, sums))
         return {};
     Work alone;
-    return Preparation(geometry, sums, work ? *work : alone, sizes).run(groupOrder, builder);
+    Work &threads = work ? *work : alone;
+    std::optional<Work::OnOneThread> tooSmall;
+    if (geometry.cornerCount < sizes.threadsFromCorners)
+        tooSmall.emplace(threads);
+    return Preparation(geometry, sums, threads, sizes).run(groupOrder, builder);
 }
 
 } // namespace Halvard::Orv

@@ -294,9 +294,10 @@ private:
 } // namespace
 
 IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others,
-                              Work &work, const PreparingSizes &sizes, unsigned threadCount)
+                              Work &work, const PreparingSizes &sizes)
 {
-    const size_t ranges = std::min<size_t>({threadCount, MostRanges, positions.indices.size() + 1});
+    const size_t ranges =
+        std::min<size_t>({work.threadCount(), MostRanges, positions.indices.size() + 1});
     const auto run = [&](auto tuples) { return tuples.run(); };
     switch (others.size()) {
     case 0:

@@ -44,8 +44,7 @@ struct IndexTuples
 /// where there are several threads. Both then have the same values.
 ///
 /// \param others as many indices as `positions` has.
-/// \param threadCount among so many threads the corners are shared out.
 IndexTuples numberIndexTuples(CornerIndices &&positions, std::vector<CornerIndices> &&others,
-                              Work &work, const PreparingSizes &sizes, unsigned threadCount);
+                              Work &work, const PreparingSizes &sizes);
 
 } // namespace Halvard::Orv

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <thread>
+#include <utility>
 
 class QThreadPool;
 
@@ -70,6 +71,23 @@ public:
     /// Threads that may work at the same time, the calling one included.
     unsigned threadCount() const { return _threadCount; }
     bool isAlone() const { return _threadCount == 1; }
+
+    /// While it lives, the calling thread works alone: for what is too small to be shared out.
+    class OnOneThread
+    {
+    public:
+        explicit OnOneThread(Work &work)
+            : _work(work), _threadCount(std::exchange(work._threadCount, 1u))
+        {}
+        ~OnOneThread() { _work._threadCount = _threadCount; }
+
+        OnOneThread(const OnOneThread &) = delete;
+        OnOneThread &operator=(const OnOneThread &) = delete;
+
+    private:
+        Work &_work;
+        const unsigned _threadCount;
+    };
 
     /// Tells how far a stage is: at most every 50 ms.
     void report(WorkStage stage, double fraction);

@@ -11,10 +11,13 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <stdexcept>
+#include <thread>
 
 namespace OrvTest {
 namespace {
@@ -167,6 +170,28 @@ TEST(ParallelPreparing, AddsNormalsInTheOrderOfTheTriangles)
             }
         }
     }
+}
+
+TEST(ParallelPreparing, LeavesThePoolAloneWhereAModelIsTooSmall)
+{
+    Dice dice(Seed);
+    PlainModel model = sheet(dice, 40, true, false);
+    group(model, 2, 30);
+    WorkThreads crew(4);
+    std::atomic<int> onOthers{0};
+    std::atomic<int> onCaller{0};
+    crew.work().setDisturbance([&, caller = std::this_thread::get_id()] {
+        const bool isCaller = std::this_thread::get_id() == caller;
+        const int before = (isCaller ? onCaller : onOthers)++;
+        if (isCaller && before < 50) // so that others come if they are called
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    PreparingSizes sizes = smallTasks(10, 50);
+    sizes.threadsFromCorners = static_cast<quint32>(4 * 40 * 40 + 1);
+    prepared(model, groupsOf(model), 0, &crew.work(), sizes);
+    EXPECT_GT(onCaller, 0);
+    EXPECT_EQ(onOthers, 0);
+    EXPECT_EQ(crew.work().threadCount(), 4u) << "the limit holds no longer than it should";
 }
 
 /// Also on one thread, which finds and compares index tuples in long loops.
