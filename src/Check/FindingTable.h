@@ -4,13 +4,14 @@
 
 #include "FindingCodes.h"
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 #include <QtGui/QVector3D>
 
 #include <deque>
+#include <tuple>
 #include <vector>
 
 namespace Halvard::Orv::Checking {
@@ -77,19 +78,14 @@ private:
         int file;
         QString subject;
 
-        bool operator==(const Key &other) const
+        bool operator<(const Key &other) const
         {
-            return code == other.code && file == other.file && subject == other.subject;
-        }
-        friend uint qHash(const Key &key, uint seed = 0)
-        {
-            return ::qHash(key.subject, seed) ^ (static_cast<uint>(key.code) << 8) ^
-                   static_cast<uint>(key.file);
+            return std::tie(code, file, subject) < std::tie(other.code, other.file, other.subject);
         }
     };
 
     QStringList _files;
-    QHash<Key, Tally *> _byKey;
+    QMap<Key, Tally *> _byKey; // ordered as NameSet is: subjects are names from a file
     int _subjects[CodeCount] = {};
     Tally *_ofMany[CodeCount] = {};
     std::deque<Tally> _tallies;

@@ -4,6 +4,7 @@
 
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
+#include "support/NameTimes.h"
 #include "support/TemporaryModel.h"
 
 #include <OrvModel/ModelBuilder.h>
@@ -13,7 +14,6 @@
 
 #include <QtCore/QHash>
 
-#include <ctime>
 #include <set>
 
 using namespace Halvard::Orv;
@@ -23,26 +23,6 @@ using ::testing::ElementsAreArray;
 namespace {
 
 constexpr int NameCount = 20'000;
-
-/// Seconds of this thread.
-double cpuTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) + 1e-9 * double(time.tv_nsec);
-}
-
-/// As many names of the same length that do not collide: the colliding ones with a number
-/// in front.
-std::vector<QString> harmless(const std::vector<QString> &names)
-{
-    std::vector<QString> others;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const QString number = QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0'));
-        others.push_back(number + names[i].mid(number.size()));
-    }
-    return others;
-}
 
 class CollidingNames : public GLTest
 {
@@ -67,19 +47,6 @@ protected:
             text += "usemtl " + name->toLatin1() + "\nf 1 2 3\n";
         return files.write(QStringLiteral("m.obj"), text);
     }
-
-    /// Expects that `load` takes no longer with the colliding names than with others. The
-    /// rest is noise: a table in which all collide takes a hundred times as long.
-    template <typename Load>
-    void expectNoLonger(Load load) const
-    {
-        const double begin = cpuTime();
-        load(harmless(names));
-        const double middle = cpuTime();
-        load(names);
-        const double end = cpuTime();
-        EXPECT_LT(end - middle, 3 * (middle - begin) + 0.5);
-    }
 };
 
 TEST_F(CollidingNames, CollideUnderEverySeed)
@@ -95,7 +62,7 @@ TEST_F(CollidingNames, CollideUnderEverySeed)
 
 TEST_F(CollidingNames, OfMaterialsInALibraryCostNothing)
 {
-    expectNoLonger([&](const std::vector<QString> &materials) {
+    expectNoLonger(names, [&](const std::vector<QString> &materials) {
         ModelBuilder builder({}, 0);
         ASSERT_TRUE(loadMaterialsFromMTLFile(writeLibrary(materials), builder));
         for (int i = 0; i < NameCount; ++i)
@@ -107,7 +74,7 @@ TEST_F(CollidingNames, OfMaterialsInALibraryCostNothing)
 TEST_F(CollidingNames, OfMaterialsInAModelCostNothingOnEitherPath)
 {
     for (const LoaderPath path : BothPaths) {
-        expectNoLonger([&](const std::vector<QString> &materials) {
+        expectNoLonger(names, [&](const std::vector<QString> &materials) {
             const UploadedModel model = loadByPath(writeModel(materials), path);
             ASSERT_EQ(model.bundles.size(), 1u);
             EXPECT_TRUE(model.bundles[0].materialNames() == materials);

@@ -5,7 +5,7 @@
 #include "Repairs/OBJSurvey.h"
 
 #include <QtCore/QByteArray>
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 
 #include <vector>
 
@@ -35,7 +35,7 @@ private:
     QByteArray textOf(const std::vector<Corner> &corners) const;
 
     const OBJSurvey &_survey;
-    QHash<QByteArray, int> _numbers;
+    QMap<QByteArray, int> _numbers; // ordered as NameSet is: a file chooses its normals
     std::vector<QByteArray> _lines;
 };
 

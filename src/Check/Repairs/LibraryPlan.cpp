@@ -34,7 +34,7 @@ bool holds(const QString &path, const std::string &text)
            std::equal(text.begin(), text.end(), bytes.begin());
 }
 
-/// The names on the "mtllib" lines of a model; none where it cannot be read.
+/// The names on the "mtllib" lines of a model, each once and sorted; none where it cannot be read.
 QStringList librariesNamedIn(const QString &fileName)
 {
     QFile file(fileName);
@@ -46,7 +46,8 @@ QStringList librariesNamedIn(const QString &fileName)
         if (lines.kind() == OBJLineKind::Library)
             names.append(lines.tokens().text(1));
     }
-    names.removeDuplicates();
+    names.sort(); // removeDuplicates() hashes what strangers chose
+    names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
 }
 

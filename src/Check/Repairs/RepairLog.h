@@ -6,7 +6,7 @@
 
 #include <OrvCheck/ModelRepair.h>
 
-#include <QtCore/QHash>
+#include <QtCore/QMap>
 #include <QtCore/QPair>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -46,8 +46,9 @@ private:
 
     QStringList _files;
     QVector<Entry> _entries;
-    QHash<QPair<QString, QPair<int, QString>>, int> _numbers;
-    QHash<QPair<QString, int>, int> _subjects; // how many, by code and file
+    // Ordered as NameSet is: subjects are names from a file.
+    QMap<QPair<QString, QPair<int, QString>>, int> _numbers;
+    QMap<QPair<QString, int>, int> _subjects; // how many, by code and file
 };
 
 } // namespace Halvard::Orv::Checking

@@ -1,4 +1,6 @@
 // Where the outputs of a repair go, and what is left where they cannot go there.
+#include "support/CollidingNames.h"
+#include "support/NameTimes.h"
 #include "support/QtPrinting.h"
 #include "support/TemporaryModel.h"
 
@@ -281,6 +283,24 @@ TEST_F(RepairOutput, WritesNothingOnAFullDisk)
     EXPECT_EQ(status, RepairStatus::Unwritable);
     EXPECT_EQ(_reason, cannotWrite(QStringLiteral("in/fixed.obj"), "File too large"));
     EXPECT_TRUE(files() == before);
+}
+
+/// The libraries of the model that an output replaces are looked at once one of them would be
+/// replaced, too. Here it is that of the last line.
+TEST_F(RepairOutput, CollidingNamesInTheModelThatIsReplacedCostNothing)
+{
+    constexpr int NameCount = 20'000;
+    OrvTest::expectNoLonger(
+        OrvTest::collidingNames(NameCount), [this](const std::vector<QString> &names) {
+            QByteArray replaced;
+            for (const QString &name : names)
+                replaced += "mtllib " + name.toLatin1() + '\n';
+            _files.write(QStringLiteral("in/fixed.obj"), replaced + "mtllib fixed.mtl\n");
+            _files.write(QStringLiteral("in/fixed.mtl"), "# another\n");
+            ASSERT_EQ(repair(QStringLiteral("in/fixed.obj")), RepairStatus::Done);
+            EXPECT_EQ(_result.written.size(), 2);
+            EXPECT_TRUE(contents(QStringLiteral("in/fixed.obj")).startsWith("mtllib fixed.mtl\n"));
+        });
 }
 
 TEST_F(RepairOutput, SaysWhyAModelCannotBeRead)
