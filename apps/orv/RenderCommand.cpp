@@ -10,8 +10,8 @@
 #include "UndrawnFaces.h"
 #include "WriteAll.h"
 
+#include <ImageConversion.h>
 #include <OrvGL/GPUModel.h>
-#include <render/ImageConversion.h>
 #include <render/Picture.h>
 
 #include <QtCore/QBuffer>
@@ -300,10 +300,10 @@ bool isOpaque(const Render::RenderOptions &options)
 QImage convertedFor(const RenderRequest &request, const QImage &picture)
 {
     if (request.format == "pgm")
-        return Render::convertedOnThisThread(picture, QImage::Format_Grayscale8);
+        return convertedOnThisThread(picture, QImage::Format_Grayscale8);
     // Without an alpha channel that says nothing.
-    return Render::convertedOnThisThread(
-        picture, isOpaque(request.options) ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+    return convertedOnThisThread(picture, isOpaque(request.options) ? QImage::Format_RGB32
+                                                                    : QImage::Format_ARGB32);
 }
 
 /// The whole file; empty when it cannot be made, `error` then says why.
@@ -332,19 +332,22 @@ ExitStatus write(const QImage &picture, const RenderRequest &request)
 }
 
 /// Null when it cannot be drawn; `error` then says why.
-QImage draw(const GPUModel &model, const RenderRequest &request, QString &error)
+QImage draw(const GPUModel &model, const RenderRequest &request, Render::PictureError &error)
 {
     if (!request.pose)
-        return Render::renderPicture(model, request.size, request.angles, request.options, &error,
+        return Render::renderPicture(model, request.size, request.angles, request.options, error,
                                      request.textures);
-    const auto renderer = Render::Renderer::create(&error);
-    if (!renderer)
+    QString reason;
+    const auto renderer = Render::Renderer::create(&reason);
+    if (!renderer) {
+        error = {reason, false};
         return {};
+    }
     renderer->setModel(&model, request.textures);
     const double aspect = double(request.size.width()) / double(request.size.height());
     const Render::Camera camera =
         Render::cameraAt(*request.pose, renderer->geometry().bounds, aspect);
-    return Render::renderPicture(*renderer, request.size, camera, request.options, &error);
+    return Render::renderPicture(*renderer, request.size, camera, request.options, error);
 }
 
 } // namespace
@@ -361,9 +364,9 @@ ExitStatus renderCommand(const QStringList &arguments)
     const QString wrong = readOptions(line, request);
     if (!wrong.isEmpty())
         return line.wrongUsage(wrong);
-    QString error = findFormat(line.model(), request);
-    if (!error.isEmpty()) {
-        printError(error);
+    const QString obstacle = findFormat(line.model(), request);
+    if (!obstacle.isEmpty()) {
+        printError(obstacle);
         return CannotRun;
     }
 
@@ -378,17 +381,18 @@ ExitStatus renderCommand(const QStringList &arguments)
         qWarning("There is nothing to draw in '%s'.", qUtf8Printable(line.model()));
     if (!hasRoomForPicture(request.size)) {
         Messages::flush();
-        printError(Render::noMemoryFor(request.size));
+        printError(Render::noMemoryFor(request.size).text);
         return OutOfMemory;
     }
     QImage picture;
+    Render::PictureError error;
     {
         const Progress progress(QStringLiteral("drawing"));
         picture = draw(loaded.model(), request, error);
     }
     if (picture.isNull()) {
-        printError(error);
-        return error == Render::noMemoryFor(request.size) ? OutOfMemory : CannotRun;
+        printError(error.text);
+        return error.lacksMemory ? OutOfMemory : CannotRun;
     }
     return write(picture, request);
 }

@@ -8,34 +8,42 @@
 
 namespace Halvard::Orv::Render {
 
-QString noMemoryFor(const QSize &picture)
+PictureError noMemoryFor(const QSize &picture)
 {
-    return QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
-        .arg(picture.width())
-        .arg(picture.height());
+    return {QStringLiteral("There is no memory for a picture of %1x%2 pixels.")
+                .arg(picture.width())
+                .arg(picture.height()),
+            true};
 }
 
 QImage renderPicture(Renderer &renderer, const QSize &size, const Camera &camera,
-                     const RenderOptions &options, QString *error)
+                     const RenderOptions &options, PictureError &error)
 {
     constexpr int Samples = 4;
-    const auto target = OffscreenTarget::create(size, Samples, error);
-    if (!target)
+    QString reason;
+    const auto target = OffscreenTarget::create(size, Samples, &reason);
+    if (!target) {
+        error = {reason, false};
         return {};
+    }
     target->bind();
     renderer.draw(camera, options);
     QImage picture = target->read();
-    if (picture.isNull() && error)
-        *error = noMemoryFor(size);
+    if (picture.isNull())
+        error = noMemoryFor(size);
     return picture;
 }
 
 QImage renderPicture(const GPUModel &model, const QSize &size, const ViewAngles &angles,
-                     const RenderOptions &options, QString *error, const TextureSettings &textures)
+                     const RenderOptions &options, PictureError &error,
+                     const TextureSettings &textures)
 {
-    const auto renderer = Renderer::create(error);
-    if (!renderer)
+    QString reason;
+    const auto renderer = Renderer::create(&reason);
+    if (!renderer) {
+        error = {reason, false};
         return {};
+    }
     renderer->setModel(&model, textures);
     const double aspect = double(size.width()) / double(size.height());
     return renderPicture(*renderer, size, frameModel(renderer->geometry(), angles, aspect), options,

@@ -273,9 +273,12 @@ QImage Viewport::picture(const QSize &size, const Render::RenderOptions &options
         return {};
     }
     makeCurrent();
+    Render::PictureError failure;
     const QImage image =
-        Render::renderPicture(*_renderer, size, _camera.camera(size), options, &error);
+        Render::renderPicture(*_renderer, size, _camera.camera(size), options, failure);
     doneCurrent();
+    if (image.isNull())
+        error = failure.text;
     return image;
 }
 

@@ -1,11 +1,17 @@
 // Where things appear in a picture, and what is around them.
 #include "cli/RenderFixture.h"
 
+#include <OrvGL/GPUModel.h>
+
 #include <gmock/gmock.h>
 
 namespace {
 
 using namespace OrvTest;
+using Halvard::Orv::GPUModel;
+using Halvard::Orv::Render::noMemoryFor;
+using Halvard::Orv::Render::PictureError;
+using Halvard::Orv::Render::renderPicture;
 
 class PictureTest : public RenderTest
 {
@@ -223,6 +229,20 @@ TEST_F(PictureTest, NormalsAreShownAsStored)
     EXPECT_EQ(shown("0 0 -1e30"), front);
     const QColor none = shown("0 0 0");
     EXPECT_TRUE(near(none.red(), 128) && near(none.green(), 128) && near(none.blue(), 128));
+}
+
+/// No driver draws a million pixels in a row, however much memory there is.
+TEST_F(PictureTest, ErrorsSayWhetherMemoryIsMissing)
+{
+    const GPUModel model;
+    PictureError error;
+    EXPECT_TRUE(renderPicture(model, QSize(1'000'000, 2), angles, options, error).isNull());
+    EXPECT_EQ(error.text,
+              QStringLiteral("The OpenGL driver cannot draw a picture of 1000000x2 pixels."));
+    EXPECT_FALSE(error.lacksMemory);
+    error = noMemoryFor(QSize(1'000'000, 2));
+    EXPECT_EQ(error.text, QStringLiteral("There is no memory for a picture of 1000000x2 pixels."));
+    EXPECT_TRUE(error.lacksMemory);
 }
 
 } // namespace

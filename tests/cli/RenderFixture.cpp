@@ -44,8 +44,9 @@ QImage RenderTest::draw(const QByteArray &contents)
         ADD_FAILURE() << error.toStdString();
         return {};
     }
-    const QImage picture = Render::renderPicture(*model, size, angles, options, &error, textures);
-    EXPECT_EQ(picture.size(), size) << error.toStdString();
+    Render::PictureError failure;
+    const QImage picture = Render::renderPicture(*model, size, angles, options, failure, textures);
+    EXPECT_EQ(picture.size(), size) << failure.text.toStdString();
     return picture;
 }
 

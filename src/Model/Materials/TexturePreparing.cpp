@@ -2,8 +2,9 @@
 
 #include "Files/FileOpening.h"
 #include "Lanes/FloatingPointState.h"
-#include "Materials/ImageConversion.h"
 #include "Materials/ImageCost.h"
+
+#include <ImageConversion.h>
 
 #include <QtCore/QFile>
 #include <QtGui/QImageReader>

@@ -1,5 +1,5 @@
 // Image formats, converted on one thread.
-#include "Materials/ImageConversion.h"
+#include "ImageConversion.h"
 
 #include "support/ImageFiles.h"
 #include "support/QtPrinting.h"
@@ -43,8 +43,8 @@ const QSize Sizes[] = {{300, 700}, {301, 450}, {40000, 5}, {7, 5}};
 TEST(ImageConversion, GivesThePixelsOfQt)
 {
     for (int from = QImage::Format_Mono; from < QImage::NImageFormats; ++from) {
-        for (const QImage::Format to :
-             {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_RGBA64}) {
+        for (const QImage::Format to : {QImage::Format_RGB32, QImage::Format_ARGB32,
+                                        QImage::Format_RGBA64, QImage::Format_Grayscale8}) {
             for (const QSize &size : Sizes) {
                 SCOPED_TRACE(testing::Message() << "from " << from << " to " << int(to) << ", "
                                                 << size.width() << " x " << size.height());

@@ -1,4 +1,4 @@
-#include "Materials/ImageConversion.h"
+#include "ImageConversion.h"
 
 #include <algorithm>
 #include <cstring>
