@@ -92,6 +92,29 @@ FindingTexts ofFile(const Tally &t)
     }
 }
 
+/// A path as it can be written in a library, where a blank would end it.
+QString withoutBlanks(QString path)
+{
+    for (QChar &character : path) {
+        if (character.isSpace())
+            character = QLatin1Char('_');
+    }
+    return path;
+}
+
+/// A texture whose file has the whole name. Files of users are not renamed for them.
+FindingTexts ofCutTexture(const Tally &t)
+{
+    const QString better = quoted(withoutBlanks(t.subject));
+    return {
+        QStringLiteral("The name of the texture %1 ends at its first blank: rename the image to "
+                       "%2, and write that here.")
+            .arg(quoted(t.subject), better),
+        QStringLiteral("It reads %1. The material is drawn without the texture.")
+            .arg(quoted(t.detail)),
+        QStringLiteral("Rename the image to %1, and write that name on the line.").arg(better)};
+}
+
 FindingTexts ofLibrary(const Tally &t)
 {
     const QString name = quoted(t.subject);
@@ -125,6 +148,8 @@ FindingTexts ofLibrary(const Tally &t)
                 text("Materials of the others are not defined."),
                 text("Name each library in a line of its own.")};
     case Code::NameCutAtBlank:
+        if (!t.isFixable && !t.isOfMany) // only textures are not
+            return ofCutTexture(t);
         return {QStringLiteral("The name %1 ends at its first blank: it reads %2.")
                     .arg(name, quoted(t.detail)),
                 t.severity == FindingSeverity::Hint
@@ -184,7 +209,11 @@ FindingTexts ofTexture(const Tally &t)
 {
     const QString name = quoted(t.subject);
     const QString without = text("The material is drawn without the texture.");
-    const QString instead = QStringLiteral("Write %1.").arg(quoted(t.detail));
+    const QString better = withoutBlanks(t.detail);
+    const QString instead =
+        better == t.detail
+            ? QStringLiteral("Write %1.").arg(quoted(t.detail))
+            : QStringLiteral("Rename the image to %1, and write that.").arg(quoted(better));
     switch (t.code) {
     case Code::TextureMissing:
         return {QStringLiteral("There is no texture %1.").arg(name), without,

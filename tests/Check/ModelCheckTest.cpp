@@ -275,6 +275,38 @@ TEST_F(ModelCheck, FindsTexturesOfBackslashesAndOtherCase)
                             "a.mtl:5 warning name-cut-at-blank my wood.png"));
 }
 
+TEST_F(ModelCheck, SaysWhatToRenameWhereATextureHasABlank)
+{
+    QImage image(1, 1, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    for (const char *name : {"tex/my wood.png", "bark\tof  oak.png"}) {
+        _files.write(QLatin1String(name), {});
+        ASSERT_TRUE(image.save(_files.path(QLatin1String(name))));
+    }
+    _files.write(QStringLiteral("a.mtl"), "newmtl a\nmap_Kd tex/my wood.png\n"
+                                          "map_Ks bark\tof  oak.png\nmap_Ka tex\\my wood.png\n");
+    const QVector<Finding> findings =
+        checked("mtllib a.mtl\n" + Square + "vt 0 0\nusemtl a\nf 1/1 2/1 3/1 4/1\n").findings;
+    ASSERT_EQ(findings.size(), 3);
+    const Finding &path = findings.at(0);
+    EXPECT_EQ(path.message,
+              QStringLiteral("The name of the texture \"tex/my wood.png\" ends at its first blank: "
+                             "rename the image to \"tex/my_wood.png\", and write that here."));
+    EXPECT_EQ(path.consequence,
+              QStringLiteral("It reads \"tex/my\". The material is drawn without the texture."));
+    EXPECT_EQ(path.remedy, QStringLiteral("Rename the image to \"tex/my_wood.png\", and write that "
+                                          "name on the line."));
+    EXPECT_FALSE(path.fixable);
+    EXPECT_EQ(findings.at(1).remedy,
+              QStringLiteral("Rename the image to \"bark_of__oak.png\", and write that name on the "
+                             "line."));
+    const Finding &backslash = findings.at(2);
+    EXPECT_EQ(backslash.code, QStringLiteral("texture-path-backslash"));
+    EXPECT_EQ(backslash.remedy,
+              QStringLiteral("Rename the image to \"tex/my_wood.png\", and write that."));
+    EXPECT_FALSE(backslash.fixable);
+}
+
 TEST_F(ModelCheck, HintsAtGreyTextures)
 {
     QImage image(1, 1, QImage::Format_Grayscale8);
