@@ -7,11 +7,15 @@
 
 #include <OrvGL/GPUModel.h>
 #include <OrvGL/OpenGLDeviceContext.h>
+#include <OrvGL/Texture.h>
+#include <OrvModel/TexturePreparing.h>
 #include <render/Picture.h>
 
 #include <QtCore/QEvent>
 #include <QtGui/QImage>
 #include <QtGui/QOpenGLContext>
+
+#include <iterator>
 
 namespace Halvard::Orv::Viewer {
 
@@ -24,6 +28,9 @@ QString advice()
                         "graphics card.");
 }
 
+/// Sides that are powers of two, and others, are two things to drivers.
+constexpr QSize FirstMipmaps[] = {{32, 32}, {48, 48}, {32, 48}, {48, 32}};
+
 } // namespace
 
 Viewport::Viewport(QWidget *parent) : QOpenGLWidget(parent), _navigation(_camera)
@@ -34,6 +41,7 @@ Viewport::Viewport(QWidget *parent) : QOpenGLWidget(parent), _navigation(_camera
     _options.grid = _options.axes = true;
     // Of no length: after the events that wait.
     connect(&_uploadTimer, &QTimer::timeout, this, &Viewport::stepUpload);
+    connect(&_mipmapTimer, &QTimer::timeout, this, &Viewport::makeFirstMipmaps);
 }
 
 Viewport::~Viewport()
@@ -68,11 +76,29 @@ void Viewport::initializeGL()
     GLint side = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
     _mostTexturePixelsOnASide = side;
+    _mipmapsMade = 0;
+    _mipmapTimer.start(0);
     if (_hadContext)
         emit contextRenewed();
     _hadContext = true;
     if (_waiting)
         _uploadTimer.start(0);
+}
+
+/// Drivers make what they compute mipmaps with when a texture asks for it. Without a graphics card
+/// that takes a tenth of a second, in which no event is handled, and so it is done one by one before
+/// a model needs all of it at once.
+void Viewport::makeFirstMipmaps()
+{
+    if (_renderer && _mipmapsMade < std::size(FirstMipmaps)) {
+        makeCurrent();
+        PreparedTexture texture;
+        texture.image = QImage(FirstMipmaps[_mipmapsMade++], QImage::Format_ARGB32);
+        texture.image.fill(Qt::white);
+        makeTexture(texture); // and gone again
+    } else {
+        _mipmapTimer.stop();
+    }
 }
 
 void Viewport::dropOpenGL()
@@ -256,12 +282,16 @@ void Viewport::setBackground(const QColor &top, const QColor &bottom)
 
 void Viewport::mark(const std::vector<QVector3D> &corners)
 {
+    if (_options.marked == corners)
+        return; // a frame of a large model takes its time
     _options.marked = corners;
     update();
 }
 
 void Viewport::highlightMaterial(const QString &name)
 {
+    if (_options.highlighted == name && _options.highlighted.isNull() == name.isNull())
+        return;
     _options.highlighted = name;
     update();
 }

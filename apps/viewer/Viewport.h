@@ -100,6 +100,7 @@ protected:
 
 private:
     bool isLost();
+    void makeFirstMipmaps();
     void stepUpload();
     void finishUpload();
     void dropOpenGL();
@@ -118,6 +119,8 @@ private:
     std::unique_ptr<SceneUpload> _upload;
     bool _keepsCamera = false;
     QTimer _uploadTimer;
+    QTimer _mipmapTimer;
+    size_t _mipmapsMade = 0;
     bool _hadContext = false;
     bool _isLost = false;
 };

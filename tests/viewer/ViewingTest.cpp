@@ -224,6 +224,39 @@ TEST_F(ViewingTest, MarksAndHighlightsAreSeenAndGoWithTheModel)
     EXPECT_TRUE(viewport().options().highlighted.isNull());
 }
 
+/// Panels say again what they said before, and a frame of a large model takes seconds without a
+/// graphics card.
+TEST_F(ViewingTest, OnlyWhatChangesIsDrawn)
+{
+    class Frames : public QObject
+    {
+    public:
+        int count = 0;
+
+    protected:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Paint;
+            return false;
+        }
+    };
+    const auto framesAfter = [this](const std::function<void()> &action) {
+        QTest::qWait(100);
+        Frames frames;
+        viewport().installEventFilter(&frames);
+        action();
+        QTest::qWait(100);
+        return frames.count;
+    };
+    const std::vector<QVector3D> corners = {{0, 0, 0}, {1, 0, 0}};
+    EXPECT_EQ(framesAfter([&] { viewport().mark({}); }), 0);
+    EXPECT_GT(framesAfter([&] { viewport().mark(corners); }), 0);
+    EXPECT_EQ(framesAfter([&] { viewport().mark(corners); }), 0);
+    EXPECT_EQ(framesAfter([&] { viewport().highlightMaterial(QString()); }), 0);
+    EXPECT_GT(framesAfter([&] { viewport().highlightMaterial(QStringLiteral("red")); }), 0);
+    EXPECT_EQ(framesAfter([&] { viewport().highlightMaterial(QStringLiteral("red")); }), 0);
+}
+
 TEST_F(ViewingTest, ThePictureIsThatOfTheCommandLine)
 {
     struct
