@@ -1,27 +1,19 @@
 #include "LoadingBar.h"
 
+#include "ProgressBar.h"
+
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QProgressBar>
 #include <QtWidgets/QToolButton>
 
 namespace Halvard::Orv::Viewer {
 
-namespace {
-
-constexpr int Steps = 1000;
-
-} // namespace
-
 LoadingBar::LoadingBar(QWidget *parent)
-    : QWidget(parent), _what(new QLabel(this)), _bar(new QProgressBar(this)),
+    : QWidget(parent), _what(new QLabel(this)), _bar(new ProgressBar(this)),
       _cancel(new QToolButton(this))
 {
     _bar->setObjectName(QStringLiteral("progress"));
-    _bar->setRange(0, Steps);
-    _bar->setTextVisible(false);
-    _bar->setFixedWidth(180);
-    _bar->setMaximumHeight(12);
+    _bar->setFixedWidth(_bar->maximumWidth());
     _cancel->setObjectName(QStringLiteral("cancel"));
     _cancel->setText(tr("Cancel"));
     _cancel->setToolTip(tr("Stop loading and keep what is shown (Esc)"));
@@ -37,7 +29,7 @@ LoadingBar::LoadingBar(QWidget *parent)
 void LoadingBar::tell(const QString &what, double fraction)
 {
     _what->setText(what);
-    _bar->setValue(int(fraction * Steps));
+    _bar->tell(fraction);
     show();
 }
 

@@ -5,10 +5,11 @@
 #include <QtWidgets/QWidget>
 
 class QLabel;
-class QProgressBar;
 class QToolButton;
 
 namespace Halvard::Orv::Viewer {
+
+class ProgressBar;
 
 /// For a status bar; hidden while nothing is loaded.
 class LoadingBar : public QWidget
@@ -26,7 +27,7 @@ signals:
 
 private:
     QLabel *_what;
-    QProgressBar *_bar;
+    ProgressBar *_bar;
     QToolButton *_cancel;
 };
 

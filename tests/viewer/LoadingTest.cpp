@@ -17,6 +17,7 @@
 
 #include <viewer/LoadingBar.h>
 #include <viewer/ModelLoader.h>
+#include <viewer/ProgressBar.h>
 #include <viewer/RecentFiles.h>
 
 namespace {
@@ -225,6 +226,22 @@ TEST_F(LoadingTest, ALoadIsCancelledHalfWay)
     EXPECT_FALSE(window().findChild<LoadingBar *>()->isVisible());
     EXPECT_TRUE(showsRed());
     EXPECT_EQ(viewport().details()->path, files.path(QStringLiteral("model.obj")));
+}
+
+TEST_F(LoadingTest, ProgressIsPaintedSomeTimesASecond)
+{
+    auto *const bar = window().findChild<ProgressBar *>(QStringLiteral("progress"));
+    window().findChild<LoadingBar *>()->tell(QStringLiteral("Reading"), 0.25);
+    QTest::qWait(200);
+    ASSERT_TRUE(bar->isVisible());
+    EXPECT_EQ(bar->value(), bar->maximum() / 4);
+    QSignalSpy painted(bar, &QProgressBar::valueChanged);
+    for (int i = 0; i <= 500; ++i)
+        bar->tell(0.25 + i * 0.001);
+    EXPECT_EQ(painted.count(), 0) << "in the middle of other work";
+    QTest::qWait(200);
+    EXPECT_EQ(painted.count(), 1);
+    EXPECT_EQ(bar->value(), bar->maximum() * 3 / 4);
 }
 
 TEST_F(LoadingTest, AnUploadIsCancelledByEscape)

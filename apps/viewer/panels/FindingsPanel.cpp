@@ -7,6 +7,8 @@
 #include "FixReportDialog.h"
 #include "SeverityIcon.h"
 
+#include "../ProgressBar.h"
+
 #include <common/FindingLines.h>
 
 #include <QtCore/QDir>
@@ -18,7 +20,6 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QTextBrowser>
@@ -31,8 +32,6 @@
 namespace Halvard::Orv::Viewer {
 
 namespace {
-
-constexpr int ProgressSteps = 100;
 
 struct SeverityText
 {
@@ -120,10 +119,7 @@ QWidget *FindingsPanel::makeStatus()
     _status->setObjectName(QStringLiteral("findingsStatus"));
     _status->setTextFormat(Qt::PlainText); // names of files are no markup
     _status->setWordWrap(true);
-    _progress = new QProgressBar;
-    _progress->setRange(0, ProgressSteps);
-    _progress->setTextVisible(false);
-    _progress->setMaximumSize(180, 12);
+    _progress = new ProgressBar;
     _stop = new QPushButton(tr("Cancel"));
     _stop->setObjectName(QStringLiteral("stopChecking"));
     connect(_stop, &QPushButton::clicked, this, [this] {
@@ -197,9 +193,7 @@ void FindingsPanel::makeMenu()
 
 void FindingsPanel::connectWork()
 {
-    const auto tellProgress = [this](double fraction) {
-        _progress->setValue(int(fraction * ProgressSteps));
-    };
+    const auto tellProgress = [this](double fraction) { _progress->tell(fraction); };
     connect(&_checker, &ModelChecker::progressed, this, tellProgress);
     connect(&_fixer, &ModelFixer::progressed, this, tellProgress);
     connect(&_checker, &ModelChecker::checked, this,
@@ -284,7 +278,7 @@ void FindingsPanel::show(const std::shared_ptr<const ModelFindings> &findings)
 void FindingsPanel::tell(const QString &text, bool isWorking)
 {
     _status->setText(text);
-    _progress->setValue(0);
+    _progress->tell(0);
     _progress->setVisible(isWorking);
     _stop->setVisible(isWorking);
     _status->parentWidget()->setVisible(!text.isEmpty());

@@ -16,7 +16,6 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QModelIndex;
-class QProgressBar;
 class QPushButton;
 class QSplitter;
 class QTextBrowser;
@@ -27,6 +26,7 @@ namespace Halvard::Orv::Viewer {
 
 class FindingsFilter;
 class FindingsModel;
+class ProgressBar;
 
 /// The findings on a model in a list, with what follows from the chosen one, and a button that
 /// mends the model. The check runs beside the window, as soon as the panel is seen.
@@ -100,7 +100,7 @@ private:
     QLineEdit *_text;
     QPushButton *_fix;
     QLabel *_status;
-    QProgressBar *_progress;
+    ProgressBar *_progress;
     QPushButton *_stop;
     QSplitter *_splitter;
     QTreeView *_list;
