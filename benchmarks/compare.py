@@ -6,7 +6,8 @@ compare.py PROGRAMS OUT [--sizes 3,30,200] [--rounds N] [--lines-up-to MB]
            [--fast-obj] [--small FILE.obj...] MODEL.obj...
 
 PROGRAMS is the folder with the built programs. MODEL.obj:v/vt is the model without its
-normals. OUT receives results.json, table.md and chart.svg; the repeated models are made in OUT/models and stay there.
+normals. With --fast-obj, load_fast_obj takes part where it was built; files of positions only are also
+loaded in the shorter way that is open to them. OUT receives results.json, table.md and chart.svg; the repeated models are made in OUT/models and stay there.
 
 A round runs every contestant once, so that what else the machine does falls on all
 of them alike. Files above 100 MB have half as many rounds, and only one for those who
@@ -32,6 +33,7 @@ CONTESTANTS = {
     "lines": ["load_orv", "{file}", "lines"],
     "rules": ["load_rules", "{file}"],
     "fast_obj": ["load_fast_obj", "{file}"],
+    "fast_obj_v": ["load_fast_obj", "{file}", "positions"],
     "tinyobj": ["load_tinyobj", "{file}"],
     "assimp": ["load_assimp", "{file}"],
 }
@@ -71,7 +73,10 @@ def repeated(programs, folder, model, megabytes):
 
 
 def measure(programs, file, names, rounds):
-    file.read_bytes()
+    text = file.read_bytes()
+    if b"\nvt " in text or b"\nvn " in text:
+        names = [name for name in names if name != "fast_obj_v"]
+    del text
     runs = {name: [] for name in names}
     loads = []
     for number in range(rounds):
@@ -154,7 +159,7 @@ def main():
     # What an earlier build left is no contestant.
     available = [name for name, command in CONTESTANTS.items()
                  if (options.programs / command[0]).exists()
-                 and (name != "fast_obj" or options.fast_obj)]
+                 and (command[0] != "load_fast_obj" or options.fast_obj)]
     results = {"machine": machine(), "files": [], "growth": [], "small": [], "loads": []}
 
     def write():
@@ -168,7 +173,7 @@ def main():
             rounds = options.rounds if size < 100 else max(2, options.rounds // 2)
             runs, loads = measure(options.programs, file, names, rounds)
             result = {"model": model.name, "size": size, "bytes": file.stat().st_size,
-                      "contestants": {name: summary(runs[name]) for name in names}, "remarks": []}
+                      "contestants": {name: summary(runs[name]) for name in runs}, "remarks": []}
             check(result)
             results["files"].append(result)
             results["loads"] += loads

@@ -14,13 +14,14 @@ NAMES = {
     "lines": "this library, line by line",
     "rules": "the rules word for word",
     "fast_obj": "fast_obj + meshoptimizer",
+    "fast_obj_v": "fast_obj + meshoptimizer, positions only",
     "tinyobj": "tinyobjloader + meshoptimizer",
     "assimp": "Assimp",
 }
 # Of those that the chart shows: two threads take the CPU time of one, and an upload is another
 # subject.
 COLOURS = {"prepare": "#1b7837", "lines": "#999999", "rules": "#555555",
-           "fast_obj": "#67a9cf", "tinyobj": "#2166ac", "assimp": "#b2182b"}
+           "fast_obj": "#67a9cf", "fast_obj_v": "#8c6bb1", "tinyobj": "#2166ac", "assimp": "#b2182b"}
 
 
 def line(result):

@@ -1,11 +1,15 @@
 // Loads a model with fast_obj, welds it with meshoptimizer, and prints what it took, as
 // JSON.
 //
-//     load_fast_obj FILE.obj
+//     load_fast_obj FILE.obj [positions]
 //
 // The outcome is what load_orv prepares: separate arrays of positions, normals and texture
 // coordinates, welded by their bytes; triangles as indices, those of one material together. Faces of
 // more corners become fans.
+//
+// With "positions", of a file that has nothing else: corners then have one index already, and only the
+// positions are welded. To weld index tuples before bytes was tried for the other files: it takes more
+// time than to weld all corners by their bytes.
 #include "WeldedArrays.h"
 
 #define FAST_OBJ_IMPLEMENTATION
@@ -67,13 +71,51 @@ Numbers trianglesByMaterial(const fastObjMesh &mesh, const Numbers &vertexOfCorn
     return indices;
 }
 
+/// Welds the positions as the file lists them.
+/// \return the vertex of each corner.
+Numbers weldPositions(const fastObjMesh &mesh, Arrays &arrays)
+{
+    const size_t count = mesh.position_count;
+    Numbers corners;
+    corners.reserve(size_t(mesh.index_count) + 2);
+    for (unsigned i = 0; i < mesh.index_count; ++i)
+        corners.push_back(mesh.indices[i].p < count ? mesh.indices[i].p : 0);
+    while (corners.size() % 3 != 0) // as in cornerValues()
+        corners.push_back(corners.back());
+    Numbers vertexOfPosition(count);
+    const meshopt_Stream stream{mesh.positions, 3 * sizeof(float), 3 * sizeof(float)};
+    const size_t vertices = meshopt_generateVertexRemapMulti(
+        vertexOfPosition.data(), corners.data(), corners.size(), count, &stream, 1);
+    arrays.positions.resize(3 * vertices);
+    meshopt_remapVertexBuffer(arrays.positions.data(), mesh.positions, count, 3 * sizeof(float),
+                              vertexOfPosition.data());
+    for (unsigned &corner : corners)
+        corner = vertexOfPosition[corner];
+    return corners;
+}
+
+Mesh read(const char *fileName)
+{
+    Mesh mesh(fast_obj_read(fileName));
+    if (!mesh)
+        std::fprintf(stderr, "fast_obj cannot read '%s'\n", fileName);
+    return mesh;
+}
+
+bool loadPositions(const char *fileName, Arrays &arrays)
+{
+    const Mesh mesh = read(fileName);
+    if (!mesh || mesh->normal_count > 1 || mesh->texcoord_count > 1)
+        return false;
+    arrays.indices = trianglesByMaterial(*mesh, weldPositions(*mesh, arrays));
+    return true;
+}
+
 bool load(const char *fileName, Arrays &arrays)
 {
-    const Mesh mesh(fast_obj_read(fileName));
-    if (!mesh) {
-        std::fprintf(stderr, "fast_obj cannot read '%s'\n", fileName);
+    const Mesh mesh = read(fileName);
+    if (!mesh)
         return false;
-    }
     // What a corner without a normal gets: fast_obj's own is 0 0 1, all others' is zeros.
     std::memset(mesh->normals, 0, 3 * sizeof(float));
     arrays.positions =
@@ -93,5 +135,6 @@ bool load(const char *fileName, Arrays &arrays)
 
 int main(int argc, char *argv[])
 {
-    return measureArrays(argc, argv, load);
+    const bool onlyPositions = argc > 2 && std::strcmp(argv[2], "positions") == 0;
+    return measureArrays(argc, argv, onlyPositions ? loadPositions : load);
 }
