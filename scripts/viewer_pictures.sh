@@ -14,10 +14,11 @@ expect_arguments 1 "$@"
 build_dir=${1:-$repository/build/release}
 [[ -f $build_dir/CMakeCache.txt ]] || die "'$build_dir' is not configured: cmake --preset release"
 build "$build_dir" --target OrvWindowPictures
-# In a folder of their own, so that the paths in the window have no part of this machine in them.
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cp -r "$repository/samples" "$work"
+# The window shows paths: those of a folder that is called the same on every machine and at every run.
+samples=/tmp/models
+mkdir "$samples" || die "'$samples' is needed for the samples that the pictures show: move it away"
+trap 'rm -rf "$samples"' EXIT
+cp -r "$repository/samples/." "$samples"
 bash "$repository/tests/viewer/with_display.sh" "$build_dir/tests/viewer/OrvWindowPictures" \
-  "$work/samples" "$repository/docs/images"
+  "$samples" "$repository/docs/images"
 printf 'The pictures are in %s\n' "$repository/docs/images"
