@@ -54,6 +54,9 @@ protected:
         QTest::keyClick(&window(), Qt::Key_1);
     }
 
+    /// Those of the display: more than the window counts where the screen is a fine one.
+    QSize pixels() { return viewport().size() * viewport().devicePixelRatioF(); }
+
     /// Where a point of the model is seen.
     QColor colourOf(const QVector3D &point)
     {
@@ -118,6 +121,26 @@ TEST_F(ViewingTest, EachShadingShowsWhatItSays)
     EXPECT_NEAR(colourOf(red).red(), colourOf(red).blue(), 3) << "a light is not quite white";
     viewport().frameModel(180, 0);
     EXPECT_GT(colourOf(red).red(), 3 * colourOf(red).blue());
+}
+
+TEST_F(ViewingTest, ThePictureHasThePixelsOfTheScreen)
+{
+    const int scale = qEnvironmentVariableIntValue("QT_SCALE_FACTOR");
+    ASSERT_GE(scale, 1);
+    EXPECT_EQ(viewport().devicePixelRatioF(), scale);
+    const QImage image = seen();
+    EXPECT_EQ(image.size(), viewport().size() * scale);
+    // Not one that was made larger: where the squares meet, at most one pixel has both colours.
+    int reds = 0, blues = 0, both = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        const QColor colour = image.pixelColor(x, image.height() / 2);
+        reds += colour.red() > 0 && colour.blue() == 0;
+        blues += colour.blue() > 0 && colour.red() == 0;
+        both += colour.red() > 0 && colour.blue() > 0;
+    }
+    EXPECT_GT(reds, image.width() / 4);
+    EXPECT_GT(blues, image.width() / 4);
+    EXPECT_LE(both, 1);
 }
 
 TEST_F(ViewingTest, LinesGridAndAxesComeAndGo)
@@ -287,7 +310,7 @@ TEST_F(ViewingTest, ThePictureIsThatOfTheCommandLine)
         SCOPED_TRACE(row.name);
         row.change();
         const QString saved = files.path(QStringLiteral("saved.png"));
-        const QSize size = viewport().size();
+        const QSize size = pixels();
         ASSERT_TRUE(window().savePicture(saved, size, viewport().options()));
         actions().copyCommand->trigger();
         QString line = QGuiApplication::clipboard()->text();
@@ -340,7 +363,7 @@ TEST_F(ViewingTest, APictureIsSavedLargerAndTransparent)
     });
     actions().savePicture->trigger();
     const QImage picture(path);
-    EXPECT_EQ(picture.size(), viewport().size() * 2);
+    EXPECT_EQ(picture.size(), pixels() * 2);
     EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 0);
     EXPECT_EQ(picture.pixelColor(picture.width() / 4, picture.height() / 2).alpha(), 255);
     EXPECT_EQ(window().statusBar()->currentMessage().toStdString(),
@@ -381,9 +404,9 @@ TEST_F(ViewingTest, ThePictureIsCopied)
 {
     actions().copyPicture->trigger();
     const QImage copied = QGuiApplication::clipboard()->image();
-    EXPECT_EQ(copied.size(), viewport().size());
-    const auto place = viewport().camera().seenAt(red);
-    EXPECT_GT(copied.pixelColor(place->toPoint()).red(), 150);
+    EXPECT_EQ(copied.size(), pixels());
+    const QPointF place = *viewport().camera().seenAt(red) * viewport().devicePixelRatioF();
+    EXPECT_GT(copied.pixelColor(place.toPoint()).red(), 150);
 }
 
 TEST_F(ViewingTest, AnotherContextLoadsTheModelAgainFromTheSameCamera)

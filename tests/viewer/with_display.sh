@@ -16,4 +16,6 @@ export QT_STYLE_OVERRIDE=Fusion QT_SCALE_FACTOR=${QT_SCALE_FACTOR:-1} LC_ALL=C.U
 unset QT_QPA_PLATFORMTHEME QT_FONT_DPI
 # libxkbcommon copies names that no zero byte ends, by their length.
 export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}strict_string_checks=0
-exec xvfb-run --auto-servernum --server-args="-screen 0 1600x1200x24 -dpi 96 -noreset" "$@"
+scale=$QT_SCALE_FACTOR # a whole number: so many pixels of the display are one of a window
+exec xvfb-run --auto-servernum \
+  --server-args="-screen 0 $((1600 * scale))x$((1200 * scale))x24 -dpi 96 -noreset" "$@"
