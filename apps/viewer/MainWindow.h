@@ -84,6 +84,7 @@ private:
     void connectActions();
     void connectCameraActions();
     void connectPictureActions();
+    void connectHelpActions();
     void connectLoading();
     void connectViewport();
     void load(const QString &path, bool isAutomatic);

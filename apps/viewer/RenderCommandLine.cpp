@@ -4,8 +4,11 @@
 
 #include <render/Renderer.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
+
+#include <algorithm>
 
 namespace Halvard::Orv::Viewer {
 
@@ -51,9 +54,34 @@ QStringList backgroundArguments(const Render::RenderOptions &options)
     return {QStringLiteral("--background"), text};
 }
 
+/// In a terminal, and as text, the name is what it is.
+bool isPrintable(const QString &word)
+{
+    const auto letters = word.toUcs4();
+    return std::all_of(letters.begin(), letters.end(), [](uint c) { return QChar::isPrint(c); });
+}
+
+/// Each byte that is no plain letter by its number.
+QString quotedBytes(const QByteArray &bytes)
+{
+    QString text = QStringLiteral("$'");
+    for (const char byte : bytes) {
+        const bool isPlain = byte >= ' ' && byte <= '~' && byte != '\'' && byte != '\\';
+        if (isPlain)
+            text += QLatin1Char(byte);
+        else // in octal: of as many digits in every shell
+            text += QStringLiteral("\\%1").arg(uchar(byte), 3, 8, QLatin1Char('0'));
+    }
+    return text + QLatin1Char('\'');
+}
+
 /// As a shell reads it back.
 QString quoted(const QString &word)
 {
+    // What is pasted is text, and becomes UTF-8 again; the name of a file is bytes.
+    const QByteArray bytes = QFile::encodeName(word);
+    if (!isPrintable(word) || bytes != word.toUtf8())
+        return quotedBytes(bytes);
     static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_@%+=:,./-]+$"));
     if (plain.match(word).hasMatch())
         return word;

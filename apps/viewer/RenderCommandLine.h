@@ -19,7 +19,8 @@ class CameraControl;
 QStringList renderArguments(const QString &model, const QString &picture, const QSize &size,
                             const CameraControl &camera, const Render::RenderOptions &options);
 
-/// The same as a line for a shell, from "orv" on.
+/// The same as a line for a shell, from "orv" on. Names with control characters, and those whose bytes
+/// are not UTF-8, come as $'...', which bash, zsh and ksh read.
 QString renderCommandLine(const QStringList &arguments);
 
 } // namespace Halvard::Orv::Viewer

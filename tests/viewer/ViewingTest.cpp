@@ -2,7 +2,9 @@
 #include "WindowTest.h"
 #include <render/Shading.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QProcess>
+#include <QtCore/QTextCodec>
 #include <QtGui/QClipboard>
 #include <QtGui/QWheelEvent>
 #include <QtTest/QTest>
@@ -22,6 +24,7 @@
 #include <cmath>
 #include <viewer/Notice.h>
 #include <viewer/PictureDialog.h>
+#include <viewer/RenderCommandLine.h>
 #include <viewer/ShortcutsSheet.h>
 
 namespace {
@@ -340,6 +343,47 @@ TEST_F(ViewingTest, ANameIsQuotedForTheShell)
                                            QGuiApplication::clipboard()->text()});
     ASSERT_TRUE(shell.waitForFinished());
     EXPECT_EQ(shell.readAllStandardOutput().toStdString(), path.toStdString());
+}
+
+/// Also names that no terminal could be pasted.
+TEST_F(ViewingTest, ANameOfAnyBytesIsQuotedForTheShell)
+{
+    struct
+    {
+        const char *name;
+        const char *codec; // of the locale
+        QByteArray bytes;
+        const char *quoted; // null where it is enough that the shell reads it
+    } const rows[] = {
+        {"letters", "UTF-8", "\xc3\xbc.obj", "'\xc3\xbc.obj'"},
+        {"letters beyond 16 bits", "UTF-8", "\xf0\x9f\x92\xa1.obj", "'\xf0\x9f\x92\xa1.obj'"},
+        {"an end of line", "UTF-8", "a\nb", "$'a\\012b'"},
+        {"an escape sequence", "UTF-8", "\x1b[31m", nullptr},
+        {"a digit behind a number", "UTF-8", "\0017", nullptr},
+        {"quotes, backslashes", "UTF-8", "\t'\\'", nullptr},
+        {"a sign that turns the direction of text", "UTF-8",
+         "a\xe2\x80\xae"
+         "b",
+         nullptr},
+        {"UTF-8 in another locale", "ISO-8859-1", "\xc3\xbc.obj", "$'\\303\\274.obj'"},
+        {"bytes that are not UTF-8", "ISO-8859-1", "\xfc.obj", "$'\\374.obj'"},
+    };
+    QTextCodec *const before = QTextCodec::codecForLocale();
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(row.codec));
+        const QString line = renderCommandLine({QFile::decodeName(row.bytes)});
+        QTextCodec::setCodecForLocale(before);
+        if (row.quoted) {
+            EXPECT_EQ(line.toStdString(), std::string("orv ") + row.quoted);
+        }
+        const QString script = files.path(QStringLiteral("script"));
+        files.write(QStringLiteral("script"), "orv() { printf '%s' \"$1\"; }\n" + line.toUtf8());
+        QProcess shell;
+        shell.start(QStringLiteral("bash"), {script});
+        ASSERT_TRUE(shell.waitForFinished());
+        EXPECT_EQ(shell.readAllStandardOutput().toHex(), row.bytes.toHex());
+    }
 }
 
 TEST_F(ViewingTest, APictureIsSavedLargerAndTransparent)
