@@ -15,6 +15,8 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QToolButton>
 
+#include <cstdio>
+#include <fstream>
 #include <viewer/LoadingBar.h>
 #include <viewer/ModelLoader.h>
 #include <viewer/ProgressBar.h>
@@ -226,6 +228,19 @@ TEST_F(LoadingTest, ALoadIsCancelledHalfWay)
     EXPECT_FALSE(window().findChild<LoadingBar *>()->isVisible());
     EXPECT_TRUE(showsRed());
     EXPECT_EQ(viewport().details()->path, files.path(QStringLiteral("model.obj")));
+}
+
+/// Names are bytes to the system, and text to the window: one that is no text cannot be asked for.
+TEST_F(LoadingTest, AFileWhoseNameIsNoTextIsASentence)
+{
+    const QByteArray name = files.directory().toLocal8Bit() + "/\xff.obj";
+    std::ofstream(name.constData()) << Square.constData() << "f 1 2 3 4\n";
+    const QString sentence = failsAfter([&] { window().open(QFile::decodeName(name)); });
+    std::remove(name.constData()); // which the folder's own clearing up could not
+    EXPECT_EQ(sentence,
+              QStringLiteral("Failed to load OBJ file '%1': no such file.")
+                  .arg(files.path(QString(QChar::ReplacementCharacter)) + QStringLiteral(".obj")));
+    EXPECT_EQ(notice(), sentence);
 }
 
 TEST_F(LoadingTest, ProgressIsPaintedSomeTimesASecond)
