@@ -4,11 +4,11 @@
 #include "reference/ModelGenerator.h"
 #include "reference/Shrinking.h"
 #include "support/GLTest.h"
+#include "support/ModelFolders.h"
 #include "support/TemporaryModel.h"
 
 #include "Check/ChecksPage.h"
 
-#include <QtCore/QDirIterator>
 #include <QtCore/QHashFunctions>
 
 namespace {
@@ -29,10 +29,7 @@ protected:
     static int expectAgreement(const char *folder)
     {
         int models = 0;
-        QDirIterator found(QString::fromUtf8(folder), {QStringLiteral("*.obj")}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (found.hasNext()) {
-            const QString file = found.next();
+        for (const QString &file : OrvTest::modelsBelow(QString::fromUtf8(folder))) {
             for (const std::string &line : disagreements(file))
                 ADD_FAILURE() << file.toStdString() << ": " << line;
             ++models;

@@ -2,24 +2,12 @@
 // and every message must be the same.
 #include "support/BothPaths.h"
 #include "support/GLTest.h"
+#include "support/ModelFolders.h"
 #include "support/TemporaryModel.h"
-
-#include <QtCore/QDirIterator>
 
 using namespace OrvTest;
 
 namespace {
-
-/// Every OBJ file below a folder.
-QStringList modelsBelow(const QString &folder)
-{
-    QStringList files;
-    QDirIterator found(folder, {QStringLiteral("*.obj")}, QDir::Files,
-                       QDirIterator::Subdirectories);
-    while (found.hasNext())
-        files.append(found.next());
-    return files;
-}
 
 class LoaderPathsTest : public GLTest
 {};

@@ -2,10 +2,10 @@
 #include "reference/Reference.h"
 #include "support/GLTest.h"
 #include "support/ModelDifferences.h"
+#include "support/ModelFolders.h"
 #include "support/ModelReadBack.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 
 namespace {
 
@@ -19,10 +19,7 @@ protected:
     static int expectReference(const char *folder)
     {
         int models = 0;
-        QDirIterator found(QString::fromUtf8(folder), {QStringLiteral("*.obj")}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (found.hasNext()) {
-            const QString file = found.next();
+        for (const QString &file : modelsBelow(QString::fromUtf8(folder))) {
             for (const std::string &line :
                  differences(loadByReference(file), loadWithLibrary(file)))
                 ADD_FAILURE() << file.toStdString() << ": " << line;

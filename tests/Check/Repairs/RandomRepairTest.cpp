@@ -2,13 +2,13 @@
 #include "reference/ModelGenerator.h"
 #include "reference/Shrinking.h"
 #include "support/GLTest.h"
+#include "support/ModelFolders.h"
 
 #include "Check/Agreement.h"
 #include "Check/Repairs/RepairProperties.h"
 #include <OrvCheck/ModelCheck.h>
 #include <OrvCheck/ModelRepair.h>
 
-#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QHashFunctions>
@@ -82,10 +82,7 @@ TEST_F(Repairs, KeepTheirPromisesOnRandomModels)
 int expectPromises(const char *folder)
 {
     int models = 0;
-    QDirIterator found(QString::fromUtf8(folder), {QStringLiteral("*.obj")}, QDir::Files,
-                       QDirIterator::Subdirectories);
-    while (found.hasNext()) {
-        const QString file = found.next();
+    for (const QString &file : OrvTest::modelsBelow(QString::fromUtf8(folder))) {
         const QTemporaryDir elsewhere;
         const QString output = elsewhere.filePath(QStringLiteral("fixed.obj"));
         for (const std::string &line : brokenPromises(file, output))
