@@ -1,5 +1,7 @@
 #include "Reading/TextLines.h"
 
+#include <Pieces/RawReading.h>
+
 #include <QtCore/QIODevice>
 #include <QtCore/QTextCodec>
 
@@ -50,23 +52,6 @@ std::ptrdiff_t unfinishedBytes(const char *begin, const char *end)
     }
     return 0;
 }
-
-/// Turns the text mode of a device off while it lives.
-class RawReading
-{
-public:
-    explicit RawReading(QIODevice &device) : _device(device), _textMode(device.isTextModeEnabled())
-    {
-        _device.setTextModeEnabled(false);
-    }
-    ~RawReading() { _device.setTextModeEnabled(_textMode); }
-    RawReading(const RawReading &) = delete;
-    RawReading &operator=(const RawReading &) = delete;
-
-private:
-    QIODevice &_device;
-    const bool _textMode;
-};
 
 } // namespace
 

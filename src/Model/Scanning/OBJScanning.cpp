@@ -3,6 +3,7 @@
 #include "Libraries/MaterialLibraries.h"
 #include "Pieces/DeviceReading.h"
 #include "Pieces/LineChunks.h"
+#include "Pieces/RawReading.h"
 #include "Scanning/FaceGrouping.h"
 #include "Scanning/ParallelScanning.h"
 #include "Scanning/TextScanning.h"
@@ -17,23 +18,6 @@ namespace Halvard::Orv {
 namespace {
 
 using Outcome = OBJScanOutcome;
-
-/// Turns the text mode of a device off while it lives.
-class RawReading
-{
-public:
-    explicit RawReading(QIODevice &device) : _device(device), _textMode(device.isTextModeEnabled())
-    {
-        _device.setTextModeEnabled(false);
-    }
-    ~RawReading() { _device.setTextModeEnabled(_textMode); }
-    RawReading(const RawReading &) = delete;
-    RawReading &operator=(const RawReading &) = delete;
-
-private:
-    QIODevice &_device;
-    const bool _textMode;
-};
 
 /// Makes room for what a file of `bytes` bytes may hold, by the length that numbers
 /// have in large files. Arrays as large as theirs have pages of their own: room that is
