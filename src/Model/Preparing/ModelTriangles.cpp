@@ -74,7 +74,7 @@ void ModelTriangles::cutPart(size_t part, size_t partCount, ParallelNormals *nor
     if (range.begin == range.end)
         return;
     std::optional<VertexNormalSums> sums;
-    if (normals)
+    if (normals && normals->goesOn(part))
         sums.emplace(normals->sumsOf(part));
     auto triangles = std::make_unique<FaceTriangles>(
         _counts, _corners, _positions, _out + outBegin(part, partCount), sums ? &*sums : nullptr);

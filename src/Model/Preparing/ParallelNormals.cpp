@@ -36,6 +36,7 @@ void ParallelNormals::begin(size_t partCount, bool areInFileOrder, const Visit &
         findFirstNew(partCount, visit);
     else
         findParts(partCount, visit);
+    _isAbandoned = estimatedDeferred(partCount, visit) > mostDeferred();
     const size_t size = _sizes.elementsPerTask;
     _work.forEach(Clearing, TaskRange::taskCount(size, _vertexCount), [&](size_t task) {
         const TaskRange range(task, size, _vertexCount);
@@ -75,7 +76,31 @@ void ParallelNormals::findParts(size_t partCount, const Visit &visit)
     });
 }
 
-VertexNormalSums ParallelNormals::sumsOf(size_t part)
+/// How many additions will be deferred, from some of the corners.
+size_t ParallelNormals::estimatedDeferred(size_t partCount, const Visit &visit)
+{
+    constexpr ptrdiff_t Stride = 61; // prime: no step of a mesh's
+    std::atomic<size_t> count{0};
+    _work.forEach(Finding, partCount, [&](size_t part) {
+        const VertexOwners owners = ownersOf(part);
+        size_t countOfPart = 0;
+        visit(part, [&](const quint32 *begin, const quint32 *end) {
+            for (; begin < end; begin += std::min(Stride, end - begin))
+                countOfPart += owners.isOwn(*begin) ? 0 : 1;
+        });
+        count += countOfPart;
+    });
+    return count * Stride;
+}
+
+/// Faces in random order would defer nearly everything, and take more memory for it than the
+/// model: adding everything on one thread is then no slower.
+size_t ParallelNormals::mostDeferred() const
+{
+    return 1024 + _vertexCount / 2;
+}
+
+VertexOwners ParallelNormals::ownersOf(size_t part) const
 {
     VertexOwners owners;
     owners.part = static_cast<quint32>(part);
@@ -83,18 +108,20 @@ VertexNormalSums ParallelNormals::sumsOf(size_t part)
         owners.partOf = _partOf.data();
     else
         owners.firstNew = _firstNew[part];
-    return {_vertexCount, _positions, _normals, owners, _parts[part].deferred};
+    return owners;
+}
+
+VertexNormalSums ParallelNormals::sumsOf(size_t part)
+{
+    return {_vertexCount, _positions, _normals, ownersOf(part), _parts[part].deferred};
 }
 
 bool ParallelNormals::goesOn(size_t number)
 {
-    // Faces in random order would defer nearly everything, and take more memory for it than the
-    // model: adding everything on one thread is then no slower.
-    const size_t most = 1024 + _vertexCount / 2;
     Part &part = _parts[number];
     const size_t more = part.deferred.count() - part.counted;
     part.counted += more;
-    if ((_deferredCount += more) > most)
+    if ((_deferredCount += more) > mostDeferred())
         _isAbandoned = true;
     return !_isAbandoned;
 }

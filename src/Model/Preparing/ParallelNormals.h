@@ -41,8 +41,8 @@ public:
 
     /// Sums for a part; for any thread.
     VertexNormalSums sumsOf(size_t part);
-    /// Asked now and then by those who add to a part. False when so much was deferred that adding
-    /// more is for nothing: end() will add everything anew.
+    /// Asked by those who add to a part, before they begin and now and then. False when so much is
+    /// deferred that adding more is for nothing: end() will add everything anew.
     bool goesOn(size_t part);
 
     /// Adds what was deferred, and normalises.
@@ -52,6 +52,9 @@ public:
 private:
     void findFirstNew(size_t partCount, const Visit &visit);
     void findParts(size_t partCount, const Visit &visit);
+    size_t estimatedDeferred(size_t partCount, const Visit &visit);
+    size_t mostDeferred() const;
+    VertexOwners ownersOf(size_t part) const;
 
     const quint32 _vertexCount;
     const float *const _positions;

@@ -12,7 +12,7 @@ namespace Halvard::Orv {
 struct PreparingSizes
 {
     /// Models with fewer corners are prepared on one thread: others would come too late.
-    quint32 threadsFromCorners = 1u << 17;
+    quint32 threadsFromCorners = 1u << 18;
     quint32 facesPerTask = 1u << 14;
     /// Elements of plain arrays: corners, tuples, vertices.
     size_t elementsPerTask = size_t(1) << 16;

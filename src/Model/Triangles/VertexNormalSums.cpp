@@ -119,7 +119,7 @@ void VertexNormalSums::addOne(const quint32 *corners)
 
 void VertexNormalSums::addToVertexOrDefer(quint32 vertex, float x, float y, float z)
 {
-    if (isOwn(vertex))
+    if (_owners.isOwn(vertex))
         addToSum(_normals, vertex, {x, y, z});
     else
         _deferred->add(vertex, x, y, z);

@@ -31,6 +31,11 @@ struct VertexOwners
     quint32 part = 0;
     /// The first vertex that belongs to no earlier part, where there is no partOf.
     quint32 firstNew = 0;
+
+    bool isOwn(quint32 vertex) const
+    {
+        return partOf ? partOf[vertex] == part : vertex >= firstNew;
+    }
 };
 
 /// Additions to vertices of other parts, which must wait until those are done.
@@ -149,10 +154,6 @@ private:
         Mask4 fours[3];
         std::memcpy(fours, corners, sizeof fours);
         return lanesOf((fours[0] < firstNew) | (fours[1] < firstNew) | (fours[2] < firstNew)) == 0;
-    }
-    bool isOwn(quint32 vertex) const
-    {
-        return _owners.partOf ? _owners.partOf[vertex] == _owners.part : vertex >= _owners.firstNew;
     }
     bool areOwnByTable(const quint32 *corners) const;
 
