@@ -33,15 +33,17 @@ build_packages=(
 # that another library is tested with.
 # The reference is made, JSON is held against its schemas, and the programs of the documents are
 # built, those for other libraries, too. The window is tested on a display without a screen, whose
-# OpenGL is GLX's; it writes with that font.
+# OpenGL is GLX's; it writes with that font. What is built with Assimp links zlib, whose headers and
+# links its package does not ask for.
 test_packages=(libgtest-dev libgmock-dev libgles2 assimp-testmodels doxygen python3-jsonschema
-  libtinyobjloader-dev libassimp-dev xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core
+  libtinyobjloader-dev libassimp-dev zlib1g-dev xvfb xauth libgl1 libglx-mesa0 fonts-dejavu-core
   # Exported headers are compiled with it, too.
   clang)
 # The runtime is only recommended by the compiler, and the symbolizer of llvm makes names and
 # lines of the addresses in reports.
 fuzz_packages=(clang libclang-rt-14-dev llvm)
-bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev python3)
+bench_packages=(libbenchmark-dev libtinyobjloader-dev libmeshoptimizer-dev libassimp-dev zlib1g-dev
+  python3)
 coverage_packages=(gcovr)
 package_packages=(dpkg-dev file git lintian)
 
