@@ -142,11 +142,12 @@ QString LineTokens::textFrom(int first) const
 QString LineTokens::decoded(const char *begin, const char *end) const
 {
     // What follows breaks a sequence off that the bytes do not complete, and how many replacement
-    // characters it gives depends on that. At the end of the file nothing does, and it is dropped.
+    // characters it gives depends on that. Of what nothing follows, at the end of the file, the lines
+    // have dropped such bytes.
     const bool mayBreakOff = end > begin && static_cast<signed char>(end[-1]) < 0;
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     QString text;
-    if (mayBreakOff && !(_line.isOpen() && end == _line.end)) {
+    if (mayBreakOff) {
         QByteArray bytes(begin, static_cast<int>(end - begin));
         bytes += ' ';
         text = _codec.toUnicode(bytes.constData(), bytes.size(), &state);

@@ -46,8 +46,10 @@ std::ptrdiff_t unfinishedBytes(const char *begin, const char *end)
         if (byte < 0x80)
             return 0;
         if (byte >= 0xc0) {
+            // Others begin nothing, and are replaced.
+            const bool begins = byte >= 0xc2 && byte <= 0xf4;
             const std::ptrdiff_t length = byte < 0xe0 ? 2 : byte < 0xf0 ? 3 : 4;
-            return length > i ? i : 0;
+            return begins && length > i ? i : 0;
         }
     }
     return 0;

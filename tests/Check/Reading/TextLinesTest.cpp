@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QBuffer>
+#include <QtCore/QTextCodec>
 
 #include <string>
 #include <tuple>
@@ -58,6 +59,32 @@ TEST(TextLines, AreNoneInAnEmptyFile)
 TEST(TextLines, LeaveTheMarkOfUTF8Out)
 {
     EXPECT_EQ(linesOf("\xef\xbb\xbfv\nf"), (std::vector<Line>{{1, 0, "v", "\n"}, {2, 2, "f", ""}}));
+}
+
+/// What begins a character in UTF-8 and does not end it is dropped at the end of a file, as by a
+/// decoder; what begins nothing is replaced, and stays.
+TEST(TextLines, DropWhatADecoderWaitsWithAtTheEnd)
+{
+    const auto *const codec = QTextCodec::codecForName("UTF-8");
+    std::vector<QByteArray> ends;
+    for (int first = 0x80; first <= 0xff; ++first) {
+        ends.push_back(QByteArray(1, static_cast<char>(first)));
+        for (const int second : {0x78, 0x80, 0xbf, 0xc3, 0xfe}) {
+            ends.push_back(ends.back().left(1) + static_cast<char>(second));
+            for (const int third : {0x78, 0x80, 0xe2})
+                ends.push_back(ends.back().left(2) + static_cast<char>(third));
+        }
+    }
+    for (const QByteArray &end : ends) {
+        QTextCodec::ConverterState ofAll(QTextCodec::IgnoreHeader);
+        QTextCodec::ConverterState ofLine(QTextCodec::IgnoreHeader);
+        const QByteArray text = "name" + end;
+        // With a blank, which breaks off what the byte that was dropped broke off.
+        const std::string line = std::get<2>(linesOf(text).at(0)) + ' ';
+        EXPECT_EQ(codec->toUnicode(line.data(), static_cast<int>(line.size()), &ofLine),
+                  codec->toUnicode(text.data(), text.size(), &ofAll) + QLatin1Char(' '))
+            << text.toPercentEncoding().toStdString();
+    }
 }
 
 /// The letter e with an acute accent, and a character beyond 16 bits, which takes two of them.
