@@ -142,7 +142,7 @@ QString LineTokens::textFrom(int first) const
 QString LineTokens::decoded(const char *begin, const char *end) const
 {
     // What follows breaks a sequence off that the bytes do not complete, and how many replacement
-    // characters it gives depends on that. Of what nothing follows, at the end of the file, the lines
+    // characters it gives depends on that. At the end of the file nothing follows: there the lines
     // have dropped such bytes.
     const bool mayBreakOff = end > begin && static_cast<signed char>(end[-1]) < 0;
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);

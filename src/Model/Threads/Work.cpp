@@ -169,19 +169,6 @@ void Work::tell(WorkStage stage, double fraction)
         throw WorkStopped();
 }
 
-void Work::forEachInParts(const StagePart &part, size_t count, size_t size, const PartTask &task)
-{
-    WorkSteps steps{part, TaskRange::taskCount(size, count)};
-    forEach(part, partCount(), [&](size_t number) {
-        const EqualRange tasks(number, partCount(), steps.count);
-        for (size_t i = tasks.begin; i < tasks.end; ++i) {
-            const TaskRange range(i, size, count);
-            task(number, range.begin, range.end);
-            step(steps);
-        }
-    });
-}
-
 void Work::step(WorkSteps &steps)
 {
     disturb();

@@ -102,13 +102,6 @@ public:
     void forEachInOrder(const StagePart &part, size_t count,
                         const std::function<void(size_t)> &task);
 
-    /// Calls task(part, begin, end) for steps of at most `size` elements that cover [0, count).
-    /// Each of some large parts is done in order by one thread: neighbouring elements share
-    /// memory that threads would otherwise take from each other.
-    using PartTask = std::function<void(size_t part, size_t begin, size_t end)>;
-    void forEachInParts(const StagePart &part, size_t count, size_t size, const PartTask &task);
-    size_t partCount() const { return isAlone() ? 1 : 2 * size_t(_threadCount); }
-
     /// Called by a task that takes long, on any thread, after each of its steps.
     /// Throws WorkStopped when the work has ended meanwhile; tells how far it is.
     void step(WorkSteps &steps);
