@@ -9,6 +9,9 @@
 
 #include "Triangles/Ears/BlockerSearch.h"
 #include "Triangles/Ears/CornerEvaluation.h"
+#include "Triangles/Ears/LineSearch.h"
+
+#include <cmath>
 
 using namespace Halvard::Orv;
 using namespace OrvFuzz;
@@ -47,6 +50,7 @@ public:
         for (int i = 0; i < count; ++i)
             _corners.push_back({(i + 1) % count, (i + count - 1) % count, 0.0f, 0.0f, true, false});
         _blockers.reset(_points.data(), count);
+        placeForLines();
     }
 
     /// The corner `number`, or the next one that is still there.
@@ -67,6 +71,8 @@ public:
         const OrvTest::PlainCorner plain =
             OrvTest::plainCorner(_points, _active, index, corner.next, corner.prev);
         require(corner.isEar == plain.isEar, "an ear for one of the two only");
+        if (corner.crossZ > 0.0f)
+            compareLineSearch(index);
     }
 
     void remove(int index)
@@ -76,15 +82,78 @@ public:
         _corners[static_cast<std::size_t>(corner.next)].prev = corner.prev;
         _active[static_cast<std::size_t>(index)] = false;
         _blockers.remove(index);
+        _lineSearch.remove(index);
         compare(corner.prev);
         compare(corner.next);
     }
 
 private:
+    CornerTriangle triangleOf(int index) const
+    {
+        const Vertex &corner = _corners[static_cast<std::size_t>(index)];
+        return CornerTriangle(at(index), at(corner.next), at(corner.prev));
+    }
+
+    QVector2D at(int index) const { return _points[static_cast<std::size_t>(index)]; }
+
+    /// In rings of this size nothing takes so long that it would be done.
+    void placeForLines()
+    {
+        const int count = static_cast<int>(_points.size());
+        std::vector<int> sites;
+        _lineSearch.reset(count, count);
+        for (int i = 0; i < count; ++i) {
+            const CornerTriangle triangle = triangleOf(i);
+            const QVector2D direction = triangle.longestDirection();
+            if (!std::isnan(direction.x()) && !std::isnan(direction.y()))
+                _lineSearch.note(triangle, LineSearch::ManySteps);
+            if (std::isfinite(at(i).x()) && std::isfinite(at(i).y()))
+                sites.push_back(i);
+        }
+        _hasLineSearch = _lineSearch.isWorthIt() && !sites.empty();
+        if (_hasLineSearch)
+            _lineSearch.place(sites, _points);
+    }
+
+    /// What is found blocks; what is near a corner need not be found.
+    void compareLineSearch(int index)
+    {
+        if (!_hasLineSearch)
+            return;
+        const CornerTriangle triangle = triangleOf(index);
+        const QVector2D opposite = triangle.edge(1).direction;
+        if (std::isnan(opposite.x()) || std::isnan(opposite.y()))
+            return;
+        const int found = _lineSearch.blocker(triangle, TriangleReach(triangle));
+        if (found != NoSite) {
+            require(_active[static_cast<std::size_t>(found)], "a corner that is gone blocks");
+            require(triangle.isBlockedBy(at(found)), "a corner that does not block was found");
+            return;
+        }
+        for (int i = 0; i < static_cast<int>(_points.size()); ++i)
+            require(!_active[static_cast<std::size_t>(i)] || !triangle.isBlockedBy(at(i)) ||
+                        isNearACorner(at(i), triangle),
+                    "a corner that blocks was not found");
+    }
+
+    static bool isNearACorner(QVector2D point, const CornerTriangle &triangle)
+    {
+        for (int i = 0; i < 3; ++i) {
+            const QVector2D corner = triangle.edge(i).start;
+            if (std::hypot(static_cast<double>(point.x()) - static_cast<double>(corner.x()),
+                           static_cast<double>(point.y()) - static_cast<double>(corner.y())) <=
+                1.000001e-6)
+                return true;
+        }
+        return false;
+    }
+
     std::vector<QVector2D> _points;
     std::vector<bool> _active;
     std::vector<Vertex> _corners;
     BlockerSearch _blockers;
+    LineSearch _lineSearch;
+    bool _hasLineSearch = false;
 };
 
 } // namespace

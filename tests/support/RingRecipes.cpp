@@ -202,7 +202,7 @@ std::string written(const RingRecipe &recipe)
 namespace {
 
 RingRecipe with(RingRecipe::Shape shape, RingRecipe::Order order, double bend = 1.0, int period = 3,
-                double noiseX = 0.0, double noiseY = 0.0, double tilt = 0.0)
+                double noiseX = 0.0, double noiseY = 0.0, double tilt = 0.0, double offset = 0.0)
 {
     RingRecipe recipe;
     recipe.shape = shape;
@@ -212,6 +212,7 @@ RingRecipe with(RingRecipe::Shape shape, RingRecipe::Order order, double bend = 
     recipe.noiseX = noiseX;
     recipe.noiseY = noiseY;
     recipe.tilt = tilt;
+    recipe.offset = offset;
     return recipe;
 }
 
@@ -229,8 +230,12 @@ const std::vector<RingFamily> &hostileRings()
         {"flatter lens", with(R::Lens, R::Forward, 1e-5)},
         {"tilted lens", with(R::Lens, R::Forward, 1e-3, 3, 0.0, 0.0, 0.4)},
         {"jittered lens", with(R::Lens, R::Forward, 1e-5, 3, 0.02)},
+        {"lens jittered by its length", with(R::Lens, R::Forward, 1e-5, 3, 1.0)},
         {"lens in random order", with(R::Lens, R::Shuffled, 1e-3)},
         {"line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 0.0, 0.35)},
+        {"tilted line", with(R::Line, R::Backward, 1.0, 3, 0.0, 0.0, 4.6633)},
+        {"line to and fro, half a turn", with(R::Line, R::Forward, 1.0, 3, 6.3e-5, 0.0, Pi)},
+        {"line of few rows", with(R::Line, R::OutsideIn, 1.0, 3, 0.0, 6.1e-6, 0.0, 20.8)},
         {"noisy line", with(R::Line, R::Forward, 1.0, 3, 0.0, 1e-7)},
         {"noisy line in random order", with(R::Line, R::Shuffled, 1.0, 3, 0.0, 1e-7)},
         {"two clusters", with(R::Polygon, R::Forward, 1.0, 2, 1e-6, 1e-6)},
@@ -239,12 +244,14 @@ const std::vector<RingFamily> &hostileRings()
         {"fan", with(R::Fan, R::Forward)},
         {"fan in random order", with(R::Fan, R::Shuffled)},
         {"fan from outside in", with(R::Fan, R::OutsideIn)},
+        {"fan far out", with(R::Fan, R::Backward, 1.0, 3, 1e-4, 2.6e-4, 0.0, 175.4)},
         {"crossing", with(R::Square, R::Forward)},
         {"circle in random order", with(R::Arc, R::Shuffled, 2.0 * Pi)},
         {"random walk", with(R::Walk, R::Forward, 1e-2)},
         {"closed random walk", with(R::ClosedWalk, R::Forward, 1e-2)},
         {"lattice", with(R::Lattice, R::Forward, 1.0, 360)},
         {"zigzag", with(R::Zigzag, R::Forward, 1e-3)},
+        {"tilted zigzag", with(R::Zigzag, R::Backward, 2e-4, 3, 0.0, 0.0, 3.387)},
         {"zigzag from outside in", with(R::Zigzag, R::OutsideIn, 2e-6)},
         {"turns", with(R::Turns, R::Forward, 1.0, 10)},
     };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 namespace Halvard::Orv {
@@ -97,9 +98,10 @@ void BlockerSearch::place()
     dropEmptySites(_placedNear);
     _activeSites = static_cast<int>(_placed.size());
     _hasBoxes = _activeSites >= FewPoints;
-    _tree.place(_placed, _points, _hasBoxes, RingBoxes::Splits::ForTriangles);
+    _tree.place(_placed, _points, _hasBoxes ? splitForTriangles : NodeSplit());
     if (_hasBoxes)
-        _nearTree.place(_placedNear, _points, true, RingBoxes::Splits::ForSurroundings);
+        _nearTree.place(_placedNear, _points, splitForSurroundings);
+    _lineSearch.reset(static_cast<int>(_points.size()), _activeSites);
 }
 
 void BlockerSearch::remove(int corner)
@@ -109,6 +111,7 @@ void BlockerSearch::remove(int corner)
         return;
     _tree.remove(site);
     _nearTree.remove(site);
+    _lineSearch.remove(site);
     --_activeSites;
     if (_activeSites > FewestToPlace && 2 * _activeSites < static_cast<int>(_placed.size()))
         place();
@@ -125,7 +128,7 @@ bool BlockerSearch::isBlocked(int corner, const CornerTriangle &triangle)
 }
 
 /// A site that blocks the triangle, or NoSite.
-int BlockerSearch::blockerOf(const CornerTriangle &triangle) const
+int BlockerSearch::blockerOf(const CornerTriangle &triangle)
 {
     const TriangleReach reach(triangle);
     if (!_hasBoxes)
@@ -139,7 +142,35 @@ int BlockerSearch::blockerOf(const CornerTriangle &triangle) const
         if (blocker != NoSite)
             return blocker;
     }
-    return _tree.blockerAmongFar(triangle, reach);
+    return blockerAmongFar(triangle, reach);
+}
+
+/// The same of sites that are not near a corner of the triangle.
+int BlockerSearch::blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach)
+{
+    const int most =
+        _lineSearch.isWorthIt() ? LineSearch::ManySteps : std::numeric_limits<int>::max();
+    int stepsLeft = most;
+    const int blocker = _tree.blockerAmongFar(triangle, reach, stepsLeft);
+    const int steps = most - stepsLeft;
+    if (steps > LineSearch::ManySteps)
+        _lineSearch.note(triangle, steps);
+    if (stepsLeft >= 0)
+        return blocker;
+    if (_lineSearch.isDue())
+        _lineSearch.place(activeSites(), _points);
+    return _lineSearch.blocker(triangle, reach);
+}
+
+std::vector<int> BlockerSearch::activeSites() const
+{
+    std::vector<int> sites;
+    sites.reserve(static_cast<size_t>(_activeSites));
+    for (const int site : _placed) {
+        if (_cornersAt[static_cast<size_t>(site)] > 0)
+            sites.push_back(site);
+    }
+    return sites;
 }
 
 } // namespace Halvard::Orv

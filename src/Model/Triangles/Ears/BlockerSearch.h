@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Triangles/Ears/CornerTriangle.h"
+#include "Triangles/Ears/LineSearch.h"
 #include "Triangles/Ears/SiteTree.h"
 
 #include <QtGui/QVector2D>
@@ -17,7 +18,7 @@ namespace Halvard::Orv {
 ///
 /// Corners at the same point give the same answer, so that a large ring is searched by
 /// its distinct points, the sites. Those that others are near to stand in a tree of
-/// their own as well, see TriangleReach.
+/// their own as well, see TriangleReach; where that takes long, so do all, see LineSearch.
 class BlockerSearch
 {
 public:
@@ -46,7 +47,9 @@ private:
     void addSite(int corner, QVector2D point);
     void dropEmptySites(std::vector<int> &sites);
     void place();
-    int blockerOf(const CornerTriangle &triangle) const;
+    int blockerOf(const CornerTriangle &triangle);
+    int blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach);
+    std::vector<int> activeSites() const;
 
     std::vector<CornerState> _states;
     /// By site: where it is, and how many active corners stand there.
@@ -61,6 +64,7 @@ private:
     bool _hasBoxes = false;
     SiteTree _tree;
     SiteTree _nearTree;
+    LineSearch _lineSearch;
 };
 
 } // namespace Halvard::Orv

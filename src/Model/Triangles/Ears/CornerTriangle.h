@@ -69,8 +69,41 @@ public:
     /// with a corner does not count, so that touching rings keep their ears.
     bool isBlockedBy(QVector2D point) const
     {
-        return !hasCornerAt(point) && isInside(_edges[0], point) && isInside(_edges[1], point) &&
-               isInside(_edges[2], point);
+        int edge = 0;
+        return isBlockedBy(point, edge);
+    }
+
+    /// The same.
+    /// \param edge is asked first: the one that the last point was outside of, from which the
+    ///        next one often is as well.
+    bool isBlockedBy(QVector2D point, int &edge) const
+    {
+        if (hasCornerAt(point))
+            return false;
+        for (int i = 0; i < 3; ++i) {
+            const int asked = edge + i < 3 ? edge + i : edge + i - 3;
+            if (!isInside(_edges[asked], point)) {
+                edge = asked;
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// The direction of the longest edge.
+    QVector2D longestDirection() const
+    {
+        float longest = -1.0f;
+        QVector2D direction;
+        for (int i = 0; i < 3; ++i) {
+            const QVector2D along = _edges[i == 2 ? 0 : i + 1].start - _edges[i].start;
+            const float length = std::fabs(along.x()) + std::fabs(along.y());
+            if (length > longest) {
+                longest = length;
+                direction = _edges[i].direction;
+            }
+        }
+        return direction;
     }
 
 private:

@@ -88,8 +88,8 @@ struct HalvesInSpace
         const int *const middle = first + sample.count / 2;
         const ptrdiff_t leftOut = sample.count / 8;
         median = *middle;
-        const OrientedBox lower = OrientedBox::around(points, first, middle - leftOut);
-        const OrientedBox higher = OrientedBox::around(points, middle + leftOut, last);
+        lower = OrientedBox::around(points, first, middle - leftOut);
+        higher = OrientedBox::around(points, middle + leftOut, last);
         size = sizeOf(lower) + sizeOf(higher);
         area = areaOf(lower) + areaOf(higher);
     }
@@ -107,6 +107,8 @@ struct HalvesInSpace
     }
 
     AlongAxis axis;
+    OrientedBox lower;
+    OrientedBox higher;
     int median;
     float size;
     float area;
@@ -117,7 +119,7 @@ struct HalvesInSpace
 bool hasTwoSides(const OrientedBox &box)
 {
     constexpr float Products = 4e-6f;
-    constexpr float Least = 1e-12f;
+    constexpr float Least = 1e-30f; // what is added there against underflow
     const float products = Products * std::fabs(box.axis.x() * box.axis.y());
     return box.across > (products + Least) * box.along;
 }
@@ -127,23 +129,63 @@ QVector2D longerAxisOf(const OrientedBox &box)
     return box.extentY() > box.extentX() ? QVector2D(0.0f, 1.0f) : QVector2D(1.0f, 0.0f);
 }
 
-/// Along a box that is about as wide as long, boxes along the axes of the plane are as
-/// good, and closer to squares. A thin strip is split along or across. Two arcs upon
-/// each other want to be parted across: a triangle between the two then meets neither.
+/// Whether boxes along the axes of the plane are as good, and closer to squares.
+bool isWide(const OrientedBox &box)
+{
+    constexpr float Thin = 0.25f;
+    return box.across > Thin * box.along;
+}
+
+QVector2D across(QVector2D direction)
+{
+    return {-direction.y(), direction.x()};
+}
+
+/// Two arcs upon each other want to be parted across: a triangle between the two then meets
+/// neither.
+const HalvesInSpace &smaller(const HalvesInSpace &along, const HalvesInSpace &across, bool isAcross)
+{
+    constexpr float ClearlyLess = 0.8f;
+    const bool isBetter = across.area < ClearlyLess * along.area;
+    const bool isWorse = along.area < ClearlyLess * across.area;
+    return isBetter || (isAcross && !isWorse) ? across : along;
+}
+
+/// A thin strip is split along or across.
 HalvesInSpace halvesInSpace(const QVector2D *points, const OrientedBox &box, const Sample &sample,
                             bool isAcross)
 {
-    constexpr float Thin = 0.25f;
-    if (box.across > Thin * box.along)
+    if (isWide(box))
         return {points, longerAxisOf(box), sample};
     const HalvesInSpace along(points, box.axis, sample);
     if (!hasTwoSides(box))
         return along;
-    constexpr float ClearlyLess = 0.8f;
-    const HalvesInSpace across(points, {-box.axis.y(), box.axis.x()}, sample);
-    const bool isBetter = across.area < ClearlyLess * along.area;
-    const bool isWorse = along.area < ClearlyLess * across.area;
-    return isBetter || (isAcross && !isWorse) ? across : along;
+    return smaller(along, HalvesInSpace(points, across(box.axis), sample), isAcross);
+}
+
+/// Of the directions the one whose lines meet the box least.
+QVector2D flattest(const std::vector<QVector2D> &directions, const OrientedBox &box)
+{
+    return *std::min_element(directions.begin(), directions.end(),
+                             [&](QVector2D first, QVector2D second) {
+                                 return box.widthAcross(first) < box.widthAcross(second);
+                             });
+}
+
+/// How many of the halves a line that meets the box meets: the sum of that for all
+/// directions. Lines of a direction that are anywhere meet a box as often as it is wide
+/// across the direction.
+float meetings(const HalvesInSpace &halves, const OrientedBox &box,
+               const std::vector<QVector2D> &directions)
+{
+    float sum = 0.0f;
+    for (const QVector2D direction : directions) {
+        const float width = box.widthAcross(direction);
+        if (width > 0.0f)
+            sum += (halves.lower.widthAcross(direction) + halves.higher.widthAcross(direction)) /
+                   width;
+    }
+    return sum;
 }
 
 } // namespace
@@ -151,8 +193,8 @@ HalvesInSpace halvesInSpace(const QVector2D *points, const OrientedBox &box, con
 /// A split in space has to be worth it, since the ring's neighbours ask for each other
 /// again and again: fewer triangles must meet both halves, or the boxes must be by far
 /// smaller, so that long slivers from elsewhere miss them.
-std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, const int *middle,
-                                     const int *last, bool isAcross)
+std::optional<AlongAxis> splitForTriangles(const QVector2D *points, const int *first,
+                                           const int *middle, const int *last, bool isAcross)
 {
     constexpr float HardlyLarger = 1.5f;
     constexpr float MuchLarger = 4.0f;
@@ -170,9 +212,31 @@ std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, 
     return inSpace.axis;
 }
 
-AlongAxis longerAxis(const QVector2D *points, const int *first, const int *last)
+std::optional<AlongAxis> splitForSurroundings(const QVector2D *points, const int *first,
+                                              const int * /*middle*/, const int *last,
+                                              bool /*isAcross*/)
 {
-    return {points, longerAxisOf(Sample(first, last).boxAround(points))};
+    return AlongAxis(points, longerAxisOf(Sample(first, last).boxAround(points)));
+}
+
+/// Along the box, or across the lines: where they all run one way, halves between which none
+/// of them passes. The axis of a sample is a little askew, which would make every half as
+/// high as both in a strip whose points lie in rows.
+std::optional<AlongAxis> splitForLines(const QVector2D *points, const int *first, const int *last,
+                                       bool isAcross, const std::vector<QVector2D> &directions)
+{
+    constexpr float ClearlyFewer = 0.9f;
+    const Sample sample(first, last);
+    const OrientedBox box = sample.boxAround(points);
+    const HalvesInSpace along(points, isWide(box) ? longerAxisOf(box) : box.axis, sample);
+    const HalvesInSpace acrossLines(points, across(flattest(directions, box)), sample);
+    const float metAlong = meetings(along, box, directions);
+    const float metAcross = meetings(acrossLines, box, directions);
+    if (metAlong < ClearlyFewer * metAcross)
+        return along.axis;
+    if (metAcross < ClearlyFewer * metAlong)
+        return acrossLines.axis;
+    return smaller(along, acrossLines, isAcross).axis;
 }
 
 } // namespace Halvard::Orv

@@ -4,7 +4,9 @@
 
 #include <QtGui/QVector2D>
 
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace Halvard::Orv {
 
@@ -34,8 +36,9 @@ private:
     QVector2D _axis;
 };
 
-/// Looks at a few of a node's points and says how to split them. Any answer is right;
-/// a good one lets a triangle miss most boxes.
+/// How to part a node's points in halves: by the median of a coordinate, or, where there is
+/// none, into the first and the last points in ring order. Any answer is right; a good one
+/// lets a triangle miss most boxes.
 ///
 /// \param points all points.
 /// \param first, middle, last numbers of the node's points, in ring order; `middle` is
@@ -44,13 +47,20 @@ private:
 ///        should be every other level, which makes the boxes of points that are
 ///        scattered over a strip as long as wide, measured in lengths and widths of the
 ///        strip. A sliver between such points is long and thin in these units, too.
-/// \return the coordinate whose median parts the halves; nothing where they are to be
-///         the first and the last points in ring order.
-std::optional<AlongAxis> axisToSplit(const QVector2D *points, const int *first, const int *middle,
-                                     const int *last, bool isAcross);
+using NodeSplit = std::function<std::optional<AlongAxis>(
+    const QVector2D *points, const int *first, const int *middle, const int *last, bool isAcross)>;
 
-/// The axis of the plane along which some of the node's points extend farther: halves that
-/// are as wide as long as far as can be.
-AlongAxis longerAxis(const QVector2D *points, const int *first, const int *last);
+/// A NodeSplit for triangles that mostly have neighbours in the ring as corners.
+std::optional<AlongAxis> splitForTriangles(const QVector2D *points, const int *first,
+                                           const int *middle, const int *last, bool isAcross);
+
+/// For the surroundings of points: halves that are as wide as long as far as can be.
+std::optional<AlongAxis> splitForSurroundings(const QVector2D *points, const int *first,
+                                              const int *middle, const int *last, bool isAcross);
+
+/// For lines through all points.
+/// \param directions of such lines, at least one.
+std::optional<AlongAxis> splitForLines(const QVector2D *points, const int *first, const int *last,
+                                       bool isAcross, const std::vector<QVector2D> &directions);
 
 } // namespace Halvard::Orv

@@ -94,12 +94,15 @@ OrientedBox OrientedBox::around(const QVector2D *points, const int *first, const
     const double across = ax * offset.y - ay * offset.x;
     const double halfLength = std::max(high - along, along - low);
     const double halfWidth = std::max(right - across, across - left);
-    // Both are off by the 1e-15th part of the greater one, and too small by a factor of
-    // up to 1 + 3e-7, since |axis| is only about 1 and floats are rounded to.
+    // Offsets and products are off by 2^-53 of themselves, so that the four sums that an
+    // extent comes from are off by 7e-16 of what they add up, here twice. Of that, the product
+    // ax * ay times the other extent counts: a box along an axis of the plane is as thin as
+    // its points. The factor covers the rest, |axis| that is only about 1, up to 1 + 3e-7 with
+    // the rounding to float.
     constexpr double Factor = 1.0 + 1e-6;
-    const double slack = 1e-15 * (halfLength + halfWidth);
-    box.along = static_cast<float>(halfLength * Factor + slack);
-    box.across = static_cast<float>(halfWidth * Factor + slack);
+    const double slack = 3e-15 * std::fabs(ax * ay);
+    box.along = static_cast<float>(halfLength * Factor + slack * halfWidth);
+    box.across = static_cast<float>(halfWidth * Factor + slack * halfLength);
     return box;
 }
 
@@ -120,6 +123,24 @@ bool OrientedBox::holds(QVector2D point) const
     const double ay = static_cast<double>(axis.y());
     return std::fabs(ax * offset.x + ay * offset.y) <= static_cast<double>(along) &&
            std::fabs(ax * offset.y - ay * offset.x) <= static_cast<double>(across);
+}
+
+float OrientedBox::widthAcross(QVector2D direction) const
+{
+    return along * std::fabs(direction.x() * axis.y() - direction.y() * axis.x()) +
+           across * std::fabs(direction.x() * axis.x() + direction.y() * axis.y());
+}
+
+void OrientedBox::putInto(Boxes4 &boxes, int lane) const
+{
+    boxes.centreX[lane] = centre.x();
+    boxes.centreY[lane] = centre.y();
+    boxes.alongX[lane] = along * axis.x();
+    boxes.alongY[lane] = along * axis.y();
+    boxes.acrossX[lane] = across * axis.x();
+    boxes.acrossY[lane] = across * axis.y();
+    boxes.extentX[lane] = extentX();
+    boxes.extentY[lane] = extentY();
 }
 
 } // namespace Halvard::Orv

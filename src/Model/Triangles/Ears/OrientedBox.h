@@ -2,6 +2,8 @@
 /// A narrow box around points.
 #pragma once
 
+#include "Triangles/Ears/TriangleReach.h"
+
 #include <QtGui/QVector2D>
 
 namespace Halvard::Orv {
@@ -24,6 +26,12 @@ struct OrientedBox
     float extentY() const;
 
     bool holds(QVector2D point) const;
+
+    /// Half of the extent across a unit direction, about.
+    float widthAcross(QVector2D direction) const;
+
+    /// Puts it into one of four lanes.
+    void putInto(Boxes4 &boxes, int lane) const;
 };
 
 } // namespace Halvard::Orv

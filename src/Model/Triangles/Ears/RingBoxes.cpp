@@ -1,6 +1,5 @@
 #include "Triangles/Ears/RingBoxes.h"
 
-#include "Triangles/Ears/NodeSplit.h"
 #include "Triangles/Ears/OrientedBox.h"
 
 #include <QtCore/QtAlgorithms>
@@ -10,14 +9,17 @@
 
 namespace Halvard::Orv {
 
-void RingBoxes::build(const std::vector<QVector2D> &points, Splits splits)
+void RingBoxes::build(const std::vector<QVector2D> &points, const NodeSplit &split)
 {
-    _splits = splits;
+    _split = &split;
     _points = points.data();
     _order.resize(points.size());
     std::iota(_order.begin(), _order.end(), 0);
     _nodes.clear();
     addNode(_order.data(), _order.data() + _order.size());
+    // Needed while building only.
+    _points = nullptr;
+    _split = nullptr;
 }
 
 /// Children are the quarters of the points, or halves where these are leaves already.
@@ -25,10 +27,10 @@ int RingBoxes::addNode(int *first, int *last)
 {
     const int number = static_cast<int>(_nodes.size());
     _nodes.emplace_back();
-    int *const middle = split(first, last, false);
+    int *const middle = parted(first, last, false);
     for (const auto &[from, to] : {std::pair(first, middle), std::pair(middle, last)}) {
         if (to - from > LeafSize) {
-            int *const quarter = split(from, to, true);
+            int *const quarter = parted(from, to, true);
             addChild(number, from, quarter);
             addChild(number, quarter, to);
         } else if (from != to) {
@@ -47,27 +49,18 @@ void RingBoxes::addChild(int parent, int *first, int *last)
     Node &node = _nodes[static_cast<size_t>(parent)];
     const int lane = node.childCount++;
     node.children[lane] = child;
-    node.boxes.centreX[lane] = box.centre.x();
-    node.boxes.centreY[lane] = box.centre.y();
-    node.boxes.alongX[lane] = box.along * box.axis.x();
-    node.boxes.alongY[lane] = box.along * box.axis.y();
-    node.boxes.acrossX[lane] = box.across * box.axis.x();
-    node.boxes.acrossY[lane] = box.across * box.axis.y();
-    node.boxes.extentX[lane] = box.extentX();
-    node.boxes.extentY[lane] = box.extentY();
+    box.putInto(node.boxes, lane);
 }
 
 /// Parts the points into two halves of whole leaves, each in ring order.
-int *RingBoxes::split(int *first, int *last, bool isAcross)
+int *RingBoxes::parted(int *first, int *last, bool isAcross)
 {
     const ptrdiff_t half = (last - first + 1) / 2;
     int *const middle =
         first + std::min<ptrdiff_t>(last - first, (half + LeafSize - 1) / LeafSize * LeafSize);
     if (middle == last)
         return middle;
-    const std::optional<AlongAxis> axis = _splits == Splits::ForTriangles
-                                              ? axisToSplit(_points, first, middle, last, isAcross)
-                                              : longerAxis(_points, first, last);
+    const std::optional<AlongAxis> axis = (*_split)(_points, first, middle, last, isAcross);
     if (!axis)
         return middle;
     _sorted.assign(first, last);

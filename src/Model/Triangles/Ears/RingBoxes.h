@@ -2,12 +2,14 @@
 /// A tree of boxes around the points of a ring.
 #pragma once
 
+#include "Triangles/Ears/NodeSplit.h"
 #include "Triangles/Ears/Sampling.h"
 #include "Triangles/Ears/TriangleReach.h"
 
 #include <QtCore/QtAlgorithms>
 #include <QtGui/QVector2D>
 
+#include <limits>
 #include <vector>
 
 namespace Halvard::Orv {
@@ -24,16 +26,8 @@ public:
     /// Points of a leaf. All leaves but the last are full.
     static constexpr int LeafSize = 8;
 
-    /// How nodes are split: for triangles that mostly have neighbours in the ring as
-    /// corners, or for the surroundings of points.
-    enum class Splits
-    {
-        ForTriangles,
-        ForSurroundings
-    };
-
     /// \param points finite.
-    void build(const std::vector<QVector2D> &points, Splits splits = Splits::ForTriangles);
+    void build(const std::vector<QVector2D> &points, const NodeSplit &split = splitForTriangles);
 
     /// Numbers of the points leaf by leaf.
     const std::vector<int> &order() const { return _order; }
@@ -42,9 +36,20 @@ public:
     /// within reach, until one returns true. Where there are very many, some leaves are
     /// visited more than once.
     /// \param reach a FarReach or a NearReach.
+    /// \param stepsLeft how many nodes and leaves to look at: less by those that were, and
+    ///        negative where it was given up. Leaves that are visited more than once do not
+    ///        count.
     /// \return whether one did.
     template <typename Reach, typename Visit>
-    bool anyLeaf(const Reach &reach, Visit visit) const;
+    bool anyLeaf(const Reach &reach, int &stepsLeft, Visit visit) const;
+
+    /// The same to the end.
+    template <typename Reach, typename Visit>
+    bool anyLeaf(const Reach &reach, Visit visit) const
+    {
+        int stepsLeft = std::numeric_limits<int>::max();
+        return anyLeaf(reach, stepsLeft, visit);
+    }
 
 private:
     static constexpr int Fanout = 4;
@@ -59,7 +64,7 @@ private:
 
     int addNode(int *first, int *last);
     void addChild(int parent, int *first, int *last);
-    int *split(int *first, int *last, bool isAcross);
+    int *parted(int *first, int *last, bool isAcross);
 
     /// One bit per child: set where it may hold a point that blocks.
     template <typename Reach>
@@ -74,10 +79,10 @@ private:
     int leafAtRandom(const Reach &reach, QuickRandom &random) const;
 
     const QVector2D *_points = nullptr;
+    const NodeSplit *_split = nullptr;
     std::vector<int> _order;
     std::vector<int> _sorted;
     std::vector<Node> _nodes;
-    Splits _splits = Splits::ForTriangles;
 };
 
 /// A leaf within reach, by choosing any child within reach in each node; -1 where a node
@@ -109,7 +114,7 @@ int RingBoxes::leafAtRandom(const Reach &reach, QuickRandom &random) const
 /// share p of all leaves within reach has a point that blocks, about 1 / p visits find
 /// one, wherever it is, and a triangle that nothing blocks costs twice the visits.
 template <typename Reach, typename Visit>
-bool RingBoxes::anyLeaf(const Reach &reach, Visit visit) const
+bool RingBoxes::anyLeaf(const Reach &reach, int &stepsLeft, Visit visit) const
 {
     constexpr int ManyLeaves = 16;
     constexpr int Growth = 3;
@@ -122,6 +127,8 @@ bool RingBoxes::anyLeaf(const Reach &reach, Visit visit) const
     int visits = 0;
     int visitsInOrder = ManyLeaves;
     while (count > 0) {
+        if (--stepsLeft < 0)
+            return false;
         const int next = waiting[--count];
         if (next >= 0) {
             const Node &node = _nodes[static_cast<size_t>(next)];

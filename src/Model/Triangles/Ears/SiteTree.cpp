@@ -22,14 +22,15 @@ void SiteTree::reset(size_t siteCount)
 }
 
 void SiteTree::place(const std::vector<int> &sites, const std::vector<QVector2D> &points,
-                     bool hasBoxes, RingBoxes::Splits splits)
+                     const NodeSplit &split)
 {
+    const bool hasBoxes = static_cast<bool>(split);
     if (hasBoxes) {
         _placedPoints.clear();
         _placedPoints.reserve(sites.size());
         for (const int site : sites)
             _placedPoints.push_back(points[static_cast<size_t>(site)]);
-        _boxes.build(_placedPoints, splits);
+        _boxes.build(_placedPoints, split);
     }
     const size_t slotCount =
         (sites.size() + RingBoxes::LeafSize - 1) / RingBoxes::LeafSize * RingBoxes::LeafSize;
@@ -55,25 +56,28 @@ void SiteTree::remove(int site)
 
 int SiteTree::blockerAmongAll(const CornerTriangle &triangle, const TriangleReach &reach) const
 {
+    int edge = 0;
     for (size_t slot = 0; slot < _x.size(); slot += Lanes) {
         const unsigned within = reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
-        const int blocker = blockerInSlots(slot, within, triangle);
+        const int blocker = blockerInSlots(slot, within, triangle, edge);
         if (blocker != NoSite)
             return blocker;
     }
     return NoSite;
 }
 
-int SiteTree::blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach) const
+int SiteTree::blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach,
+                              int &stepsLeft) const
 {
     const auto within = [&](size_t slot) {
         return reach.farPointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
     };
     int blocker = NoSite;
-    _boxes.anyLeaf(FarReach(triangle, reach), [&](int first) {
+    int edge = 0;
+    _boxes.anyLeaf(FarReach(triangle, reach), stepsLeft, [&](int first) {
         const size_t slot = static_cast<size_t>(first);
         const unsigned found = within(slot) | within(slot + Lanes) << Lanes;
-        blocker = blockerInSlots(slot, found, triangle);
+        blocker = blockerInSlots(slot, found, triangle, edge);
         return blocker != NoSite;
     });
     return blocker;
@@ -85,21 +89,23 @@ int SiteTree::blockerAmongNear(const CornerTriangle &triangle, const TriangleRea
         return reach.pointsWithin(loadFour(&_x[slot]), loadFour(&_y[slot]));
     };
     int blocker = NoSite;
+    int edge = 0;
     _boxes.anyLeaf(NearReach(reach), [&](int first) {
         const size_t slot = static_cast<size_t>(first);
         const unsigned found = within(slot) | within(slot + Lanes) << Lanes;
-        blocker = blockerInSlots(slot, found, triangle);
+        blocker = blockerInSlots(slot, found, triangle, edge);
         return blocker != NoSite;
     });
     return blocker;
 }
 
 /// The first site that blocks among those in slots whose bits are set.
-int SiteTree::blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle) const
+int SiteTree::blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle,
+                             int &edge) const
 {
     for (; within != 0; within &= within - 1) {
         const size_t at = slot + qCountTrailingZeroBits(within);
-        if (triangle.isBlockedBy({_x[at], _y[at]}))
+        if (triangle.isBlockedBy({_x[at], _y[at]}, edge))
             return _siteAt[at];
     }
     return NoSite;

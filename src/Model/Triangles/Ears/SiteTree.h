@@ -23,9 +23,9 @@ public:
     /// Places sites, or, of those that were, the ones that are left.
     /// \param sites ascending.
     /// \param points by number of the site.
-    /// \param hasBoxes whether to build the tree of boxes, without which all are looked at.
-    void place(const std::vector<int> &sites, const std::vector<QVector2D> &points, bool hasBoxes,
-               RingBoxes::Splits splits);
+    /// \param split how to build the tree of boxes; none to do without it, and look at all.
+    void place(const std::vector<int> &sites, const std::vector<QVector2D> &points,
+               const NodeSplit &split);
 
     /// Does nothing for a site that was not placed.
     void remove(int site);
@@ -35,12 +35,15 @@ public:
     /// A site that blocks the triangle, or NoSite, by looking at all.
     int blockerAmongAll(const CornerTriangle &triangle, const TriangleReach &reach) const;
     /// The same by looking at those that are not near a corner of the triangle.
-    int blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach) const;
+    /// \param stepsLeft as for RingBoxes::anyLeaf(): negative where it was given up.
+    int blockerAmongFar(const CornerTriangle &triangle, const TriangleReach &reach,
+                        int &stepsLeft) const;
     /// The same by looking at those that are near one.
     int blockerAmongNear(const CornerTriangle &triangle, const TriangleReach &reach) const;
 
 private:
-    int blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle) const;
+    int blockerInSlots(size_t slot, unsigned within, const CornerTriangle &triangle,
+                       int &edge) const;
 
     RingBoxes _boxes;
     std::vector<QVector2D> _placedPoints;

@@ -150,14 +150,10 @@ unsigned boxesWithin(const CornerTriangle &triangle, const Boxes4 &boxes)
 Boxes4 boxesOf(const OrientedBox &box)
 {
     constexpr float Far = 1e30f;
-    return {Float4{Far, box.centre.x(), Far, Far},
-            Float4{Far, box.centre.y(), Far, Far},
-            Float4{1.0f, box.along * box.axis.x(), 1.0f, 1.0f},
-            Float4{0.0f, box.along * box.axis.y(), 0.0f, 0.0f},
-            Float4{1.0f, box.across * box.axis.x(), 1.0f, 1.0f},
-            Float4{0.0f, box.across * box.axis.y(), 0.0f, 0.0f},
-            Float4{1.0f, box.extentX(), 1.0f, 1.0f},
-            Float4{1.0f, box.extentY(), 1.0f, 1.0f}};
+    Boxes4 boxes{four(Far),  four(Far),  four(1.0f), four(0.0f),
+                 four(1.0f), four(0.0f), four(1.0f), four(1.0f)};
+    box.putInto(boxes, 1);
+    return boxes;
 }
 
 TEST(CornerTriangle, NormalisesAsQtDoes)
@@ -368,6 +364,20 @@ TEST(TriangleWindow, KeepsAwayWhatLiesAlongASliver)
     const Boxes4 boxes = boxesOf(OrientedBox::around(points.data(), order, order + 2));
     EXPECT_NE(boxesWithin(sliver, boxes) & 2u, 0u);
     EXPECT_EQ(TriangleWindow(sliver).boxesWithin(boxes) & 2u, 0u);
+}
+
+/// However flat: what is rounded along it must not widen it.
+TEST(OrientedBox, IsAsThinAsAFlatLine)
+{
+    for (const float height : {1e-3f, 1e-9f, 1e-16f, 1e-23f, 1e-30f}) {
+        const std::vector<QVector2D> points{
+            {0, 0}, {0.25f, height}, {0.5f, 0}, {0.75f, height}, {1, 0}};
+        const int order[] = {0, 1, 2, 3, 4};
+        const OrientedBox box = OrientedBox::around(points.data(), order, order + 5);
+        EXPECT_LT(box.across, height);
+        EXPECT_LT(box.widthAcross({1, 0}), height);
+        EXPECT_GE(box.widthAcross({0, 1}), 0.5f);
+    }
 }
 
 TEST(OrientedBox, HoldsItsPoints)
