@@ -400,6 +400,15 @@ double visitsPerCandidate(const std::vector<QVector2D> &points, bool hasLines)
                : static_cast<double>(visits) / static_cast<double>(candidates.size());
 }
 
+/// Those of hostileRings() that boxes in ring order are bad for.
+const std::set<std::string> &familiesAlongLines()
+{
+    static const std::set<std::string> names = {"lens jittered by its length", "tilted line",
+                                                "line to and fro, half a turn", "line of few rows",
+                                                "fan far out"};
+    return names;
+}
+
 /// The first corner at each point, in ring order.
 std::vector<QVector2D> distinctPoints(const std::vector<QVector2D> &points)
 {
@@ -421,12 +430,8 @@ TEST(RingBoxes, LooksAtFewLeavesOfHostileRings)
     Dice dice(Seed);
     constexpr double MostVisits = 12.0;
     constexpr double MostVisitsWithLines = 60.0;
-    // For these the boxes in ring order are bad.
-    const std::set<std::string> alongLines = {"lens jittered by its length", "tilted line",
-                                              "line to and fro, half a turn", "line of few rows",
-                                              "fan far out"};
     for (const RingFamily &family : hostileRings()) {
-        const bool hasLines = alongLines.count(family.name) != 0;
+        const bool hasLines = familiesAlongLines().count(family.name) != 0;
         for (const int count : {4000, 32000}) {
             const std::vector<QVector2D> points =
                 distinctPoints(ringOf(family.recipe, count, dice));
@@ -571,6 +576,46 @@ TEST(BlockerSearch, AgreesWithALoopWhileCornersGo)
     }
     EXPECT_GT(outcomes[0], 5000);
     EXPECT_GT(outcomes[1], 5000);
+}
+
+/// Of rings that are searched along lines, every corner, with all others and after some went.
+TEST(BlockerSearch, AgreesWithALoopWhereItSearchesAlongLines)
+{
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    Dice dice(Seed);
+    constexpr int Count = 2500;
+    BlockerSearch search;
+    int outcomes[2] = {};
+    for (const RingFamily &family : hostileRings()) {
+        if (familiesAlongLines().count(family.name) == 0)
+            continue;
+        const std::vector<QVector2D> points = ringOf(family.recipe, Count, dice);
+        search.reset(points.data(), Count);
+        std::vector<int> active(points.size());
+        std::iota(active.begin(), active.end(), 0);
+        for (const int goes : {0, Count / 5, Count / 5}) {
+            for (int i = 0; i < goes; ++i) {
+                const int at = dice.below(static_cast<int>(active.size()));
+                search.remove(active[static_cast<std::size_t>(at)]);
+                active.erase(active.begin() + at);
+            }
+            for (std::size_t at = 0; at < active.size() && !HasFailure(); ++at) {
+                const int corner = active[at];
+                const CornerTriangle triangle =
+                    triangleOf(points, corner, active[(at + 1) % active.size()],
+                               active[(at + active.size() - 1) % active.size()]);
+                if (!isCandidate(triangle))
+                    continue;
+                const bool expected = std::any_of(active.begin(), active.end(), [&](int other) {
+                    return triangle.isBlockedBy(points[static_cast<std::size_t>(other)]);
+                });
+                EXPECT_EQ(search.isBlocked(corner, triangle), expected) << family.name;
+                ++outcomes[expected ? 1 : 0];
+            }
+        }
+    }
+    EXPECT_GT(outcomes[0], 1000);
+    EXPECT_GT(outcomes[1], 1000);
 }
 
 } // namespace
