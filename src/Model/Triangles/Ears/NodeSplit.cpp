@@ -114,16 +114,6 @@ struct HalvesInSpace
     float area;
 };
 
-/// Whether the box is wide enough that comparisons in floats tell its two long sides
-/// from each other, see TriangleReach.
-bool hasTwoSides(const OrientedBox &box)
-{
-    constexpr float Products = 4e-6f;
-    constexpr float Least = 1e-30f; // what is added there against underflow
-    const float products = Products * std::fabs(box.axis.x() * box.axis.y());
-    return box.across > (products + Least) * box.along;
-}
-
 QVector2D longerAxisOf(const OrientedBox &box)
 {
     return box.extentY() > box.extentX() ? QVector2D(0.0f, 1.0f) : QVector2D(1.0f, 0.0f);
@@ -158,8 +148,6 @@ HalvesInSpace halvesInSpace(const QVector2D *points, const OrientedBox &box, con
     if (isWide(box))
         return {points, longerAxisOf(box), sample};
     const HalvesInSpace along(points, box.axis, sample);
-    if (!hasTwoSides(box))
-        return along;
     return smaller(along, HalvesInSpace(points, across(box.axis), sample), isAcross);
 }
 

@@ -428,7 +428,7 @@ TEST(RingBoxes, LooksAtFewLeavesOfHostileRings)
 {
     SCOPED_TRACE("seed " + std::to_string(Seed));
     Dice dice(Seed);
-    constexpr double MostVisits = 12.0;
+    constexpr double MostVisits = 9.0;
     constexpr double MostVisitsWithLines = 60.0;
     for (const RingFamily &family : hostileRings()) {
         const bool hasLines = familiesAlongLines().count(family.name) != 0;
