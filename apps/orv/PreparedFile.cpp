@@ -6,6 +6,7 @@
 #include "Progress.h"
 
 #include <OrvModel/ModelPreparing.h>
+#include <common/HelperPool.h>
 #include <common/LoadFailure.h>
 
 #include <QtCore/QFile>
@@ -32,7 +33,7 @@ std::unique_ptr<PreparedModel> prepareStandardInput(QString &error, const Prepar
 class Helpers
 {
 public:
-    explicit Helpers(int count) : _pool(thePool()) { _pool.setMaxThreadCount(count); }
+    explicit Helpers(int count) : _pool(Apps::helperPool()) { _pool.setMaxThreadCount(count); }
 
     ~Helpers()
     {
@@ -48,14 +49,6 @@ public:
     QThreadPool *pool() { return &_pool; }
 
 private:
-    /// Never destroyed: Qt counts a thread that could not be started, for want of memory or of
-    /// threads, as one at work, and a pool that is destroyed waits for those without end.
-    static QThreadPool &thePool()
-    {
-        static auto *const pool = new QThreadPool;
-        return *pool;
-    }
-
     QThreadPool &_pool;
 };
 

@@ -195,8 +195,9 @@ QImage TextureCache::thumbnail(const QString &path, int side) const
                    ? from
                    : from.scaled(most, most, Qt::KeepAspectRatio, mode);
     };
-    // Of a large image a sample will do: smoothing all of it takes seconds.
-    const QImage sample = scaled(image->prepared.image, 4 * side, Qt::FastTransformation);
+    // Of a large image a sample will do: smoothing all of it takes seconds. From twice 65,536
+    // pixels on Qt has threads help, and waits without end where none can be started.
+    const QImage sample = scaled(image->prepared.image, 3 * side, Qt::FastTransformation);
     return scaled(sample, side, Qt::SmoothTransformation)
         .convertToFormat(QImage::Format_ARGB32_Premultiplied)
         .mirrored();

@@ -1,6 +1,7 @@
 #include "ModelLoader.h"
 
 #include <OrvModel/ModelPreparing.h>
+#include <common/HelperPool.h>
 #include <common/LoadFailure.h>
 #include <common/ModelFiles.h>
 #include <common/Verdict.h>
@@ -9,6 +10,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMap>
 #include <QtCore/QThread>
+#include <QtCore/QThreadPool>
 
 #include <algorithm>
 #include <new>
@@ -20,7 +22,8 @@ namespace {
 /// The parts of a load, as far as the progress bar is concerned.
 constexpr double PrepareEnds = 0.8;
 
-/// In pixels: enough for the panel of materials on a screen of high resolution.
+/// In pixels: enough for the panel of materials on a screen of high resolution. Up to 120 Qt
+/// scales without threads, see TextureCache::thumbnail().
 constexpr int ThumbnailSide = 96;
 
 QString nameOf(PrepareStage stage)
@@ -144,7 +147,7 @@ private:
         QString error;
         PrepareOptions options;
         options.reason = &reason;
-        options.threadPool = &_loader._helpers;
+        options.threadPool = &Apps::helperPool();
         options.progress = [this](const PrepareProgress &done) {
             return tell(nameOf(done.stage), done.fraction * PrepareEnds);
         };
@@ -164,7 +167,7 @@ private:
         settings.mostOnASide = _mostOnASide;
         file.textures = std::make_unique<Render::TextureCache>(settings);
         return file.textures->prepare(
-            texturePaths(*file.details), &_loader._helpers, [this](double fraction) {
+            texturePaths(*file.details), &Apps::helperPool(), [this](double fraction) {
                 return tell(tr("Decoding textures"), PrepareEnds + fraction * (1 - PrepareEnds));
             });
     }
@@ -204,14 +207,13 @@ private:
 
 ModelLoader::ModelLoader(QObject *parent) : QObject(parent)
 {
-    _worker.setMaxThreadCount(1);
-    _helpers.setMaxThreadCount(std::max(QThread::idealThreadCount() - 1, 1));
+    Apps::helperPool().setMaxThreadCount(std::max(QThread::idealThreadCount() - 1, 1));
 }
 
 ModelLoader::~ModelLoader()
 {
     cancel();
-    _worker.waitForDone();
+    _worker.finish();
 }
 
 template <typename Action>

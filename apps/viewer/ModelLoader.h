@@ -3,9 +3,9 @@
 #pragma once
 
 #include "LoadedFile.h"
+#include "Worker.h"
 
 #include <QtCore/QObject>
-#include <QtCore/QThreadPool>
 
 #include <atomic>
 #include <memory>
@@ -46,9 +46,8 @@ private:
     void post(const Stop &load, Action action);
     void finish();
 
-    QThreadPool _worker;  // of one thread
-    QThreadPool _helpers; // which share its work
-    Stop _stop;           // of the load that runs; null when none does
+    Worker _worker;
+    Stop _stop; // of the load that runs; null when none does
 };
 
 } // namespace Halvard::Orv::Viewer

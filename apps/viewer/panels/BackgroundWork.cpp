@@ -7,15 +7,12 @@ void BackgroundWork::Job::tell(std::function<void()> action) const
     _work->post(_stop, std::move(action));
 }
 
-BackgroundWork::BackgroundWork(QObject *parent) : QObject(parent)
-{
-    _worker.setMaxThreadCount(1);
-}
+BackgroundWork::BackgroundWork(QObject *parent) : QObject(parent) {}
 
 BackgroundWork::~BackgroundWork()
 {
     stop();
-    _worker.waitForDone();
+    _worker.finish();
 }
 
 void BackgroundWork::start(std::function<End(const Job &)> work)

@@ -2,8 +2,9 @@
 /// Work on a thread beside the window's.
 #pragma once
 
+#include "../Worker.h"
+
 #include <QtCore/QObject>
-#include <QtCore/QThreadPool>
 
 #include <atomic>
 #include <functional>
@@ -52,8 +53,8 @@ public:
 private:
     void post(const Job::Stop &stop, std::function<void()> action);
 
-    QThreadPool _worker; // of one thread
-    Job::Stop _stop;     // of the job that is under way; null for none
+    Worker _worker;
+    Job::Stop _stop; // of the job that is under way; null for none
 };
 
 } // namespace Halvard::Orv::Viewer
