@@ -5,6 +5,7 @@
 #include "support/Fuzzing.h"
 #include "support/Recipes.h"
 
+#include "support/NearCorners.h"
 #include "support/PlainGeometry.h"
 
 #include "Triangles/Ears/BlockerSearch.h"
@@ -132,20 +133,8 @@ private:
         }
         for (int i = 0; i < static_cast<int>(_points.size()); ++i)
             require(!_active[static_cast<std::size_t>(i)] || !triangle.isBlockedBy(at(i)) ||
-                        isNearACorner(at(i), triangle),
+                        OrvTest::isNearACorner(at(i), triangle),
                     "a corner that blocks was not found");
-    }
-
-    static bool isNearACorner(QVector2D point, const CornerTriangle &triangle)
-    {
-        for (int i = 0; i < 3; ++i) {
-            const QVector2D corner = triangle.edge(i).start;
-            if (std::hypot(static_cast<double>(point.x()) - static_cast<double>(corner.x()),
-                           static_cast<double>(point.y()) - static_cast<double>(corner.y())) <=
-                1.000001e-6)
-                return true;
-        }
-        return false;
     }
 
     std::vector<QVector2D> _points;

@@ -1,7 +1,5 @@
 #include "Triangles/Ears/LineSearch.h"
 
-#include <limits>
-
 namespace Halvard::Orv {
 
 namespace {

@@ -1,5 +1,6 @@
 #include "Triangles/Ears/BlockerSearch.h"
 
+#include "support/NearCorners.h"
 #include "support/RandomRings.h"
 #include "support/RingRecipes.h"
 
@@ -60,18 +61,6 @@ bool anyLeaf(const RingBoxes &boxes, const CornerTriangle &triangle, Visit visit
     const TriangleReach reach(triangle);
     return boxes.anyLeaf(FarReach(triangle, reach), visit) ||
            boxes.anyLeaf(NearReach(reach), visit);
-}
-
-bool isNear(QVector2D point, const CornerTriangle &triangle)
-{
-    constexpr double Near = 1.000001e-6;
-    for (int i = 0; i < 3; ++i) {
-        const QVector2D corner = triangle.edge(i).start;
-        if (std::hypot(static_cast<double>(point.x()) - static_cast<double>(corner.x()),
-                       static_cast<double>(point.y()) - static_cast<double>(corner.y())) <= Near)
-            return true;
-    }
-    return false;
 }
 
 /// Leaves that a search for the ones near the triangle's corners, or for the others, visits.
@@ -217,7 +206,7 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocks)
                 ++blocking;
                 const int first =
                     static_cast<int>(place) / RingBoxes::LeafSize * RingBoxes::LeafSize;
-                const bool mayBeNear = isNear(points[point], triangle);
+                const bool mayBeNear = isNearACorner(points[point], triangle);
                 EXPECT_EQ((mayBeNear ? leaves.near : leaves.far).count(first), 1u)
                     << ring.name << ", round " << round;
             }
@@ -284,7 +273,7 @@ TEST(RingBoxes, LeadsToEveryPointThatBlocksASliver)
                 ++blocking;
                 const int first =
                     static_cast<int>(place) / RingBoxes::LeafSize * RingBoxes::LeafSize;
-                const bool mayBeNear = isNear(points[point], triangle);
+                const bool mayBeNear = isNearACorner(points[point], triangle);
                 ASSERT_EQ((mayBeNear ? leaves.near : leaves.far).count(first), 1u) << family.name;
             }
         }

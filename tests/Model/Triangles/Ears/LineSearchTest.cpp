@@ -1,12 +1,12 @@
 #include "Triangles/Ears/LineSearch.h"
 
+#include "support/NearCorners.h"
 #include "support/RandomRings.h"
 #include "support/RingRecipes.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 
 using namespace Halvard::Orv;
@@ -27,18 +27,6 @@ CornerTriangle anyTriangle(Dice &dice, const std::vector<QVector2D> &points)
     const int corner = dice.below(count);
     const auto at = [&](int i) { return points[static_cast<std::size_t>(i % count)]; };
     return CornerTriangle(at(corner), at(corner + 1), at(corner + count - 1));
-}
-
-bool isNearACorner(QVector2D point, const CornerTriangle &triangle)
-{
-    constexpr double Near = 1.000001e-6;
-    for (int i = 0; i < 3; ++i) {
-        const QVector2D corner = triangle.edge(i).start;
-        if (std::hypot(static_cast<double>(point.x()) - static_cast<double>(corner.x()),
-                       static_cast<double>(point.y()) - static_cast<double>(corner.y())) <= Near)
-            return true;
-    }
-    return false;
 }
 
 void noteLines(LineSearch &search, Dice &dice, const std::vector<QVector2D> &points)
